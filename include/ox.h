@@ -1,0 +1,14 @@
+/* The array library: everything with C linkage. C99 and C++17. */
+#ifndef OX_H
+#define OX_H
+
+#include <ox/array_list.h>
+#include <ox/classes.h>
+#include <ox/create.h>
+#include <ox/errors.h>
+#include <ox/levels.h>
+#include <ox/memory.h>
+#include <ox/types.h>
+#include <ox/warnings.h>
+
+#endif

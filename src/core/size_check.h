@@ -1,0 +1,15 @@
+// The element-count and byte limits as a core that raises nothing.
+#pragma once
+#include <core/position.h>
+
+namespace ox {
+
+// The product of the sizes; false (and the limit as count) when it or its bytes exceed 2^48 - 1.
+// Deliberate: a size of 0 anywhere forgives every overflow before it; an empty array fits.
+bool check_size(const kwSize *dims, kwSize ndim, kwSize element_size, kwSize *count);
+inline bool check_size(kwSize m, kwSize n, kwSize element_size, kwSize *count) {
+    const kwSize dims[2] = {m, n};
+    return check_size(dims, 2, element_size, count);
+}
+
+} // namespace ox

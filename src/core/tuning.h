@@ -1,0 +1,16 @@
+// Every threshold and buffer size that callers cannot see, each with the value that the stress
+// build uses to make rare paths common.
+#pragma once
+#include <ox/types.h>
+
+namespace ox::tuning {
+
+#if defined(OX_STRESS)
+constexpr kwSize pick(kwSize, kwSize stress) { return stress; }
+#else
+constexpr kwSize pick(kwSize normal, kwSize) { return normal; }
+#endif
+
+inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
+
+} // namespace ox::tuning
