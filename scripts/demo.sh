@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# Builds the library, the vel tool and the example modules, and runs the modules on real data.
+. "$(dirname "$0")/common.sh"
+scripts/setup.sh build tool
+
+build=build/release
+echo "building in $build ..."
+mkdir -p build
+{
+    cmake --preset release -DOX_BUILD_TESTS=OFF -DOX_BUILD_BENCH=OFF &&
+        cmake --build --preset release -j "$JOBS"
+} >build/demo.log 2>&1 || {
+    tail -n 40 build/demo.log
+    die "demo: the build failed; build/demo.log has all of it"
+}
+
+# built NAME: where the build put a file, which is CMake's affair.
+built() {
+    local path
+    path=$(find "$build" -name "$1" -type f | head -n 1)
+    [ -n "$path" ] || die "demo: the build made no $1"
+    echo "$path"
+}
+
+vel=$(built vel)
+data=examples/data/iris.csv
+
+# show STATUS SENTENCE MODULE ARG...: says what is to be seen, shows the command, and runs it.
+show() {
+    local expected=$1 sentence=$2 module=$3 status=0
+    shift 3
+    module=$(built "$module.vex")
+    say "$sentence"
+    echo "\$ vel call $(basename "$module") $*"
+    "$vel" call "$module" "$@" </dev/null || status=$?
+    [ "$status" = "$expected" ] || die "demo: exit status $status, expected $expected"
+}
+
+show 0 "zscore: every column of 150 flowers to mean 0 and deviation 1; long tables are cut in the middle" \
+    zscore "$data"
+show 0 "covariance: a 4-by-4 symmetric matrix; petal length and width (3 and 4) vary together" \
+    covariance "$data"
+show 0 "forgetful: destroys and frees nothing; leaving the contexts reclaims every array and block it made" \
+    forgetful --stats "$data"
+show 1 "raising: raises in the middle; the error is caught, and the blocks it held were freed by the raise" \
+    raising --stats "$data"
+
+say "demo: done"
