@@ -24,7 +24,7 @@ $1 ~ /_median"?$/ {
     if (parts < 3) next
     case_name = word[1] "/" word[2]
     unit = $column["time_unit"]
-    ns = $column["real_time"] * (unit == "us" ? 1e3 : unit == "ms" ? 1e6 : unit == "s" ? 1e9 : 1)
+    ns = $column["cpu_time"] * (unit == "us" ? 1e3 : unit == "ms" ? 1e6 : unit == "s" ? 1e9 : 1)
     if (!(case_name in seen)) { seen[case_name] = 1; order[++cases] = case_name }
     who = word[3]
     if (who ~ /^limit_/) { limit[case_name] = ns; limit_name[case_name] = substr(who, 7) }
