@@ -1,0 +1,28 @@
+// The field-name table of struct and object arrays: who owns one, and how names are found in it.
+#pragma once
+#include <core/array.h>
+#include <core/name_index.h>
+
+namespace ox {
+
+inline int32_t field_count(const oxArray *a) {
+    return a->record.names ? a->record.names->count : 0;
+}
+
+// A table of these names, interned, with one owner; duplicates are kept. Null without memory.
+// count must be positive.
+name_index_info *make_field_table(int32_t count, const char *const *names);
+
+// Drops the array's reference to its table (the last one frees it) and leaves it without one.
+void release_field_table(oxArray *a);
+
+// The highest number under which the table (null: none) has the name, or -1.
+int32_t find_field(const name_index_info *table, const char *name);
+
+// Appends a name to, or takes name n from, the table of one array: a table that other arrays use
+// is copied first. The array ends without a table when its last name goes. False without memory,
+// the names then as before.
+bool add_field_name(oxArray *a, const char *name);
+bool remove_field_name(oxArray *a, int32_t n);
+
+} // namespace ox
