@@ -54,7 +54,11 @@ bool uses_utility_allocator();
 // Forgets the choice, for tests that change the manager's mode.
 void reset_allocator_choice();
 
+// The heap's own check of a block that enters or leaves the allocation list.
+void check_block(void *block);
+
 // Removes all listeners and the out-of-memory reaction, for tests of the state at load.
 void reset_alloc_hooks();
+void reset_out_of_memory_listener();
 
 } // namespace ox

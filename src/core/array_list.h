@@ -13,7 +13,7 @@ struct ArrayHooks {
     oxArray *(*temporary_copy)(oxArray *a);  // a temporary shared copy; null gives null
     oxArray *(*replace_by_copy)(oxArray *a); // a shared copy in place of a
 };
-extern ArrayHooks array_hooks;
+extern ArrayHooks array_hooks; // defined, with its contents at load, in containers/array_scope.cpp
 
 // Hands a new array (or null: the creation failed) to the created hook and returns it.
 inline oxArray *hand_over(oxArray *a) {
@@ -25,7 +25,8 @@ inline oxArray *contained(oxArray *a) { return array_hooks.contain ? array_hooks
 
 void array_list_append(oxArray *a); // clears the list mark; raises 18 when the list cannot grow
 void array_list_remove(oxArray *a); // current context only; silent when it is not there
-bool array_list_installed();        // whether scope changes touch the list
+void set_array_list_initialized(bool on); // what oxIsArrayListInitialized answers
+bool array_list_installed();              // whether scope changes touch the list
 
 // As oxExitArrayListContext, but with `suppress` nothing is destroyed.
 void exit_array_list_context(int index, oxArray **keep, int nkeep, bool destroy, bool suppress);

@@ -8,6 +8,9 @@ namespace ox {
 // elements own and the data blocks (unless private). The header stays, with stale words.
 void release_contents(oxArray *a);
 
+// Frees the 32-bit dimension cache, if any.
+void free_dim32(oxArray *a);
+
 // Destroys an array that was never handed to the created hook, or any other; null is ignored.
 inline void destroy(oxArray *a) { oxDestroyArray(a); }
 

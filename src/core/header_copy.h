@@ -23,6 +23,10 @@ inline constexpr uint32_t empty_copy_clears = oxFLAG_SCALAR_DOUBLE | oxFLAG_EMPT
                                               oxFLAG_LIST_MARK | oxFLAG_PRIVATE_DATA |
                                               oxFLAG_REUSABLE;
 
+// A header that shares the data of src: copied, and linked right after src when there are data (an
+// indexing-opaque source shares through its class). On no list. Null without memory.
+oxArray *share_header(oxArray *src);
+
 // Moves src's class, dimensions, flags, data and ring place onto dst, which keeps its address,
 // scope, reference count, list mark and kept-header flag. dst's old contents are released. An
 // uncounted src is consumed; a counted one loses a reference and dst joins its ring (false without

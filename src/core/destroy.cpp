@@ -1,0 +1,93 @@
+// Destroying arrays: references, the list, the ring, and then storage by class.
+#include <core/alloc.h>
+#include <core/array_list.h>
+#include <core/class_ops.h>
+#include <core/destroy.h>
+#include <core/imaginary.h>
+#include <core/ring.h>
+
+namespace ox {
+namespace {
+
+// Shared storage stays with the other members, unless it is private: then a's block may vanish
+// with its owner at any time, and the others get storage of their own.
+void leave_ring(oxArray *a) {
+    if (a->is_private_data()) {
+        unshare_others(a);
+        return;
+    }
+    ring_unlink(a);
+    a->num.pdata = nullptr;
+    if (is_numeric(a)) a->num.pimag = nullptr;
+    if (is_sparse(a)) a->num.ir = a->num.jc = nullptr;
+}
+
+// Index vectors go only with data: a sparse array that was emptied beside its ring still points at
+// vectors of the member that kept the data.
+void free_data(oxArray *a) {
+    if (a->num.pdata) {
+        oxFreeEx(a->num.pdata);
+        if (is_sparse(a)) {
+            oxFreeEx(a->num.ir);
+            oxFreeEx(a->num.jc);
+        }
+    }
+    if (is_numeric(a)) drop_imag(a);
+}
+
+} // namespace
+
+void free_dim32(oxArray *a) {
+    if (!a->dim32) return;
+    oxFreeEx(a->dim32->dims);
+    oxFreeEx(a->dim32);
+    a->dim32 = nullptr;
+}
+
+void *imag_marker() {
+    static char marker;
+    return &marker;
+}
+
+void drop_imag(oxArray *a) {
+    if (has_imag_block(a)) oxFreeEx(a->num.pimag);
+    a->num.pimag = nullptr;
+}
+
+void release_contents(oxArray *a) {
+    if (a->cross_link) leave_ring(a);
+    free_dim32(a);
+    const bool known = a->class_code > 0 && a->class_code < class_count;
+    if (known && class_ops[a->class_code].release) class_ops[a->class_code].release(a);
+    if (a->ndims > 2) {
+        oxFreeEx(a->dim_vector);
+        a->ndims = 2;
+    }
+    if (known && !a->has_flag(oxFLAG_PRIVATE_DATA | oxFLAG_INDEXING_OPAQUE)) free_data(a);
+}
+
+} // namespace ox
+
+using namespace ox;
+
+bool oxArray_tag::is_imag_marked() const {
+    return has_flag(oxFLAG_NUMERIC) && num.pimag == imag_marker();
+}
+
+extern "C" {
+
+void oxMarkImagData(oxArray *a) { a->num.pimag = imag_marker(); }
+
+void oxDestroyArray(oxArray *a) {
+    if (!a) return;
+    if (a->reference_count > 0) {
+        --a->reference_count;
+        return;
+    }
+    if (array_hooks.leave) array_hooks.leave(a);
+    if (a->has_flag(oxFLAG_HEADER_KEPT)) return;
+    release_contents(a);
+    free_header(a);
+}
+
+} // extern "C"

@@ -1,0 +1,18 @@
+// The two process-wide objects that exist before the first array.
+#pragma once
+
+namespace detail::matrix {
+
+// Construct the foundation library's application object, and the pool of array headers, once;
+// both are destroyed at unload. The argument is not used; both answer true.
+bool init_application_init(int);
+bool init_pool(int);
+
+} // namespace detail::matrix
+
+namespace ox {
+
+// How many process-wide objects have been constructed.
+int constructed_static_objects();
+
+} // namespace ox
