@@ -1,0 +1,21 @@
+// Numbers: constants, finiteness, rounding. Never compiled with relaxed floating-point rules.
+#include "ut.h"
+
+#include <cmath>
+#include <limits>
+
+double utGetNaN() { return std::numeric_limits<double>::quiet_NaN(); }
+
+double utGetInf() { return std::numeric_limits<double>::infinity(); }
+
+double utGetEps() { return std::numeric_limits<double>::epsilon(); }
+
+float utGetSingleEps() { return std::numeric_limits<float>::epsilon(); }
+
+bool utFinite(double x) { return std::isfinite(x); }
+
+double utDoubleScalarRound(double x) { return std::round(x); }
+
+double utFdlibm_floor(double x) { return std::floor(x); }
+
+double utFdlibm_ceil(double x) { return std::ceil(x); }
