@@ -8,6 +8,7 @@
 #include <ox/errors.h>
 #include <ox/levels.h>
 #include <ox/memory.h>
+#include <ox/sparse.h>
 #include <ox/subscripts.h>
 #include <ox/types.h>
 #include <ox/warnings.h>

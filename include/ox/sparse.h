@@ -1,0 +1,47 @@
+/* Sparse arrays: compressed columns, their creation, capacity and shape. */
+#ifndef OX_SPARSE_H
+#define OX_SPARSE_H
+
+#include <ox/levels.h>
+#include <ox/types.h>
+
+OX_BEGIN_C
+
+/* What the sparse kernels answer; oxHandleSparseSubscriptError turns it into an error. */
+typedef enum {
+    spOK = 0,
+    spZeroIndex = 2,   /* an index is zero or negative */
+    spBadIndex = 4,    /* an index is not a whole number */
+    spRange = 5,       /* never returned */
+    spDimMismatch = 8, /* the sides of an assignment do not fit */
+    spOutOfBounds = 9, /* an index exceeds the dimensions */
+    spTooLarge = 10    /* the result exceeds the size limit */
+} spStatus;
+
+/* New m-by-n sparse arrays without stored elements and with room for nzmax (at least 1): a
+   temporary of the current array-list context. Unlike the other creators these return null when
+   no memory is left, and raise nothing. The class of oxCreateSparseNumericMatrix is not checked;
+   classes that are not numeric get no imaginary part. */
+OX_API oxArray *oxCreateSparse_730(kwSize m, kwSize n, kwSize nzmax, oxComplexity c);
+OX_API oxArray *oxCreateSparseNumericMatrix(kwSize m, kwSize n, kwSize nzmax, oxClassID id,
+                                            oxComplexity c);
+OX_API oxArray *oxCreateSparseLogicalMatrix_730(kwSize m, kwSize n, kwSize nzmax);
+
+/* Number of stored elements of a sparse array, of all elements of any other. */
+OX_API kwSize oxGetNumNonZeroEl(const oxArray *a);
+
+/* Gives the stored elements of an m-by-n array (column starts jc) their places in newM-by-newN:
+   ir is rewritten, newJc (newN + 1 entries, the first 0) is filled. Values keep their order. The
+   caller makes sure that both shapes hold the same number of elements. */
+OX_API void oxReshapeSparse(kwSize m, kwSize n, const kwIndex *jc, kwIndex *ir, kwSize newM,
+                            kwSize newN, kwIndex *newJc);
+/* Gives dst, whose dimensions are the new shape, the elements of src. src is consumed when it is
+   a temporary, else copied. Raises error 18 when no memory is left. */
+OX_API void ox_inResizeSparseArray(oxArray *dst, oxArray *src);
+
+/* Raises the error that a kernel's status stands for; returns for success and unknown numbers. */
+OX_API void oxHandleSparseSubscriptError(spStatus status);
+
+OX_END_C
+
+#endif
