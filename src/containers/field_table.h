@@ -19,10 +19,15 @@ void release_field_table(oxArray *a);
 // The highest number under which the table (null: none) has the name, or -1.
 int32_t find_field(const name_index_info *table, const char *name);
 
-// Appends a name to, or takes name n from, the table of one array: a table that other arrays use
-// is copied first. The array ends without a table when its last name goes. False without memory,
-// the names then as before.
+// Appends a name; a table that other arrays use is copied first. False without memory, the names
+// then as before.
 bool add_field_name(oxArray *a, const char *name);
-bool remove_field_name(oxArray *a, int32_t n);
+
+// Makes the array the only owner of its table, or leaves it alone when it has none. False without
+// memory.
+bool own_field_table(oxArray *a);
+// Takes name n from a table that the array owns alone, or drops a table of one name, which may be
+// shared: the array then has none. Cannot fail.
+void remove_field_name(oxArray *a, int32_t n);
 
 } // namespace ox

@@ -6,7 +6,8 @@
 struct ut_ghash;
 
 // One block: header, then one interned name per field. Arrays share it by reference_count, so it
-// is copied before it is changed; a table with one owner has count 1.
+// is copied before it is changed; a table with one owner has count 1. Behind the names lie search
+// bytes that containers keep; only they make and change tables.
 struct name_index_info {
     int32_t count;
     int32_t reference_count;

@@ -13,4 +13,7 @@ constexpr kwSize pick(kwSize normal, kwSize) { return normal; }
 
 inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
 
+// Field tables of at least this many names have a hash.
+inline constexpr kwSize field_hash_min = pick(64, 4);
+
 } // namespace ox::tuning
