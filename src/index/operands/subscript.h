@@ -43,7 +43,7 @@ public:
     kwIndex first = 0;            // scalar and range
     int64_t step = 0;             // range
     const kwIndex *list = nullptr;
-    const oxLogical *mask = nullptr; // the subscript array's own bytes, any non-zero one is true
+    const uint8_t *mask = nullptr; // the subscript array's own bytes, any non-zero one is true
     kwSize mask_size = 0;
 
     Subscript() = default;
@@ -98,6 +98,9 @@ public:
     void set_none();
     void set_all(kwSize extent);
     void set_range(kwIndex first, int64_t step, kwSize count); // 1 position makes it a scalar
+
+    // positions must outlive the description; largest is one-based.
+    void set_list(const kwIndex *positions, kwSize count, kwSize largest);
 
 private:
     SubscriptFault read_colon_object(const oxArray *sub);
