@@ -1,0 +1,33 @@
+# What `cmake --install` puts where: libraries, headers, the CMake package oxarray and oxarray.pc.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+# Installed libraries find each other beside themselves, so that the prefix can be moved.
+set_target_properties(ox ut fl PROPERTIES INSTALL_RPATH "$ORIGIN")
+
+install(TARGETS ox ut fl EXPORT oxarray
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT devel
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT devel)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT devel
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp" PATTERN "*.def" PATTERN "*.inc")
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/oxarray)
+install(EXPORT oxarray NAMESPACE ox:: FILE oxarrayTargets.cmake DESTINATION ${package_dir} COMPONENT devel)
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/oxarrayConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/oxarrayConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/oxarrayConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/oxarrayConfig.cmake ${PROJECT_BINARY_DIR}/oxarrayConfigVersion.cmake
+  ${CMAKE_CURRENT_LIST_DIR}/OxModule.cmake DESTINATION ${package_dir} COMPONENT devel)
+
+# The .pc file names its prefix relative to itself; how many folders up depends on the library folder.
+file(RELATIVE_PATH up_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" up_to_prefix "${up_to_prefix}")
+configure_file(${CMAKE_CURRENT_LIST_DIR}/oxarray.pc.in ${PROJECT_BINARY_DIR}/oxarray.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/oxarray.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT devel)
+
+if(TARGET vel)
+  file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(vel PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+  install(TARGETS vel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+endif()

@@ -1,0 +1,31 @@
+# Installs into a fresh prefix, builds a module and a program from outside, runs them, moves the prefix, runs again.
+# Variables: BUILD (the build tree to install), SOURCE (this folder), WORK (a scratch folder), CC, CXX.
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT status EQUAL 0)
+    list(JOIN ARGN " " command)
+    message(FATAL_ERROR "${command}\n${out}${err}")
+  endif()
+  set(out "${out}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)
+
+foreach(prefix prefix moved)
+  if(prefix STREQUAL moved)
+    file(RENAME ${WORK}/prefix ${WORK}/moved)
+  endif()
+  # With the CMake package.
+  run(${CMAKE_COMMAND} -S ${SOURCE}/consumer -B ${WORK}/cmake-${prefix} -DCMAKE_PREFIX_PATH=${WORK}/${prefix}
+    -DCMAKE_C_COMPILER=${CC} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_BUILD_TYPE=Release)
+  run(${CMAKE_COMMAND} --build ${WORK}/cmake-${prefix})
+  run(${WORK}/cmake-${prefix}/host ${WORK}/cmake-${prefix}/twice.vex)
+  # With pkg-config alone.
+  file(GLOB pc ${WORK}/${prefix}/lib*/pkgconfig ${WORK}/${prefix}/lib/*/pkgconfig)
+  set(ENV{PKG_CONFIG_PATH} "${pc}")
+  run(pkg-config --cflags --libs oxarray)
+  separate_arguments(flags UNIX_COMMAND "${out}")
+  run(${CC} -std=c99 -Wall -Werror -shared -fPIC ${SOURCE}/consumer/twice.c -o ${WORK}/pc-${prefix}.vex ${flags})
+  run(${WORK}/cmake-${prefix}/host ${WORK}/pc-${prefix}.vex)
+endforeach()
