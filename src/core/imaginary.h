@@ -14,5 +14,7 @@ inline bool has_imag_block(const oxArray *a) {
 }
 // Frees the imaginary word's block (not the marker) and nulls it; for numeric classes only.
 void drop_imag(oxArray *a);
+// The core of oxFreeImagIfZero.
+void drop_imag_if_zero(oxArray *a);
 
 } // namespace ox

@@ -11,6 +11,10 @@ constexpr kwSize pick(kwSize, kwSize stress) { return stress; }
 constexpr kwSize pick(kwSize normal, kwSize) { return normal; }
 #endif
 
+// Results of at least this many bytes are written past the caches.
+inline constexpr kwSize stream_min_bytes = pick(kwSize{8} << 20, 256);
+
+inline constexpr kwSize convert_block = pick(2048, 4);   // elements of one conversion step
 inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
 
 // Field tables of at least this many names have a hash.
