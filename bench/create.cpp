@@ -40,6 +40,7 @@ void create_vector(benchmark::State &state, std::size_t count) {
 
 void clear_warm(benchmark::State &state, std::size_t count) {
     std::vector<double> v(count);
+    benchmark::DoNotOptimize(v.data()); // The compiler must believe that someone reads it.
     for (auto _ : state) {
         std::memset(v.data(), 0, count * sizeof(double));
         benchmark::ClobberMemory();
