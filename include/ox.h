@@ -9,6 +9,7 @@
 #include <ox/errors.h>
 #include <ox/levels.h>
 #include <ox/memory.h>
+#include <ox/sharing.h>
 #include <ox/sparse.h>
 #include <ox/subscripts.h>
 #include <ox/types.h>

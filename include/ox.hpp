@@ -5,5 +5,6 @@
 #include <ox.h>
 #include <ox/array.hpp>
 #include <ox/object_layer.hpp>
+#include <ox/protected.hpp>
 
 #endif

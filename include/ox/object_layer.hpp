@@ -20,10 +20,11 @@ public:
     // Stores the dimensions of an indexing-opaque array into its record; default: keeps them.
     virtual void complete_dimensions(oxArray *a);
 
-    // Lifetime and copies. release frees the payload (default: nothing; the pointer block is
-    // freed by the library unless private or indexing-opaque). share is called for an
-    // indexing-opaque source instead of linking. copy_element makes *dst an independent copy of
-    // src and returns false when no memory is left. empty_copy makes a 0-by-0 array of the class.
+    // Lifetime and copies. release frees the payload, whose entries may be null (default:
+    // nothing; the pointer block is freed by the library unless private or indexing-opaque). share
+    // is called for an indexing-opaque source instead of linking. copy_element makes *dst an
+    // independent copy of src and returns false when no memory is left. empty_copy makes a 0-by-0
+    // array of the class.
     virtual void release(oxArray *a);
     virtual void share(const oxArray *source, oxArray *copy);
     virtual bool copy_element(void **dst, void *src);
@@ -85,7 +86,7 @@ struct ox_object_layer {
     oxArray *(*create_unknown)(const char *class_name, const oxArray *contents);
 
     // Function handles; an element is 32 bytes. fh_copy_element returns false without memory;
-    // none: the bytes are copied. fh_release_element: none: nothing.
+    // none: the bytes are copied. fh_release_element accepts an element of zeros; none: nothing.
     oxArray *(*fh_create)(const char *text);
     bool (*fh_copy_element)(void *dst, const void *src);
     void (*fh_release_element)(void *element);
@@ -106,5 +107,17 @@ struct ox_object_layer {
 
 // Installs a layer (null: none) and returns the previous one. The caller keeps it alive.
 OX_API const ox_object_layer *ox_register_object_layer(const ox_object_layer *layer);
+
+// Creators that go through the layer. Their results are temporaries of the current array-list
+// context; without memory they raise error 18 (before oxInitArrayListManager: return null).
+extern "C" {
+// The 0-by-0 array of a class; raises "VELTRO:objectLayerMissing" without class information.
+OX_API oxArray *oxCreateOpaqueGiblet(xxInfo *info);
+// An opaque array of ndim sizes (none: 0-by-0) whose payloads are null until its class fills them;
+// info may be null.
+OX_API oxArray *oxCreateOpaqueArray(kwSize ndim, const kwSize *dims, xxInfo *info);
+// A function handle from its text; raises "VELTRO:objectLayerMissing" without a layer.
+OX_API oxArray *oxCreateFunctionHandle(const char *text);
+}
 
 #endif

@@ -11,10 +11,12 @@ namespace {
 
 // Shared storage stays with the other members, unless it is private: then a's block may vanish
 // with its owner at any time, and the others get storage of their own.
+// Without memory for that this raises; before there is a list, the others keep the private block.
 void leave_ring(oxArray *a) {
     if (a->is_private_data()) {
-        unshare_others(a);
-        return;
+        if (unshare_others(a) == 0) return;
+        hand_over(nullptr);
+        ring_for_others(a, [](oxArray *p) { p->set_private_data(true); });
     }
     ring_unlink(a);
     a->num.pdata = nullptr;

@@ -66,12 +66,16 @@ oxArray *copy_header(const oxArray *src, uint32_t clear, CopyDims dims) {
 
 oxArray *share_header(oxArray *src) {
     oxArray *a = copy_header(src, copy_clears);
-    if (!a) return nullptr;
-    if (a->num.pdata || (is_numeric(a) && a->num.pimag)) {
-        if (!src->is_indexing_opaque())
-            ring_link_after(src, a);
-        else if (src->opaque.info)
-            src->opaque.info->share(src, a);
+    if (!a || !(a->num.pdata || (is_numeric(a) && a->num.pimag))) return a;
+    if (!src->is_indexing_opaque()) {
+        ring_link_after(src, a);
+        return a;
+    }
+    try {
+        if (src->opaque.info) src->opaque.info->share(src, a);
+    } catch (...) {
+        discard_header(a);
+        throw;
     }
     return a;
 }
