@@ -95,7 +95,7 @@ public:
     virtual void *allocate() = 0;
     /// Takes an element of this pool back; null is ignored. Constant time.
     virtual void free(void *element) = 0;
-    /// Gives chunks without a live element back to the system. True if there was any.
+    /// Gives chunks without a live element back to the heap. True if there was any.
     virtual bool recover() = 0;
     /// Elements allocated and not yet freed.
     virtual std::size_t live() const = 0;

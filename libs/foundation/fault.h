@@ -14,14 +14,14 @@
 
 namespace fl {
 
-// Sanitizers and Windows: one malloc per block, so that every misuse is seen by the tool.
-#if defined(FL_SANITIZED) || defined(_WIN32)
+// Sanitizers: one malloc per block, so that every misuse is seen by the tool.
+#if defined(FL_SANITIZED)
 inline constexpr bool pass_through = true;
 #else
 inline constexpr bool pass_through = false;
 #endif
 
-extern constinit allocation_fault fault;
+inline constinit allocation_fault fault = nullptr;
 
 inline bool fault_strikes() { return fault && fault(); }
 

@@ -1,6 +1,8 @@
 // Pools of equal-sized elements: aligned chunks, one free list, and a sweep that finds unused
 // chunks.
-#include "fault.h"
+#include "foundation/fault.h"
+#include "foundation/heap.h"
+#include "foundation/small_blocks.h"
 
 #include <bit>
 #include <cstdint>
@@ -10,11 +12,13 @@
 namespace fl {
 namespace {
 
-void *aligned_chunk(std::size_t bytes) {
+// Chunks of the usual size come from the heap's own pages, others from the C library.
+void *allocate_chunk(std::size_t bytes) {
+    void *chunk = bytes == SmallBlocks::chunk_bytes ? allocate_heap_chunk() : nullptr;
 #if defined(_WIN32)
     return _aligned_malloc(bytes, bytes);
 #else
-    return std::aligned_alloc(bytes, bytes);
+    return chunk ? chunk : std::aligned_alloc(bytes, bytes);
 #endif
 }
 
@@ -22,7 +26,7 @@ void free_chunk(void *chunk) {
 #if defined(_WIN32)
     _aligned_free(chunk);
 #else
-    std::free(chunk);
+    free_heap_chunk(chunk);
 #endif
 }
 
@@ -78,7 +82,7 @@ private:
     // The next element of the newest chunk that was never handed out, or of a new chunk.
     void *carve() {
         if (fresh_ == fresh_end_) {
-            auto *chunk = static_cast<Chunk *>(aligned_chunk(block_));
+            auto *chunk = static_cast<Chunk *>(allocate_chunk(block_));
             if (!chunk) return nullptr;
             chunk->next = chunks_;
             chunk->unused = 0;

@@ -1,38 +1,60 @@
-// Pure-ASCII runs: found and copied sixteen characters at a time.
+// Pure-ASCII runs, found and copied sixteen characters at a time; a plain loop does the rest.
 #include "ut/converters.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace ut {
 namespace {
 
-constexpr std::size_t step = 16;
-
-// The compiler turns both loops into vector code.
-template<class C> bool all_ascii(const C *src) {
-    unsigned bits = 0;
-    for (std::size_t k = 0; k < step; ++k) bits |= static_cast<std::make_unsigned_t<C>>(src[k]);
-    return bits < 0x80;
-}
-
-template<> bool all_ascii(const char16_t *src) {
-    unsigned bits = 0;
-    for (std::size_t k = 0; k < step; ++k) bits |= src[k];
-    return bits < 0x80;
-}
-
 bool is_ascii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 bool is_ascii(utChar16 c) { return c < 0x80; }
 
+#if defined(__SSE2__)
+
+constexpr std::size_t step = 16;
+
+__m128i load(const void *p) { return _mm_loadu_si128(static_cast<const __m128i *>(p)); }
+void store(void *p, __m128i v) { _mm_storeu_si128(static_cast<__m128i *>(p), v); }
+
+bool ascii_block(const char *src) { return _mm_movemask_epi8(load(src)) == 0; }
+
+bool ascii_block(const utChar16 *src) {
+    const __m128i high =
+        _mm_and_si128(_mm_or_si128(load(src), load(src + 8)), _mm_set1_epi16(-0x80));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(high, _mm_setzero_si128())) == 0xffff;
+}
+
+void copy_block(utChar16 *dst, const char *src) {
+    const __m128i bytes = load(src);
+    store(dst, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+    store(dst + 8, _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
+}
+
+void copy_block(char *dst, const utChar16 *src) {
+    store(dst, _mm_packus_epi16(load(src), load(src + 8)));
+}
+
+#else
+
+constexpr std::size_t step = 1;
+
+template<class S> bool ascii_block(const S *src) { return is_ascii(*src); }
+template<class D, class S> void copy_block(D *dst, const S *src) { *dst = static_cast<D>(*src); }
+
+#endif
+
 template<class D, class S> std::size_t copy_ascii(D *dst, const S *src, std::size_t n) {
     std::size_t k = 0;
-    for (; k + step <= n && all_ascii(src + k); k += step)
-        for (std::size_t j = 0; j < step; ++j) dst[k + j] = static_cast<D>(src[k + j]);
+    for (; k + step <= n && ascii_block(src + k); k += step) copy_block(dst + k, src + k);
     for (; k < n && is_ascii(src[k]); ++k) dst[k] = static_cast<D>(src[k]);
     return k;
 }
 
 template<class S> std::size_t skip_ascii(const S *src, std::size_t n) {
     std::size_t k = 0;
-    while (k + step <= n && all_ascii(src + k)) k += step;
+    while (k + step <= n && ascii_block(src + k)) k += step;
     while (k < n && is_ascii(src[k])) ++k;
     return k;
 }

@@ -45,70 +45,66 @@ bool is_ascii_superset(UConverter *converter) {
            std::memcmp(back, ascii, 128) == 0;
 }
 
-struct CachedCodec {
-    char name[longest_name]; // as asked for; "" for the local code page
-    unsigned version;        // of the local code page when opened
-    Codec codec;
-};
-
 // One thread's converters, closed when it ends.
 class CodecCache {
 public:
     ~CodecCache() {
-        for (std::size_t k = 0; k < count_; ++k) ucnv_close(entries_[k].codec.converter);
+        ucnv_close(local_.codec.converter);
+        for (std::size_t k = 0; k < count_; ++k) ucnv_close(named_[k].codec.converter);
     }
 
-    Codec find(const char *encoding) {
-        for (std::size_t k = 0; k < count_; ++k) {
-            CachedCodec &entry = entries_[k];
-            if (std::strcmp(entry.name, encoding) != 0) continue;
-            if (*encoding == 0 && entry.version != local_version.load(std::memory_order_acquire))
-                open(entry);
-            if (entry.codec.converter) ucnv_reset(entry.codec.converter);
-            return entry.codec;
-        }
+    const Codec &local() {
+        if (!local_.codec.converter ||
+            local_.version != local_version.load(std::memory_order_acquire))
+            open_local();
+        return local_.codec;
+    }
+
+    Codec named(const char *encoding) {
+        for (std::size_t k = 0; k < count_; ++k)
+            if (std::strcmp(named_[k].name, encoding) == 0) return named_[k].codec;
         return add(encoding);
     }
 
 private:
     static constexpr std::size_t room = 16;
 
-    // A full cache closes its latest entry, never the local code page's or UTF-8's, which come
-    // first in any real program.
+    // A full cache gives its last place up.
     Codec add(const char *encoding) {
         if (std::strlen(encoding) >= longest_name) return {nullptr, false};
-        const bool full = count_ == room;
-        CachedCodec &entry = entries_[full ? room - 1 : count_];
-        if (full) ucnv_close(entry.codec.converter);
-        std::strcpy(entry.name, encoding);
-        entry.codec = {nullptr, false};
-        open(entry);
-        if (entry.codec.converter)
-            count_ = full ? room : count_ + 1;
-        else
-            count_ = full ? room - 1 : count_;
-        return entry.codec;
+        const Codec codec = open(encoding);
+        if (!codec.converter) return codec;
+        if (count_ == room) ucnv_close(named_[--count_].codec.converter);
+        std::strcpy(named_[count_].name, encoding);
+        named_[count_++].codec = codec;
+        return codec;
     }
 
-    void open(CachedCodec &entry) {
-        const bool local = entry.name[0] == 0;
-        if (local) {
-            entry.version = local_version.load(std::memory_order_acquire);
-            ucnv_close(entry.codec.converter);
-        }
+    void open_local() {
+        ucnv_close(local_.codec.converter);
+        local_.version = local_version.load(std::memory_order_acquire);
+        local_.codec = open(utGetLocalCodePage());
+        if (!local_.codec.converter) local_.codec = open("UTF-8");
+    }
+
+    static Codec open(const char *encoding) {
         UErrorCode status = U_ZERO_ERROR;
-        UConverter *converter = ucnv_open(local ? utGetLocalCodePage() : entry.name, &status);
-        if (U_FAILURE(status) && local) {
-            status = U_ZERO_ERROR;
-            converter = ucnv_open("UTF-8", &status);
-        }
-        entry.codec = {nullptr, false};
-        if (U_FAILURE(status)) return;
-        entry.codec = {converter, is_ascii_superset(converter)};
-        ucnv_reset(converter);
+        UConverter *converter = ucnv_open(encoding, &status);
+        if (U_FAILURE(status)) return {nullptr, false};
+        return {converter, is_ascii_superset(converter)};
     }
 
-    CachedCodec entries_[room];
+    struct Named {
+        char name[longest_name]; // as asked for
+        Codec codec;
+    };
+    struct Local {
+        unsigned version = 0; // of the local code page when opened
+        Codec codec = {nullptr, false};
+    };
+
+    Local local_;
+    Named named_[room];
     std::size_t count_ = 0;
 };
 
@@ -116,12 +112,16 @@ private:
 
 Codec codec(const char *encoding) {
     static thread_local CodecCache cache;
-    return cache.find(encoding ? encoding : "");
+    return encoding ? cache.named(encoding) : cache.local();
 }
 
 } // namespace ut
 
-UConverter *utGetConverter(const char *encoding) { return ut::codec(encoding).converter; }
+UConverter *utGetConverter(const char *encoding) {
+    UConverter *converter = ut::codec(encoding).converter;
+    if (converter) ucnv_reset(converter);
+    return converter;
+}
 
 bool utIsAsciiSuperset(const char *encoding) { return ut::codec(encoding).ascii; }
 

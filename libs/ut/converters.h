@@ -12,7 +12,8 @@ struct Codec {
     bool ascii;
 };
 
-// This thread's converter, reset; null encoding: local code page.
+// This thread's converter in whatever state its last user left it; null encoding: local code page.
+// ICU's whole-text calls reset it themselves.
 Codec codec(const char *encoding);
 
 // Leading ASCII characters that could be copied one to one.

@@ -12,6 +12,19 @@ std::uint64_t word(const char *p) {
     return w;
 }
 
+std::uint64_t half_word(const char *p) {
+    std::uint32_t w;
+    std::memcpy(&w, p, 4);
+    return w;
+}
+
+// All bytes of a text of one to three.
+std::uint64_t half_word_of_bytes(char first, char middle, char last) {
+    return static_cast<std::uint64_t>(static_cast<unsigned char>(first)) << 16 |
+           static_cast<std::uint64_t>(static_cast<unsigned char>(middle)) << 8 |
+           static_cast<unsigned char>(last);
+}
+
 std::uint64_t mix(std::uint64_t a, std::uint64_t b) {
     const unsigned __int128 product = static_cast<unsigned __int128>(a) * b;
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
@@ -30,8 +43,11 @@ std::uint64_t hash_of(const char *text, std::size_t n) {
             h = mix(word(text + k - 16) ^ k0 ^ h, word(text + k - 8) ^ k1);
         a = word(text + (n >= 16 ? n - 16 : 0));
         b = word(text + n - 8);
-    } else {
-        for (std::size_t k = 0; k < n; ++k) a = a << 8 | static_cast<unsigned char>(text[k]);
+    } else if (n >= 4) {
+        a = half_word(text);
+        b = half_word(text + n - 4);
+    } else if (n > 0) {
+        a = half_word_of_bytes(text[0], text[n / 2], text[n - 1]);
     }
     return mix(mix(a ^ k0 ^ h, b ^ k1) ^ h, k0);
 }

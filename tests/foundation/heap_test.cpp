@@ -1,0 +1,216 @@
+// The aligned heap: a random walk against a shadow model, the kept range, slack, refusal, faults.
+#include "fl.hpp"
+
+#include <cstdint>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool pass_through = true; // every block is one malloc: nothing is kept
+#else
+constexpr bool pass_through = false;
+#endif
+constexpr std::size_t MiB = std::size_t{1} << 20;
+
+fl::aligned_heap &heap() { return fl::aligned_heap::instance(); }
+
+struct Shadow {
+    unsigned char *block;
+    std::size_t size;
+    unsigned seed;
+};
+
+// Large blocks are marked at a stride that still hits every page.
+std::size_t stride(std::size_t size) { return size < 16384 ? 1 : 509; }
+
+unsigned char mark(unsigned seed, std::size_t k) {
+    return static_cast<unsigned char>(seed * 31 + k * 7 + (k >> 8));
+}
+
+void fill(const Shadow &s) {
+    for (std::size_t k = 0; k < s.size; k += stride(s.size)) s.block[k] = mark(s.seed, k);
+    s.block[s.size - 1] = mark(s.seed, s.size - 1);
+}
+
+// The first `size` bytes hold what fill() wrote for the whole block.
+bool holds(const Shadow &s, std::size_t size) {
+    for (std::size_t k = 0; k < size; k += stride(s.size))
+        if (s.block[k] != mark(s.seed, k)) return false;
+    return size < s.size || s.block[size - 1] == mark(s.seed, size - 1);
+}
+
+bool all_zero(const void *block, std::size_t n) {
+    const auto *bytes = static_cast<const unsigned char *>(block);
+    return n == 0 || (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, n - 1) == 0);
+}
+
+std::size_t random_size(std::mt19937 &rng) {
+    static constexpr std::size_t bounds[] = {40, 1100, 70000, 3 * MiB};
+    static constexpr int weights[] = {0, 0, 0, 1, 1, 1, 1, 2, 2, 3};
+    const std::size_t top = bounds[weights[rng() % 10]];
+    return 1 + rng() % top;
+}
+
+TEST(Heap, RandomWalkKeepsContentsAndNeverOverlaps) {
+    std::mt19937 rng(20240611);
+    std::vector<Shadow> live;
+    const std::size_t before = fl::heap_live_blocks();
+    for (unsigned step = 0; step < 20000; ++step) {
+        const unsigned what = rng() % 8;
+        if (live.empty() || (what < 4 && live.size() < 200)) {
+            const std::size_t size = random_size(rng);
+            void *block = what & 1 ? heap().allocate_zeroed(size, 1) : heap().allocate(size);
+            ASSERT_NE(block, nullptr);
+            ASSERT_EQ(reinterpret_cast<std::uintptr_t>(block) % 16, 0u);
+            if (what & 1) ASSERT_TRUE(all_zero(block, size)) << "size " << size << " step " << step;
+            live.push_back({static_cast<unsigned char *>(block), size, step});
+            fill(live.back());
+            continue;
+        }
+        Shadow &s = live[rng() % live.size()];
+        ASSERT_TRUE(holds(s, s.size)) << "size " << s.size << " step " << step;
+        if (what < 6) {
+            const std::size_t size = random_size(rng);
+            auto *moved = static_cast<unsigned char *>(heap().reallocate(s.block, size));
+            ASSERT_NE(moved, nullptr);
+            s.block = moved;
+            ASSERT_TRUE(holds(s, std::min(s.size, size)))
+                << s.size << " to " << size << " step " << step;
+            s.size = size;
+            fill(s);
+        } else {
+            heap().free(s.block);
+            s = live.back();
+            live.pop_back();
+        }
+        if (step % 5000 == 0) heap().release_kept();
+    }
+    EXPECT_EQ(fl::heap_live_blocks(), before + live.size());
+    for (const Shadow &s : live) {
+        EXPECT_TRUE(holds(s, s.size));
+        heap().free(s.block);
+    }
+    heap().free(nullptr);
+    EXPECT_EQ(fl::heap_live_blocks(), before);
+}
+
+TEST(Heap, EveryBoundarySizeIsUsableToItsLastByte) {
+    for (std::size_t edge : {16 * 1, 128, 1024, 65536, 1 << 20, 2 << 20, 9 << 20})
+        for (std::size_t size : {edge - 1, edge, edge + 1}) {
+            auto *block = static_cast<unsigned char *>(heap().allocate(size));
+            std::memset(block, 0xa5, size);
+            heap().free(block);
+            // The same block again, most likely: it must be cleared to its end.
+            void *zeroed = heap().allocate_zeroed(1, size);
+            EXPECT_TRUE(all_zero(zeroed, size)) << size;
+            heap().free(zeroed);
+        }
+}
+
+TEST(Heap, FreedLargeBlocksAreKeptWithinTheLimitAndGivenBack) {
+    if (pass_through) GTEST_SKIP() << "nothing is kept under a sanitizer";
+    heap().release_kept();
+    const std::size_t limit = heap().set_kept_limit(8 * MiB);
+    void *a = heap().allocate(3 * MiB);
+    void *b = heap().allocate(3 * MiB);
+    void *c = heap().allocate(5 * MiB);
+    void *too_large = heap().allocate(9 * MiB);
+    heap().free(a);
+    heap().free(b);
+    heap().free(too_large); // above the limit by itself: goes at once
+    EXPECT_EQ(heap().kept_bytes(), 6 * MiB);
+    void *again = heap().allocate(3 * MiB - 100);
+    EXPECT_EQ(again, b); // the one freed last, whose pages are warm
+    heap().free(again);
+    heap().free(c); // the oldest, a, makes room
+    EXPECT_EQ(heap().kept_bytes(), 8 * MiB);
+    heap().set_kept_limit(4 * MiB);
+    EXPECT_EQ(heap().kept_bytes(), 0u); // first b, then c: neither leaves the rest within 4 MiB
+    void *d = heap().allocate(3 * MiB);
+    heap().free(d);
+    EXPECT_TRUE(heap().release_kept());
+    EXPECT_EQ(heap().kept_bytes(), 0u);
+    EXPECT_EQ(heap().set_kept_limit(limit), 4 * MiB);
+}
+
+TEST(Heap, ReleaseReturnsUnusedSlabsAndLeavesUsedOnesAlone) {
+    std::vector<Shadow> blocks;
+    for (unsigned k = 0; k < 5000; ++k) {
+        const std::size_t size = 1 + k % 1024;
+        blocks.push_back({static_cast<unsigned char *>(heap().allocate(size)), size, k});
+        fill(blocks.back());
+    }
+    for (std::size_t k = 0; k < blocks.size(); ++k)
+        if (k % 7 != 0) heap().free(blocks[k].block);
+    heap().release_kept();
+    for (std::size_t k = 0; k < blocks.size(); k += 7) {
+        EXPECT_TRUE(holds(blocks[k], blocks[k].size));
+        heap().free(blocks[k].block);
+    }
+    if (!pass_through) EXPECT_TRUE(heap().release_kept());
+    for (std::size_t size = 1; size <= 1024; size += 13) { // the released slabs serve again
+        void *block = heap().allocate_zeroed(size, 1);
+        EXPECT_TRUE(all_zero(block, size));
+        heap().free(block);
+    }
+}
+
+TEST(Heap, GrowingByOneElementMovesRarely) {
+    if (pass_through) GTEST_SKIP() << "malloc decides under a sanitizer";
+    const std::size_t n = 1000000;
+    void *block = nullptr;
+    int moves = 0;
+    for (std::size_t k = 1; k <= n; ++k) {
+        void *grown = heap().reallocate(block, k * 8);
+        ASSERT_NE(grown, nullptr);
+        if (grown != block) ++moves;
+        block = grown;
+        static_cast<std::uint64_t *>(block)[k - 1] = k;
+    }
+    EXPECT_LT(moves,
+              45); // 8 bytes to 8 MB by half: 35 steps, a few more at the bounds of the ranges
+    std::uint64_t sum = 0;
+    for (std::size_t k = 0; k < n; ++k) sum += static_cast<std::uint64_t *>(block)[k];
+    EXPECT_EQ(sum, std::uint64_t{n} * (n + 1) / 2);
+    block = heap().reallocate(block, 100); // and gives the room back
+    EXPECT_EQ(static_cast<std::uint64_t *>(block)[11], 12u);
+    heap().free(block);
+}
+
+TEST(Heap, RefusalLeavesTheBlockAsItWas) {
+    constexpr std::size_t too_much = (std::size_t{1} << 40) + 1;
+    auto *block = static_cast<unsigned char *>(heap().allocate(3 * MiB));
+    fill({block, 3 * MiB, 5});
+    EXPECT_EQ(heap().allocate(too_much), nullptr);
+    EXPECT_EQ(heap().allocate(SIZE_MAX), nullptr);
+    EXPECT_EQ(heap().allocate_zeroed(too_much, 1), nullptr);
+    EXPECT_EQ(heap().reallocate(block, too_much), nullptr);
+    EXPECT_TRUE(holds({block, 3 * MiB, 5}, 3 * MiB));
+    heap().free(block);
+}
+
+int countdown = -1;
+bool fails_when_due() { return countdown >= 0 && countdown-- == 0; }
+
+TEST(Heap, FaultSeamFailsTheChosenAllocationOnly) {
+    const auto previous = fl::set_allocation_fault(fails_when_due);
+    for (std::size_t size : {std::size_t{8}, std::size_t{5000}, 2 * MiB}) {
+        countdown = 1;
+        void *first = heap().allocate(size);
+        void *second = heap().allocate_zeroed(size, 1);
+        countdown = 0;
+        void *grown = heap().reallocate(first, 4 * size);
+        EXPECT_NE(first, nullptr);
+        EXPECT_EQ(second, nullptr);
+        EXPECT_EQ(grown, nullptr);
+        heap().free(first);
+    }
+    countdown = -1;
+    fl::set_allocation_fault(previous);
+}
+
+} // namespace
