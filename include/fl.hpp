@@ -102,7 +102,7 @@ public:
 };
 
 /// A pool of elements of `elem` bytes in chunks of `block` bytes (a power of two; raised to one
-/// that holds at least one element). The caller owns it and deletes it, which frees all elements.
+/// that holds at least one element). The caller owns it, and deletes it when no element is in use.
 /// Null if memory is short; no chunk is taken before the first allocation.
 FL_API pool *create_managed_pool(std::size_t elem, std::size_t block);
 

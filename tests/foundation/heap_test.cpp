@@ -66,7 +66,9 @@ TEST(Heap, RandomWalkKeepsContentsAndNeverOverlaps) {
             void *block = what & 1 ? heap().allocate_zeroed(size, 1) : heap().allocate(size);
             ASSERT_NE(block, nullptr);
             ASSERT_EQ(reinterpret_cast<std::uintptr_t>(block) % 16, 0u);
-            if (what & 1) ASSERT_TRUE(all_zero(block, size)) << "size " << size << " step " << step;
+            if (what & 1) {
+                ASSERT_TRUE(all_zero(block, size)) << "size " << size << " step " << step;
+            }
             live.push_back({static_cast<unsigned char *>(block), size, step});
             fill(live.back());
             continue;
@@ -151,7 +153,7 @@ TEST(Heap, ReleaseReturnsUnusedSlabsAndLeavesUsedOnesAlone) {
         EXPECT_TRUE(holds(blocks[k], blocks[k].size));
         heap().free(blocks[k].block);
     }
-    if (!pass_through) EXPECT_TRUE(heap().release_kept());
+    EXPECT_EQ(heap().release_kept(), !pass_through);
     for (std::size_t size = 1; size <= 1024; size += 13) { // the released slabs serve again
         void *block = heap().allocate_zeroed(size, 1);
         EXPECT_TRUE(all_zero(block, size));
