@@ -32,7 +32,17 @@ $1 ~ /_median"?$/ {
     else { peers[case_name] = peers[case_name] " " who; peer[case_name, who] = ns }
 }
 
+# Sorted by name: interleaved repetitions report in no order of use.
+function sort_cases(    i, k, c) {
+    for (i = 2; i <= cases; i++) {
+        c = order[i]
+        for (k = i - 1; k >= 1 && order[k] > c; k--) order[k + 1] = order[k]
+        order[k + 1] = c
+    }
+}
+
 END {
+    sort_cases()
     printf "%-28s %-22s %10s %9s   %s\n", "case", "limit", "its time", "ox/limit", "peers/limit"
     for (i = 1; i <= cases; i++) {
         c = order[i]
