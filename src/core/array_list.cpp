@@ -37,6 +37,7 @@ void destroy_unmarked() {
 
 bool array_list_installed() { return array_hooks.leave != nullptr; }
 void set_array_list_initialized(bool on) { initialized = on; }
+bool array_list_contains(const oxArray *a) { return arrays.contains(a); }
 kwSize array_list_length() { return arrays.length(); }
 kwSize array_list_context_length() { return arrays.length() - arrays.start(); }
 

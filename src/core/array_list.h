@@ -31,6 +31,8 @@ bool array_list_installed();              // whether scope changes touch the lis
 // As oxExitArrayListContext, but with `suppress` nothing is destroyed.
 void exit_array_list_context(int index, oxArray **keep, int nkeep, bool destroy, bool suppress);
 
+// Whether any context lists the array; compares addresses only.
+bool array_list_contains(const oxArray *a);
 // Arrays listed in all contexts, for tests and statistics.
 kwSize array_list_length();
 kwSize array_list_context_length();

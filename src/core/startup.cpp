@@ -87,6 +87,7 @@ void free_header(oxArray *a) {
 }
 
 int constructed_static_objects() { return constructed_objects; }
+std::size_t live_headers() { return header_pool ? header_pool->live() : 0; }
 
 } // namespace ox
 

@@ -1,5 +1,6 @@
 // The two process-wide objects that exist before the first array.
 #pragma once
+#include <cstddef>
 
 namespace detail::matrix {
 
@@ -14,5 +15,8 @@ namespace ox {
 
 // How many process-wide objects have been constructed.
 int constructed_static_objects();
+
+// Array headers allocated and not yet freed.
+std::size_t live_headers();
 
 } // namespace ox

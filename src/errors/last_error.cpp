@@ -1,20 +1,20 @@
 // The record of the last error: which one is current, and how texts and stack are stored in it.
 #include <core/alloc.h>
-#include <errors/error_stack.h>
-#include <errors/raise.h>
+#include <core/header_copy.h>
 #include <ox/array_list.h>
 #include <ox/create.h>
+#include <ox/errors.h>
 
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <utility>
 
 namespace ox {
 namespace {
 
 constinit oxErrorState default_state = {1, nullptr, 0, nullptr, 0, nullptr};
 constinit oxErrorState *current = &default_state;
-constinit ShareErrorStack share_stack = nullptr;
 
 const char *text_or_empty(const char *text) { return text ? text : ""; }
 
@@ -51,16 +51,14 @@ void store_texts(oxErrorState &s, const char *id, const char *msg) {
     store_text(s.message, s.message_capacity, msg);
 }
 
-// The copy is made first: stack may be the one that is replaced.
+// The copy is made first: stack may be the one that is replaced. Without memory none is kept.
 void store_stack(oxErrorState &s, const oxArray *stack) {
-    oxArray *copy = stack && share_stack ? share_stack(stack) : nullptr;
+    oxArray *copy = stack ? share_header(const_cast<oxArray *>(stack)) : nullptr;
     if (copy) oxSetArrayScope(copy, oxSCOPE_ERROR_STACK);
     oxDestroyArray(std::exchange(s.stack, copy));
 }
 
 } // namespace
-
-ShareErrorStack set_error_stack_share(ShareErrorStack fn) { return std::exchange(share_stack, fn); }
 
 } // namespace ox
 

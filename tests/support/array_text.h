@@ -1,0 +1,74 @@
+// Arrays from and to text, so that a case of a test is one line.
+//
+//   "double 2x2: 1 2; 3 4"            rows by ';', further pages by '|' (first of the later dims
+//   first) "1 2; 3 4"                        class double and dimensions are what the rows say
+//   "single 1x2: 1+2i NaN-Inf*i"      complex as soon as one element has an imaginary part
+//   "int8 0x3", "logical 1x3: 1 0 1"
+//   "char 2x2: 'ab'; 'c\''"           UTF-8; \' \\ and \uXXXX for units
+//   "sparse double 3x2: (0,0)=1 (2,1)=5", "sparse double 3x2 nzmax 8: ..."
+//   "cell 1x2: {1} {}"                an array each, {} for an empty slot
+//   "struct 1x2 a,b: {1} {2} {3} {4}" the fields of one element together
+#pragma once
+#include <core/array.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ox::test {
+
+// Makes the array with the library's creators; a malformed text throws std::invalid_argument.
+oxArray *arr(std::string_view text);
+
+// Writes an array so that arr() would make its like; "null" for none. Numbers are the shortest that
+// read back equal.
+std::string text(const oxArray *a);
+
+// --- For further kinds of arrays ------------------------------------------------------------
+
+// Reads a text from the front; fail() says where it stopped.
+class Scanner {
+public:
+    explicit Scanner(std::string_view text) : whole_(text), rest_(text) {}
+    bool accept(char c);       // skips blanks first
+    void expect(char c);       // the same, or fails
+    std::string_view word();   // letters, digits and '_', may be empty
+    std::string_view number(); // up to a blank or one of ;|{},)
+    char peek();               // after blanks; 0 at the end
+    char next();               // exactly the next char
+    bool at_digit() { return peek() >= '0' && peek() <= '9'; }
+    kwSize size();
+    [[noreturn]] void fail(const char *what) const;
+
+private:
+    std::string_view whole_, rest_;
+};
+
+using Dims = std::vector<kwSize>;
+
+// One kind of array that is written with a word of its own.
+struct TextForm {
+    std::string_view word;
+    bool (*is)(const oxArray *a);
+    // Reads what follows the word: dimensions, then ':' and the body.
+    oxArray *(*make)(Scanner &in);
+    // Appends what follows the word.
+    void (*print)(const oxArray *a, std::string &out);
+};
+extern const TextForm sparse_form, cell_form, struct_form;
+
+Dims read_dims(Scanner &in);
+void print_dims(const oxArray *a, std::string &out);
+oxArray *read_array(Scanner &in);     // one array, as arr()
+oxArray *read_in_braces(Scanner &in); // {array}, or {} for null
+void print_in_braces(const oxArray *a, std::string &out);
+kwSize element_count(const Dims &dims);
+// Reads one number, real or complex, into element k of arrays that hold numbers.
+struct NumberText {
+    std::string_view re, im; // im empty: real
+};
+NumberText read_number(Scanner &in);
+void store_number(oxArray *a, kwSize k, const NumberText &n);
+void print_number(const oxArray *a, kwSize k, std::string &out);
+
+} // namespace ox::test

@@ -1,0 +1,83 @@
+// Fixtures: installing managers, entering and leaving contexts, counting what is alive.
+#include <core/alloc.h>
+#include <core/array_list.h>
+#include <core/startup.h>
+#include <errors/raise.h>
+#include <errors/warn.h>
+#include <support/host.h>
+
+#include <fl.hpp>
+#include <ut.h>
+
+#include <ostream>
+#include <utility>
+
+namespace ox::test {
+
+Live live() { return {fl::heap_live_blocks(), utLiveBlocks(), live_headers()}; }
+
+std::ostream &operator<<(std::ostream &out, const Live &l) {
+    return out << l.blocks << " blocks, " << l.utility_blocks << " utility blocks, " << l.headers
+               << " headers";
+}
+
+void Contexts::leave() {
+    if (std::exchange(left_, true)) return;
+    oxExitArrayListContext(arrays_, nullptr, 0, true);
+    oxFreeAllocListContext();
+    oxRestorePreviousAllocListContext(blocks_);
+}
+
+void install_managers() {
+    oxInitAllocListManager();
+    oxInitArrayListManager();
+}
+
+void reset_library() {
+    reset_array_hooks();
+    reset_alloc_hooks();
+    oxShutdownArrayList();
+    oxShutdownAllocLst();
+    oxErrorCleanup();
+    oxSetErrorOn();
+    oxSetErrmsgPrefixFcn(nullptr);
+    set_message_translation(nullptr);
+    oxSetWarningMessageHandler(nullptr);
+    set_after_warning_hook(nullptr);
+    utSetWarningManagerEnabled(true);
+    utWarnCtx *context = utGetWarningManagerContext();
+    utSetWarningStatus(context, "all", UT_WARNING_SHOWN);
+    utSetWarningMode(context, UT_WARNING_MODE_HINT, false);
+    utSetWarningMode(context, UT_WARNING_MODE_QUIET, false);
+}
+
+void HostTest::SetUp() {
+    reset_library();
+    before_ = live();
+    install_managers();
+    oxEnterNewArrayListContext(); // both are the first, at index 0
+    oxEnterNewAllocListContext();
+}
+
+void HostTest::TearDown() {
+    oxExitArrayListContext(0, nullptr, 0, true);
+    oxFreeAllocListContext();
+    oxRestorePreviousAllocListContext(0);
+    EXPECT_EQ(array_list_length(), 0u) << "arrays are still listed";
+    EXPECT_EQ(GetAllocListLength(), 0u) << "blocks are still listed";
+    reset_library();
+    EXPECT_EQ(live(), before_) << "more or less alive than before the test";
+}
+
+void BareTest::SetUp() {
+    reset_library();
+    before_ = live();
+}
+
+void BareTest::TearDown() {
+    EXPECT_EQ(array_list_length(), 0u) << "arrays are listed";
+    reset_library();
+    EXPECT_EQ(live(), before_) << "more or less alive than before the test";
+}
+
+} // namespace ox::test

@@ -1,0 +1,58 @@
+// Fixtures that do what the interpreter does around a piece of work, and look for what it left.
+#pragma once
+#include <ox.h>
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+
+namespace ox::test {
+
+// What is alive: blocks of the heap and of the utility library, and array headers.
+struct Live {
+    std::size_t blocks, utility_blocks, headers;
+    bool operator==(const Live &) const = default;
+};
+Live live();
+std::ostream &operator<<(std::ostream &out, const Live &l);
+
+// An array-list and an allocation-list context; leaving destroys and frees what is in them.
+class Contexts {
+public:
+    Contexts() : arrays_(oxEnterNewArrayListContext()), blocks_(oxEnterNewAllocListContext()) {}
+    ~Contexts() { leave(); }
+    Contexts(const Contexts &) = delete;
+    Contexts &operator=(const Contexts &) = delete;
+    void leave();
+
+private:
+    int arrays_, blocks_;
+    bool left_ = false;
+};
+
+void install_managers();
+// Back to the state at load: no hooks, no listeners, no lists, no last error, no host callbacks,
+// every warning shown.
+void reset_library();
+
+// The managers are installed and contexts are entered; at the end nothing may be alive.
+class HostTest : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+private:
+    Live before_{};
+};
+
+// The state at load, without managers; whatever a test creates it must destroy.
+class BareTest : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+private:
+    Live before_{};
+};
+
+} // namespace ox::test
