@@ -4,7 +4,6 @@
 #include <containers/copies.h>
 #include <core/array_list.h>
 #include <core/destroy.h>
-#include <errors/error_stack.h>
 #include <errors/raise.h>
 #include <ox/sharing.h>
 
@@ -77,9 +76,6 @@ oxArray *equivalent_sharer(const oxArray *a, int scope) {
     }
     return nullptr;
 }
-
-oxArray *share_stack(const oxArray *a) { return shared_copy(a); }
-[[maybe_unused]] const ShareErrorStack no_stack_before = set_error_stack_share(share_stack);
 
 } // namespace
 

@@ -1,6 +1,6 @@
 // The record of the last error: which one is current, and how texts and stack are stored in it.
+#include <containers/copies.h>
 #include <core/alloc.h>
-#include <core/header_copy.h>
 #include <ox/array_list.h>
 #include <ox/create.h>
 #include <ox/errors.h>
@@ -53,13 +53,12 @@ void store_texts(oxErrorState &s, const char *id, const char *msg) {
 
 // The copy is made first: stack may be the one that is replaced. Without memory none is kept.
 void store_stack(oxErrorState &s, const oxArray *stack) {
-    oxArray *copy = stack ? share_header(const_cast<oxArray *>(stack)) : nullptr;
+    oxArray *copy = stack ? shared_copy(stack) : nullptr;
     if (copy) oxSetArrayScope(copy, oxSCOPE_ERROR_STACK);
     oxDestroyArray(std::exchange(s.stack, copy));
 }
 
 } // namespace
-
 } // namespace ox
 
 using ox::current;

@@ -7,6 +7,7 @@
 
 #include <cctype>
 #include <cstring>
+#include <ostream>
 
 namespace ox::test {
 
@@ -51,6 +52,10 @@ AssertionResult raises_entry(oxErrorMessage number, const std::function<void()> 
     return raises(id.c_str(), oxGetErrorTableEntry(number), call);
 }
 
+std::ostream &operator<<(std::ostream &out, const Warning &w) {
+    return out << quoted(w.id, w.text);
+}
+
 std::vector<Warning> WarningRecorder::shown;
 
 namespace {
@@ -85,9 +90,9 @@ AssertionResult warns(const std::vector<Warning> &expected, const std::function<
     if (recorder.shown == expected) return AssertionSuccess();
     AssertionResult result = AssertionFailure();
     result << "warnings shown:";
-    for (const Warning &w : recorder.shown) result << "\n  " << quoted(w.id, w.text);
+    for (const Warning &w : recorder.shown) result << "\n  " << w;
     result << "\nexpected:";
-    for (const Warning &w : expected) result << "\n  " << quoted(w.id, w.text);
+    for (const Warning &w : expected) result << "\n  " << w;
     return result;
 }
 

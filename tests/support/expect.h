@@ -20,6 +20,7 @@ struct Warning {
     std::string id, text; // text as shown, without "Warning: "
     bool operator==(const Warning &) const = default;
 };
+std::ostream &operator<<(std::ostream &out, const Warning &w);
 
 // Catches the warnings shown during its life instead of printing them.
 class WarningRecorder {

@@ -1,0 +1,132 @@
+// The record of the last error: storing texts and stacks, and exchanging records.
+#include <ox.h>
+#include <ox.hpp>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/faults.h>
+#include <support/host.h>
+
+#include <string>
+
+using namespace ox::test;
+
+namespace {
+
+class LastError : public HostTest {
+protected:
+    static std::string last() {
+        const char *id, *msg;
+        oxGetLastErrIdAndMsg(&id, &msg);
+        return std::string(id) + '|' + msg;
+    }
+    static oxArray *stack() {
+        oxArray *s;
+        oxGetLastErrIdAndMsgAndStack(nullptr, nullptr, &s);
+        return s;
+    }
+};
+
+TEST_F(LastError, FreshStateHasEmptyTexts) {
+    EXPECT_EQ(last(), "|");
+    EXPECT_STREQ(oxGetLastErrMsg(), "");
+    EXPECT_EQ(stack(), nullptr);
+    oxGetLastErrIdAndMsgAndStack(nullptr, nullptr, nullptr);
+}
+
+TEST_F(LastError, BuffersGrowToTheLengthAndNeverShrink) {
+    const oxErrorState *s = oxGetErrorState();
+    oxSetLastErrIdAndMsg("A:long", "0123456789");
+    EXPECT_EQ(s->message_capacity, 11u);
+    EXPECT_EQ(s->identifier_capacity, 7u);
+    oxSetLastErrIdAndMsg("B", "012");
+    EXPECT_EQ(last(), "B|012");
+    EXPECT_EQ(s->message_capacity, 11u);
+    EXPECT_EQ(s->message[10], '\0');
+    oxSetLastErrIdAndMsg(nullptr, nullptr);
+    EXPECT_EQ(last(), "|");
+}
+
+TEST_F(LastError, WithoutMemoryTheTextIsCut) {
+    oxSetLastErrIdAndMsg("A:b", "abcdef");
+    {
+        FailingAllocation none(1, FailingAllocation::Then::stays);
+        oxSetLastErrIdAndMsg("Z:yxwvu", "0123456789");
+    }
+    EXPECT_EQ(last(), "Z:y|012345");
+}
+
+// What is read from the record may be handed back to it, in either place.
+TEST_F(LastError, TextsMayAliasTheRecord) {
+    const auto id = [] { return oxGetErrorState()->identifier; };
+    const auto msg = [] { return oxGetErrorState()->message; };
+    oxSetLastErrIdAndMsg("A:b", "a longer message");
+    oxSetLastErrIdAndMsg(id(), msg());
+    EXPECT_EQ(last(), "A:b|a longer message");
+    oxSetLastErrIdAndMsg(msg(), id());
+    EXPECT_EQ(last(), "a longer message|A:b");
+    oxSetLastErrIdAndMsg(id() + 2, id() + 9);
+    EXPECT_EQ(last(), "longer message|message");
+    EXPECT_RAISES("message", "longer message!", oxErrMsgIdAndTxt(msg(), "%s!", id()));
+    EXPECT_EQ(last(), "message|longer message!");
+}
+
+// The record keeps a shared copy, off the list; errors without a stack drop it.
+TEST_F(LastError, StackIsASharedCopy) {
+    oxArray *a = arr("1 2 3");
+    oxSetLastErrIdAndMsgAndStack("A:b", "m", a);
+    oxArray *kept = stack();
+    ASSERT_NE(kept, nullptr);
+    EXPECT_NE(kept, a);
+    EXPECT_EQ(oxGetPr(kept), oxGetPr(a));
+    EXPECT_EQ(oxGetArrayScopeField(kept), oxSCOPE_ERROR_STACK);
+    EXPECT_EQ(oxGetArrayScopeField(a), oxSCOPE_TEMPORARY);
+    oxSetLastErrIdAndMsgAndStack("A:b", "m", kept); // the one that is replaced
+    oxDestroyArray(a);
+    EXPECT_EQ(text(stack()), "double 1x3: 1 2 3");
+    EXPECT_RAISES("A:b", "x", oxSetErrorMode(0), oxErrMsgIdAndTxt("A:b", "x"));
+    EXPECT_NE(stack(), nullptr) << "mode 0 keeps it";
+    oxSetErrorOn();
+    EXPECT_RAISES("A:b", "x", oxErrMsgIdAndTxt("A:b", "x"));
+    EXPECT_EQ(stack(), nullptr);
+    EXPECT_RAISES("A:b", "y", oxSimpleErrStackAndMsgIdAndTxt(arr("4"), "A:b", "y"));
+    EXPECT_EQ(text(stack()), "double 1x1: 4");
+    oxSetLastErrIdAndMsg("A:b", "m");
+    EXPECT_EQ(stack(), nullptr);
+}
+
+TEST_F(LastError, StackOutlivesItsContext) {
+    {
+        Contexts inner;
+        oxSetLastErrIdAndMsgAndStack("A:b", "m", arr("5 6"));
+    }
+    EXPECT_EQ(text(stack()), "double 1x2: 5 6");
+    oxErrorCleanup();
+    EXPECT_EQ(stack(), nullptr);
+}
+
+TEST_F(LastError, RecordsAreExchanged) {
+    oxErrorState mine;
+    oxInitErrorState(&mine);
+    EXPECT_EQ(mine.mode, 1);
+    oxSetErrorMode(3);
+    oxSetLastErrIdAndMsg("A:b", "outer");
+    oxErrorState *s = &mine;
+    oxSwapErrorState(&s);
+    EXPECT_EQ(oxGetErrorState(), &mine);
+    EXPECT_EQ(last(), "|");
+    EXPECT_RAISES("C:d", "inner", oxErrMsgIdAndTxt("C:d", "inner"));
+    EXPECT_STREQ(mine.message, "inner");
+    oxSetErrorState(s);
+    EXPECT_EQ(last(), "A:b|outer");
+    mine.mode = 9;
+    oxClearErrorState(&mine);
+    EXPECT_EQ(mine.message, nullptr);
+    EXPECT_EQ(mine.identifier, nullptr);
+    EXPECT_EQ(mine.message_capacity + mine.identifier_capacity, 0u);
+    EXPECT_EQ(mine.mode, 9);
+    oxErrorCleanup();
+    EXPECT_EQ(last(), "|");
+    EXPECT_EQ(oxGetErrorMode(), 3);
+}
+
+} // namespace

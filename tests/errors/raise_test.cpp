@@ -1,0 +1,217 @@
+// Raising: identifiers, messages, the prefix, translation, and what a raise cleans up.
+#include <errors/raise.h>
+#include <ox.h>
+#include <support/expect.h>
+#include <support/faults.h>
+#include <support/host.h>
+
+#include <ut.h>
+#include <ut.hpp>
+
+#include <cfenv>
+#include <cstring>
+#include <string>
+
+using namespace ox::test;
+
+namespace {
+
+const char *last_id() {
+    const char *id;
+    oxGetLastErrIdAndMsg(&id, nullptr);
+    return id;
+}
+
+std::string message_of(const std::function<void()> &call) {
+    try {
+        call();
+    } catch (const ut::simple_exception &e) {
+        return e.message();
+    }
+    return "nothing raised";
+}
+
+class Raise : public HostTest {};
+
+struct TableRow {
+    oxErrorMessage number;
+    const char *id, *message;
+};
+
+// The rows that other parts of the environment rely on, and every kind of name.
+const TableRow table_rows[] = {
+    {FNOERR, "VELTRO:noerr", "Not an error."},
+    {FMAXRHS, "VELTRO:maxrhs", "Too many input arguments."},
+    {FMINRHS, "VELTRO:minrhs", "Not enough input arguments."},
+    {FMAXLHS, "VELTRO:maxlhs", "Too many output arguments."},
+    {FVECTOR, "VELTRO:vector", "Argument must be a vector."},
+    {FSQUARE, "VELTRO:square", "Matrix must be square."},
+    {FSINGULAR, "VELTRO:singular", "Matrix is singular to working precision."},
+    {FBADOPT, "VELTRO:badopt", "Unknown command option."},
+    {FSTRING, "VELTRO:string", "Argument must contain a string."},
+    {FNOMEM, "VELTRO:nomem", "Out of memory. Type HELP MEMORY for your options."},
+    {FPMAXSIZE, "VELTRO:pmaxsize", "Maximum variable size allowed by the program is exceeded."},
+    {FNONANINF, "VELTRO:nonaninf", "NaN and Inf not allowed."},
+    {FDIVBYZERO, "VELTRO:divbyzero", "Division by zero is not allowed."},
+    {FBADFID_ox, "VELTRO:badfid_ox",
+     "Invalid file identifier.  Use fopen to generate a valid file identifier."},
+    {FBADFILEOPEN_ox, "VELTRO:badfileopen_ox", "Cannot open file."},
+    {FNOSPARSE, "VELTRO:nosparse", "Sparse input is not allowed for this function."},
+    {FNOLOGICALNAN, "VELTRO:nologicalnan", "NaN's cannot be converted to logicals."},
+    {FNOLOGICALCOMPLEX, "VELTRO:nologicalcomplex",
+     "Complex values cannot be converted to logicals."},
+    {FSUBSASSIGNDIMMISMATCH, "VELTRO:subsassigndimmismatch",
+     "Subscripted assignment dimension mismatch."},
+    {FSUBSDELDIMMISMATCH, "VELTRO:subsdeldimmismatch",
+     "Matrix index is out of range for deletion."},
+    {FSUBSASSIGNNUMELMISMATCH, "VELTRO:subsassignnumelmismatch",
+     "In an assignment  A(:) = B, the number of elements in A and B\nmust be the same."},
+    {FBADNULLINDEX, "VELTRO:badnullindex", "Improper null index in null matrix."},
+    {FBADNULLASSIGN, "VELTRO:badnullassign",
+     "A null assignment can have only one non-colon index."},
+    {FP64BITSIZE, "VELTRO:p64bitsize",
+     "Maximum variable size allowed by the function is exceeded."},
+    {FP32BITSIZE, "VELTRO:p32bitsize", "Matrix API is called with negative size or index."},
+    {F4LONG, "VELTRO:4long", nullptr},
+    {FBADSTRINGarg1_ox, "VELTRO:badstringarg1_ox", nullptr},
+};
+
+TEST_F(Raise, TableEntries) {
+    for (const TableRow &r : table_rows) {
+        SCOPED_TRACE(r.id);
+        EXPECT_RAISES(r.id, r.message, oxErrMsg(r.number));
+        EXPECT_STREQ(oxGetLastErrMsg(), oxGetErrorTableEntry(r.number));
+    }
+    EXPECT_STREQ(oxGetErrorTableEntry(FFMAXSIZE),
+                 "Maximum variable size allowed by the function of %d elements is exceeded.");
+}
+
+// A message is used as a format without arguments.
+TEST_F(Raise, OnlyTheFormattedRowHoldsAPercent) {
+    for (int n = FNOERR; n <= FP32BITSIZE; ++n) {
+        const char *message = oxGetErrorTableEntry(static_cast<oxErrorMessage>(n));
+        EXPECT_EQ(std::strchr(message, '%') != nullptr, n == FFMAXSIZE) << n;
+        EXPECT_GT(std::strlen(message), 5u) << n;
+    }
+}
+
+void raise_with_list(const char *id, const char *fmt, ...) {
+    va_list args;
+    va_start(args, fmt);
+    oxVErrMsgIdAndTxt(id, fmt, args);
+}
+
+TEST_F(Raise, Forms) {
+    EXPECT_RAISES("A:b", "3 of x", oxErrMsgIdAndTxt("A:b", "%d of %s", 3, "x"));
+    EXPECT_RAISES("A:b", "4 of y", raise_with_list("A:b", "%d of %s", 4, "y"));
+    EXPECT_RAISES("A:b", "5", oxSimpleErrMsgIdAndTxt("A:b", "%d", 5));
+    EXPECT_RAISES("A:b", "6", oxSimpleErrStackAndMsgIdAndTxt(nullptr, "A:b", "%d", 6));
+    EXPECT_RAISES("", "abc.", oxErrMsgTxt("abc"));
+    EXPECT_STREQ(oxGetLastErrMsg(), "abc.");
+    EXPECT_RAISES("", "abc..", oxErrMsgTxt("ab%s", "c."));
+    EXPECT_RAISES("", ".", oxErrMsgTxt(""));
+    EXPECT_RAISES("VELTRO:UndefinedFunction",
+                  "Function 'plus' is not defined for values of class 'cell'.",
+                  oxFcnUndefinedForClass("plus", "cell"));
+    EXPECT_RAISES("A:b", "4294967303", oxErrMsgIdAndTxt("A:b", "%Iu", (kwSize{1} << 32) + 7));
+}
+
+// Buffers have 8192 bytes with the NUL; the period takes the place of a last character.
+TEST_F(Raise, LongMessagesAreCut) {
+    const std::string text(9000, 'm');
+    EXPECT_EQ(message_of([&] { oxErrMsgIdAndTxt("A:b", "%s", text.c_str()); }),
+              text.substr(0, 8191));
+    const std::string dotted = message_of([&] { oxErrMsgTxt("%s", text.c_str()); });
+    EXPECT_EQ(dotted, text.substr(0, 8190) + ".");
+    EXPECT_EQ(message_of([&] { oxErrMsgTxt("%s", text.substr(0, 8190).c_str()); }), dotted);
+}
+
+void say_prefix(const char *fmt, char *buffer, kwSize size) {
+    std::snprintf(buffer, size, "[%s/%zu] ", fmt, size);
+}
+void say_nothing(const char *, char *, kwSize) {}
+void say_too_much(const char *, char *buffer, kwSize size) { std::memset(buffer, 'p', size); }
+
+TEST_F(Raise, PrefixIsRecordedButNotThrown) {
+    EXPECT_EQ(oxSetErrmsgPrefixFcn(say_prefix), nullptr);
+    EXPECT_RAISES("A:b", "7!", oxErrMsgIdAndTxt("A:b", "%d!", 7));
+    EXPECT_STREQ(oxGetLastErrMsg(), "[%d!/8192] 7!");
+    EXPECT_RAISES("", "7.", oxErrMsgTxt("7"));
+    EXPECT_STREQ(oxGetLastErrMsg(), "[7/8192] 7.");
+    EXPECT_RAISES_ENTRY(FVECTOR, oxErrMsg(FVECTOR));
+    EXPECT_STREQ(oxGetLastErrMsg(), "[Argument must be a vector./8192] Argument must be a vector.");
+    EXPECT_RAISES("A:b", "8", oxSimpleErrMsgIdAndTxt("A:b", "8"));
+    EXPECT_STREQ(oxGetLastErrMsg(), "8");
+    EXPECT_EQ(oxSetErrmsgPrefixFcn(say_nothing), say_prefix);
+    EXPECT_RAISES("A:b", "9", oxErrMsgIdAndTxt("A:b", "9"));
+    EXPECT_STREQ(oxGetLastErrMsg(), "9");
+    oxSetErrmsgPrefixFcn(say_too_much);
+    EXPECT_RAISES("A:b", "9", oxErrMsgIdAndTxt("A:b", "9"));
+    EXPECT_EQ(oxGetLastErrMsg(), std::string(8191, 'p'));
+}
+
+const char *translated(const char *fmt) { return std::strcmp(fmt, "%d in") ? fmt : "%d out"; }
+
+TEST_F(Raise, FormatsAreTranslated) {
+    ox::set_message_translation(translated);
+    EXPECT_RAISES("A:b", "7 out", oxErrMsgIdAndTxt("A:b", "%d in", 7));
+    EXPECT_EQ(ox::set_message_translation(nullptr), translated);
+    EXPECT_RAISES("A:b", "7 in", oxErrMsgIdAndTxt("A:b", "%d in", 7));
+}
+
+int cleaned = 0;
+void clean(void *list_length) {
+    cleaned = static_cast<int>(GetAllocListLength() - *static_cast<kwSize *>(list_length));
+}
+
+// Arguments may lie in the very blocks that the raise frees.
+TEST_F(Raise, FreesTheCurrentContextAndResetsTheMachine) {
+    void *outer = oxMalloc(8);
+    Contexts inner;
+    kwSize listed = GetAllocListLength();
+    auto *words = static_cast<char *>(oxMalloc(16));
+    std::strcpy(words, "in the block");
+    oxMalloc(100);
+    cleaned = -1;
+    ASSERT_TRUE(ut_protect(utGetErrorContext(), clean, &listed));
+    std::fesetround(FE_UPWARD);
+    EXPECT_RAISES("in the block", "in the block", oxErrMsgIdAndTxt(words, words));
+    EXPECT_EQ(cleaned, 0) << "blocks go before the protected items";
+    EXPECT_EQ(std::fegetround(), FE_TONEAREST);
+    EXPECT_EQ(GetAllocListLength(), listed);
+    EXPECT_TRUE(oxIsOnAllocList(outer));
+}
+
+// The recorded text may suffer, the exception not.
+TEST_F(Raise, WithoutAnyMemory) {
+    FailingAllocation none(1, FailingAllocation::Then::stays);
+    EXPECT_RAISES("A:b", "still said", oxSetErrorMode(0), oxErrMsgIdAndTxt("A:b", "still said"));
+    oxSetErrorOn();
+    EXPECT_EQ(message_of([] { oxErrMsgIdAndTxt("A:b", "still said"); }), "still said");
+    EXPECT_STREQ(oxGetLastErrMsg(), "");
+}
+
+// The utility library's own errors take the same way.
+TEST_F(Raise, UtilityErrors) {
+    static const utMessage rows[] = {{0x7E57, "test", "busy", "%s is busy (%d)"}};
+    ASSERT_TRUE(ut_mem_add_primary_message_table(rows, 1));
+    void *block = oxMalloc(8);
+    EXPECT_RAISES("VELTRO:test:busy", "it is busy (5)", ut_error(0x7E57, __FILE__, 1, "it", 5));
+    EXPECT_STREQ(oxGetLastErrMsg(), "it is busy (5)");
+    EXPECT_FALSE(oxIsOnAllocList(block));
+}
+
+TEST_F(Raise, ModeZeroRecordsNothing) {
+    EXPECT_RAISES("A:b", "first", oxErrMsgIdAndTxt("A:b", "first"));
+    EXPECT_EQ(oxSetErrorMode(0), 1);
+    EXPECT_RAISES("C:d", "second", oxErrMsgIdAndTxt("C:d", "second"));
+    EXPECT_STREQ(last_id(), "A:b");
+    EXPECT_STREQ(oxGetLastErrMsg(), "first");
+    EXPECT_EQ(oxSetErrorMode(-7), 0);
+    EXPECT_EQ(oxGetErrorMode(), -7);
+    EXPECT_RAISES("C:d", "third", oxErrMsgIdAndTxt("C:d", "third"));
+    oxSetErrorOn();
+    EXPECT_EQ(oxGetErrorMode(), 1);
+}
+
+} // namespace

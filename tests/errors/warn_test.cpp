@@ -1,0 +1,164 @@
+// Warnings: shown, recorded, raised, with their hint, callbacks and hooks in order.
+#include <errors/raise.h>
+#include <errors/warn.h>
+#include <ox.h>
+#include <support/expect.h>
+#include <support/host.h>
+
+#include <ut.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+using namespace ox::test;
+
+namespace {
+
+utWarnCtx *context() { return utGetWarningManagerContext(); }
+
+std::string last_warning() {
+    const char *id, *msg;
+    utGetLastWarningMsg(context(), &id, &msg);
+    return std::string(id) + '|' + msg;
+}
+
+class Warn : public HostTest {
+protected:
+    void SetUp() override {
+        HostTest::SetUp();
+        recorder_.emplace();
+        utSetLastWarningMsg(context(), "none", "none");
+        utSetLastPrintedWarningId(context(), "none");
+    }
+    void TearDown() override {
+        recorder_.reset();
+        HostTest::TearDown();
+    }
+    std::optional<WarningRecorder> recorder_;
+    std::vector<Warning> &shown_ = WarningRecorder::shown;
+};
+
+void warn_with_list(const char *id, const char *fmt, ...) {
+    va_list args;
+    va_start(args, fmt);
+    oxVWarningMsgIdAndTxt(id, fmt, args);
+    va_end(args);
+}
+
+TEST_F(Warn, Forms) {
+    oxWarningMsgIdAndTxt("V:x", "%d of %Iu", 3, kwSize{1} << 40);
+    warn_with_list("V:y", "%s", "list");
+    oxWarningIdAndMsg("V:z", FDIVBYZERO);
+    const std::vector<Warning> expected = {{"V:x", "3 of 1099511627776"},
+                                           {"V:y", "list"},
+                                           {"V:z", "Division by zero is not allowed."}};
+    EXPECT_EQ(shown_, expected);
+    EXPECT_EQ(last_warning(), "V:z|Division by zero is not allowed.");
+}
+
+TEST_F(Warn, WithoutIdentifierAPeriodIsAppended) {
+    EXPECT_WARNS("", "abc 1.", oxWarningMsgTxt("abc %d", 1));
+    EXPECT_EQ(last_warning(), "|abc 1.");
+    const std::string text(9000, 'w');
+    oxWarningMsgTxt("%s", text.c_str());
+    EXPECT_EQ(last_warning(), '|' + text.substr(0, 8190) + '.');
+    oxWarningMsgIdAndTxt("V:x", "%s", text.c_str());
+    EXPECT_EQ(last_warning(), "V:x|" + text.substr(0, 8191));
+}
+
+// No status is asked for, not even one that raises.
+TEST_F(Warn, EmptyFormatOnlyClearsTheLastWarning) {
+    utSetWarningStatus(context(), "all", UT_WARNING_ERROR);
+    EXPECT_NO_WARNING(oxWarningMsgTxt(""));
+    EXPECT_EQ(last_warning(), "|");
+}
+
+TEST_F(Warn, HintOnlyInItsModeAndWithAnIdentifier) {
+    utSetWarningMode(context(), UT_WARNING_MODE_HINT, true);
+    EXPECT_WARNS("V:x", "m\n(Type \"warning off V:x\" to suppress this warning.)",
+                 oxWarningMsgIdAndTxt("V:x", "m"));
+    EXPECT_EQ(last_warning(), "V:x|m") << "neither the lead nor the hint is recorded";
+    EXPECT_WARNS("", "m.", oxWarningMsgTxt("m"));
+    EXPECT_WARNS("", "m", oxWarningMsgIdAndTxt("", "m"));
+    EXPECT_WARNS("", "m", oxWarningMsgIdAndTxt(nullptr, "m"));
+}
+
+TEST_F(Warn, StatusZeroIsRecordedOnly) {
+    utSetWarningStatus(context(), "V:quiet", UT_WARNING_RECORDED);
+    EXPECT_NO_WARNING(oxWarningMsgIdAndTxt("V:quiet", "m"));
+    EXPECT_EQ(last_warning(), "V:quiet|m");
+    EXPECT_STREQ(utGetLastPrintedWarningId(context()), "none");
+}
+
+TEST_F(Warn, StatusTwoRaises) {
+    utSetWarningStatus(context(), "V:strict", UT_WARNING_ERROR);
+    EXPECT_RAISES("V:strict", "100%d", oxWarningMsgIdAndTxt("V:strict", "%s", "100%d"));
+    EXPECT_STREQ(oxGetLastErrMsg(), "100%d");
+    EXPECT_TRUE(shown_.empty());
+    EXPECT_STREQ(utGetLastPrintedWarningId(context()), "V:strict");
+    EXPECT_EQ(last_warning(), "none|none") << "it is an error, not a warning";
+    utSetWarningStatus(context(), "all", UT_WARNING_ERROR);
+    EXPECT_RAISES("", "one period.", oxWarningMsgTxt("one period"));
+}
+
+TEST_F(Warn, QuietModeOverridesEveryStatus) {
+    utSetWarningStatus(context(), "V:strict", UT_WARNING_ERROR);
+    utSetWarningMode(context(), UT_WARNING_MODE_QUIET, true);
+    EXPECT_NO_WARNING(oxWarningMsgIdAndTxt("V:strict", "m"));
+    EXPECT_EQ(last_warning(), "V:strict|m");
+}
+
+TEST_F(Warn, WithoutAManagerEveryWarningIsShownAndNoneRecorded) {
+    utSetWarningStatus(context(), "V:strict", UT_WARNING_ERROR);
+    utSetWarningMode(context(), UT_WARNING_MODE_HINT, true);
+    utSetWarningManagerEnabled(false);
+    oxWarningMsgIdAndTxt("V:strict", "m");
+    oxWarningMsgTxt("");
+    utSetWarningManagerEnabled(true);
+    const std::vector<Warning> expected = {{"", "m"}};
+    EXPECT_EQ(shown_, expected);
+    EXPECT_EQ(last_warning(), "none|none");
+}
+
+const char *translated(const char *fmt) {
+    const std::string f = fmt;
+    return f == "Warning: " ? "Beware: " : f == "in" ? "out" : fmt;
+}
+
+std::string steps;
+
+// Each step shows what the ones before it have left.
+TEST_F(Warn, OrderOfSteps) {
+    steps.clear();
+    ox::set_message_translation(translated);
+    oxSetWarningMessageHandler([](const char *text) {
+        steps += std::string(text) + " printed=" + utGetLastPrintedWarningId(context());
+    });
+    ox::set_after_warning_hook([] {
+        steps += std::string("; hook printed=") + utGetLastPrintedWarningId(context()) +
+                 " last=" + last_warning();
+    });
+    const auto previous =
+        utRegisterWarningCallback(context(), [] { steps += "; callback last=" + last_warning(); });
+    oxWarningMsgIdAndTxt("V:x", "in");
+    utRegisterWarningCallback(context(), previous);
+    EXPECT_EQ(steps, "Beware: out printed=none; hook printed=V:x last=none|none; "
+                     "callback last=V:x|out");
+}
+
+TEST_F(Warn, DefaultHandlerPrintsALine) {
+    static std::string printed;
+    printed.clear();
+    const auto recording = oxSetWarningMessageHandler(nullptr);
+    EXPECT_NE(recording, nullptr);
+    ox::set_after_warning_hook(nullptr);
+    const utPrintSink sink =
+        utSetPrintSink([](const char *text, std::size_t length) { printed.append(text, length); });
+    oxWarningMsgIdAndTxt("V:x", "50%%");
+    utSetPrintSink(sink);
+    EXPECT_EQ(printed, "Warning: 50%\n");
+    EXPECT_NE(oxSetWarningMessageHandler(recording), recording);
+}
+
+} // namespace
