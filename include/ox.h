@@ -4,6 +4,7 @@
 
 #include <ox/array_list.h>
 #include <ox/classes.h>
+#include <ox/compare.h>
 #include <ox/convert.h>
 #include <ox/create.h>
 #include <ox/errors.h>

@@ -16,6 +16,7 @@ inline constexpr kwSize stream_min_bytes = pick(kwSize{8} << 20, 256);
 
 inline constexpr kwSize convert_block = pick(2048, 4);   // elements of one conversion step
 inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
+inline constexpr kwSize compare_block = pick(512, 2);    // elements compared before the first look
 
 // Field tables of at least this many names have a hash.
 inline constexpr kwSize field_hash_min = pick(64, 4);
