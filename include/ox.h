@@ -3,6 +3,7 @@
 #define OX_H
 
 #include <ox/array_list.h>
+#include <ox/catenate.h>
 #include <ox/classes.h>
 #include <ox/compare.h>
 #include <ox/convert.h>

@@ -96,9 +96,6 @@ struct ox_object_layer {
     oxArray *(*fh_build_saved)(const oxArray *saved, const char *separator, const char *marker);
     oxArray *(*fh_from_saved)(const oxArray *saved);
 
-    // Per-class identity: equal arrays of class id by its own rule; none: the same pointer.
-    bool (*identity[19])(const oxArray *a, const oxArray *b);
-
     // Whole structure reference and assignment of objects; none: the struct forms.
     oxArray *(*structure_reference)(const oxArray *a, kwSize nsubs, const oxArray *const *subs);
     oxArray *(*structure_assignment)(oxArray *a, kwSize nsubs, const oxArray *const *subs,

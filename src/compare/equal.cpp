@@ -68,8 +68,8 @@ bool equal_bytes(const oxArray *a, const oxArray *b) {
 }
 
 bool equal_handles(const oxArray *a, const oxArray *b, bool nan_equal) {
-    const ox_object_layer *layer = object_layer();
-    return layer && layer->fh_equal ? layer->fh_equal(a, b, !nan_equal) : equal_bytes(a, b);
+    const auto by_layer = object_layer().fh_equal;
+    return by_layer ? by_layer(a, b, !nan_equal) : equal_bytes(a, b);
 }
 
 bool same_class_identity(const oxArray *a, const oxArray *b) {

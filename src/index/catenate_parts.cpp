@@ -1,0 +1,164 @@
+// The copying half of catenation: one pass of block copies, operand by operand.
+#include <containers/field_table.h>
+#include <containers/object_layer.h>
+#include <containers/slots.h>
+#include <core/alloc.h>
+#include <core/class_table.h>
+#include <core/create.h>
+#include <core/destroy.h>
+#include <core/header_copy.h>
+#include <core/imaginary.h>
+#include <index/catenate_parts.h>
+#include <ox/sharing.h>
+
+#include <cstring>
+
+namespace ox {
+namespace {
+
+kwSize extent(const oxArray *a, kwSize dim) {
+    return dim < a->ndims ? a->get_dimensions()[dim] : 1;
+}
+
+// Calls f(operand, source position, target position, count) for every contiguous run, positions
+// in elements: the result is `outer` stacks of one run per operand.
+template<class F> void for_each_run(const CatParts &p, F &&f) {
+    kwSize inner = 1, outer = 1;
+    for (kwSize k = 0; k < p.ndim; ++k)
+        if (k < p.dim)
+            inner *= p.dims[k];
+        else if (k > p.dim)
+            outer *= p.dims[k];
+    kwSize target = 0;
+    for (kwSize o = 0; o < outer; ++o)
+        for (kwSize k = 0; k < p.n; ++k) {
+            const kwSize count = inner * extent(p.operands[k], p.dim);
+            if (count) f(k, o * count, target, count);
+            target += count;
+        }
+}
+
+// A run of one element is common (joining scalars), and then a call of memcpy costs most.
+void copy_run(unsigned char *to, const unsigned char *from, kwSize bytes) {
+    if (bytes == 8)
+        std::memcpy(to, from, 8);
+    else
+        std::memcpy(to, from, bytes);
+}
+
+// Missing imaginary parts are zero.
+void copy_blocks(const CatParts &p, oxArray *c, bool complex) {
+    const kwSize size = class_info(c->class_code).element_size;
+    auto *re = data<unsigned char>(c), *im = imag<unsigned char>(c);
+    for_each_run(p, [&](kwSize k, kwSize from, kwSize to, kwSize count) {
+        const oxArray *a = p.operands[k];
+        copy_run(re + to * size, data<unsigned char>(a) + from * size, count * size);
+        if (!complex) return;
+        if (has_imag_block(a))
+            std::memcpy(im + to * size, imag<unsigned char>(a) + from * size, count * size);
+        else
+            std::memset(im + to * size, 0, count * size);
+    });
+}
+
+oxArray *join_numbers(const CatParts &p) {
+    bool complex = false;
+    for (kwSize k = 0; k < p.n; ++k) complex = complex || has_imag_block(p.operands[k]);
+    oxArray *c = make_uninit_nd(p.ndim, p.dims, p.reference->class_code, complex);
+    if (c && c->num.pdata) copy_blocks(p, c, complex);
+    return c;
+}
+
+// A header like the reference's with zeroed storage for the result; null without memory.
+oxArray *make_like_reference(const CatParts &p, kwSize bytes_each) {
+    oxArray *c = copy_header(p.reference, copy_clears | oxFLAG_SCALAR_DOUBLE, CopyDims::zero);
+    if (!c) return nullptr;
+    c->num.pdata = nullptr;
+    ArrayGuard guard(c);
+    if (store_dimensions(c, p.ndim, p.dims) != 0) return nullptr;
+    const kwSize count = c->get_number_of_elements();
+    if (count && bytes_each) c->num.pdata = oxCallocEx(count, bytes_each);
+    if (count && bytes_each && !c->num.pdata) return nullptr;
+    notify_object_copy(c, p.reference);
+    return guard.release();
+}
+
+oxArray *join_cells(const CatParts &p) {
+    oxArray *c = make_like_reference(p, sizeof(oxArray *));
+    if (!c) return nullptr;
+    for_each_run(p, [&](kwSize k, kwSize from, kwSize to, kwSize count) {
+        for (kwSize i = 0; i < count; ++i)
+            c->cell.slots[to + i] = oxCreateReference(p.operands[k]->cell.slots[from + i]);
+    });
+    return c;
+}
+
+// Field f of the result is field number[k * fields + f] of operand k.
+oxArray *join_structs(const CatParts &p) {
+    const kwSize fields = static_cast<kwSize>(field_count(p.reference));
+    oxArray *c = make_like_reference(p, fields * sizeof(oxArray *));
+    if (!c || fields == 0) return c;
+    ArrayGuard guard(c);
+    auto number = RawArray<int32_t>::make(p.n * fields);
+    if (!number) return nullptr;
+    const name_index_info *names = p.reference->record.names;
+    for (kwSize k = 0; k < p.n; ++k)
+        for (kwSize f = 0; f < fields; ++f) {
+            const name_index_info *own = p.operands[k]->record.names;
+            number[k * fields + f] =
+                own == names ? static_cast<int32_t>(f) : find_field(own, names->names[f]);
+        }
+    for_each_run(p, [&](kwSize k, kwSize from, kwSize to, kwSize count) {
+        const int32_t *field = &number[k * fields];
+        oxArray *const *source = p.operands[k]->record.slots + from * fields;
+        oxArray **target = c->record.slots + to * fields;
+        for (kwSize i = 0; i < count; ++i, source += fields)
+            for (kwSize f = 0; f < fields; ++f) *target++ = oxCreateReference(source[field[f]]);
+    });
+    return guard.release();
+}
+
+// Elements of 32 bytes that the class layer may have to copy one by one.
+oxArray *join_handles(const CatParts &p) {
+    const kwSize size = class_info(oxFUNCTION_CLASS).element_size;
+    ArrayGuard c(make_like_reference(p, size));
+    if (!c) return nullptr;
+    const auto copy = object_layer().fh_copy_element;
+    bool copied = true;
+    for_each_run(p, [&](kwSize k, kwSize from, kwSize to, kwSize count) {
+        auto *target = data<unsigned char>(c.get()) + to * size;
+        const auto *source = data<unsigned char>(p.operands[k]) + from * size;
+        if (!copy) std::memcpy(target, source, count * size);
+        for (kwSize i = 0; copy && copied && i < count; ++i)
+            copied = copy(target + i * size, source + i * size);
+    });
+    return copied ? c.release() : nullptr;
+}
+
+oxArray *join_opaque(const CatParts &p) {
+    xxInfo *info = p.reference->opaque.info;
+    if (!info || p.reference->is_indexing_opaque())
+        raise_layer_missing(oxGetClassName(p.reference));
+    ArrayGuard c(make_like_reference(p, sizeof(void *)));
+    if (!c) return nullptr;
+    bool copied = true;
+    for_each_run(p, [&](kwSize k, kwSize from, kwSize to, kwSize count) {
+        for (kwSize i = 0; copied && i < count; ++i)
+            copied = info->copy_element(data<void *>(c.get()) + to + i,
+                                        data<void *>(p.operands[k])[from + i]);
+    });
+    return copied ? c.release() : nullptr;
+}
+
+} // namespace
+
+oxArray *join_full(const CatParts &parts) {
+    const oxArray *a = parts.reference;
+    if (a->class_code == oxCELL_CLASS) return join_cells(parts);
+    if (is_struct_like(a)) return join_structs(parts);
+    if (a->class_code == oxFUNCTION_CLASS) return join_handles(parts);
+    if (a->class_code == oxOPAQUE_CLASS) return join_opaque(parts);
+    return join_numbers(parts);
+}
+
+} // namespace ox
