@@ -1,0 +1,213 @@
+// Catenation: classes, empties, fields, extents, and random joins against a per-element model.
+#include "support/array_text.h"
+#include "support/expect.h"
+#include "support/faults.h"
+#include "support/host.h"
+#include "support/random.h"
+
+#include <core/array.h>
+#include <ox.hpp>
+
+#include <string>
+#include <vector>
+
+namespace ox::test {
+namespace {
+
+// The interpreter's part: the first operand that is not an empty double decides.
+oxClassID first_class(oxCatContext *, int n, const oxArray *args[]) {
+    for (int k = 0; k < n; ++k)
+        if (!oxIsDouble(args[k])) return static_cast<oxClassID>(args[k]->class_code);
+    return oxDOUBLE_CLASS;
+}
+const oxArray *convert(oxCatContext *, oxClassID id, const oxArray *a) {
+    if (a->class_code == id) return a;
+    if (oxIsEmpty(a) && (id == oxCELL_CLASS || id == oxSTRUCT_CLASS)) {
+        oxArray *e = oxCreateDoubleMatrix(0, 0, oxREAL);
+        oxReInitArray2Type(e, id);
+        oxSetDimensions(e, oxGetDimensions(a), a->ndims);
+        return e;
+    }
+    return oxCreateConvertedCopy(a, id);
+}
+
+oxArray *cat_arrays(int form, const std::vector<const oxArray *> &args) {
+    oxCatContext context{first_class, nullptr};
+    std::vector<const oxArray *> list = args;
+    return oxCatenateDispatch(form, static_cast<int>(list.size()), list.data(), convert, &context);
+}
+oxArray *cat(int form, const std::vector<const char *> &texts) {
+    std::vector<const oxArray *> args;
+    for (const char *t : texts) args.push_back(arr(t));
+    return cat_arrays(form, args);
+}
+constexpr int dimension = oxCAT_DIMENSION, beside = oxCAT_HORIZONTAL, below = oxCAT_VERTICAL;
+
+class CatenateTest : public HostTest {};
+
+TEST_F(CatenateTest, Results) {
+    struct Row {
+        int form;
+        std::vector<const char *> operands;
+        const char *expected;
+    };
+    const Row rows[] = {
+        {beside, {"double 1x1: 65", "char 1x1: 'a'"}, "char 1x2: 'Aa'"},
+        {beside, {"double 1x1: 2", "int8 1x1: 3"}, "int8 1x2: 2 3"},
+        {beside, {"double 0x0", "double 3x1: 1; 2; 3"}, "double 3x1: 1; 2; 3"},
+        {below, {"double 1x2: 1 2", "double 2x2: 3 4; 5 6"}, "double 3x2: 1 2; 3 4; 5 6"},
+        {beside, {"double 1x1: 1+2i", "double 1x1: 3"}, "double 1x2: 1+2i 3+0i"},
+        {beside, {}, "double 0x0"},
+        {beside, {"double 0x2", "double 0x3"}, "double 0x5"},
+        {beside, {"double 0x0", "double 0x0"}, "double 0x0"},
+        {dimension,
+         {"double 1x1: 3", "double 1x2: 1 2", "double 1x2: 3 4"},
+         "double 1x2x2: 1 2 | 3 4"},
+        {dimension, {"double 1x1: 2", "double 1x1: 1", "double 1x1: 2"}, "double 1x2: 1 2"},
+        {dimension, {"double 1x1: 0", "double 1x2: 1 2"}, "double 1x2: 1 2"},
+        {dimension, {"double 1x1: 7"}, "double 0x0"},
+        {beside,
+         {"cell 1x1: {double 1x1: 1}", "cell 1x2: {} {char 1x1: 'x'}"},
+         "cell 1x3: {double 1x1: 1} {} {char 1x1: 'x'}"},
+        {below,
+         {"struct 1x1 a,b: {double 1x1: 1} {double 1x1: 2}",
+          "struct 1x1 b,a: {double 1x1: 3} {double 1x1: 4}"},
+         "struct 2x1 a,b: {double 1x1: 1} {double 1x1: 2} {double 1x1: 4} {double 1x1: 3}"},
+        {beside,
+         {"sparse double 2x2: (0,0)=1 (1,1)=2", "double 2x1: 3; 0"},
+         "sparse double 2x3: (0,0)=1 (1,1)=2 (0,2)=3"},
+        {below,
+         {"sparse double 1x2: (0,0)=1", "sparse double 1x2: (0,0)=2+1i (0,1)=3"},
+         "sparse double 2x2: (0,0)=1+0i (1,0)=2+1i (1,1)=3+0i"},
+        {beside,
+         {"sparse logical 1x1: (0,0)=1", "sparse logical 1x1"},
+         "sparse logical 1x2: (0,0)=1"},
+    };
+    for (const Row &r : rows) {
+        const oxArray *expected = arr(r.expected);
+        EXPECT_EQ(text(cat(r.form, r.operands)), text(expected)) << r.expected;
+    }
+}
+
+TEST_F(CatenateTest, Refusals) {
+    const char *const mismatch = "CAT arguments dimensions are not consistent.";
+    EXPECT_RAISES("VELTRO:catenate:dimensionMismatch", mismatch,
+                  cat(beside, {"double 2x1: 1; 2", "double 3x1: 1; 2; 3"}));
+    EXPECT_RAISES("VELTRO:catenate:dimensionMismatch", mismatch,
+                  cat(dimension, {"double 1x1: 0", "double 1x1: 1", "double 1x1: 2"}));
+    EXPECT_RAISES("VELTRO:catenate:dimensionMismatch",
+                  "CAT argument dimensions are not consistent.",
+                  cat(beside, {"sparse double 2x1", "sparse double 3x1"}));
+    EXPECT_RAISES("VELTRO:catenate:sparseDimensionBad",
+                  "Dimension for sparse matrix concatenation must be <= 2.",
+                  cat(dimension, {"double 1x1: 3", "sparse double 2x1"}));
+    for (const char *d : {"double 1x1: 1.5", "double 1x1: -1", "double 1x1: NaN", "double 1x1: Inf",
+                          "double 1x2: 1 2", "int8 1x1: 1", "double 0x0"})
+        EXPECT_RAISES("VELTRO:catenate:invalidDimension", "Dimension must be a finite integer.",
+                      cat(dimension, {d, "double 1x1: 1"}));
+    EXPECT_RAISES("VELTRO:minrhs", "Not enough input arguments.", cat_arrays(dimension, {}));
+    EXPECT_RAISES("VELTRO:catenate:structFieldBad",
+                  "CAT arguments are not consistent in structure field number.",
+                  cat(beside, {"struct 1x1 a: {}", "struct 1x1 a,b: {} {}"}));
+    EXPECT_RAISES("VELTRO:catenate:structFieldBad",
+                  "CAT arguments are not consistent in structure field names.",
+                  cat(beside, {"struct 1x0 a", "struct 1x1 b: {}"}));
+    // A dimension that no vector can hold is refused before one is sized.
+    EXPECT_RAISES_ENTRY(FNOMEM,
+                        cat(dimension, {"double 1x1: 1e15", "double 1x1: 1", "double 1x1: 2"}));
+}
+
+TEST_F(CatenateTest, EmptyOperandsThatDisagreeWarnOnce) {
+    const char *const id = "VELTRO:catenate:DimensionMismatch";
+    const char *const rows_text =
+        "Concatenation involves an empty array with an incorrect number of "
+        "rows.\nThis may not be allowed in a future release.";
+    const char *const columns_text =
+        "Concatenation involves an empty array with an incorrect number "
+        "of columns.\nThis may not be allowed in a future release.";
+    oxArray *c = nullptr;
+    EXPECT_WARNS(id, rows_text, c = cat(beside, {"double 3x0", "double 4x0", "double 2x1: 1; 2"}));
+    EXPECT_EQ(text(c), text(arr("double 2x1: 1; 2")));
+    EXPECT_WARNS(id, columns_text, cat(below, {"double 1x2: 1 2", "double 0x3"}));
+    EXPECT_NO_WARNING(cat(dimension, {"double 1x1: 3", "double 1x2: 1 2", "double 0x3"}));
+    EXPECT_NO_WARNING(cat(beside, {"struct 0x0 a", "struct 1x1 b: {}"}));
+}
+
+TEST_F(CatenateTest, ElementsOfContainersAreShared) {
+    oxArray *a = arr("cell 1x1: {double 1x2: 1 2}"), *b = arr("cell 1x1: {}");
+    oxArray *element = a->cell.slots[0];
+    oxArray *c = cat_arrays(beside, {a, b, a});
+    EXPECT_EQ(c->cell.slots[0], element);
+    EXPECT_EQ(c->cell.slots[2], element);
+    EXPECT_EQ(oxGetReferenceCount(element), 2u);
+    // One operand that counts is shared, not copied.
+    oxArray *x = arr("double 1x2: 1 2");
+    EXPECT_EQ(oxGetData(cat_arrays(beside, {x, arr("double 0x0")})), oxGetData(x));
+}
+
+TEST_F(CatenateTest, RandomJoinsAgreeWithElementwiseCopies) {
+    Random random(7);
+    for (int round = 0; round < 300; ++round) {
+        const kwSize nd = 2 + random.below(3), d = random.below(nd + 1), n = 1 + random.below(40);
+        std::vector<kwSize> base(nd + 1, 1);
+        for (kwSize k = 0; k < nd; ++k) base[k] = 1 + random.below(4);
+        std::vector<const oxArray *> args{oxCreateDoubleScalar(static_cast<double>(d + 1))};
+        double next = 1;
+        kwSize total = 0;
+        for (kwSize k = 0; k < n; ++k) {
+            std::vector<kwSize> dims = base;
+            dims[d] = random.below(4);
+            oxArray *a = oxCreateNumericArray(dims.size(), dims.data(), oxDOUBLE_CLASS, oxREAL);
+            for (kwSize i = 0; i < oxGetNumberOfElements(a); ++i) oxGetPr(a)[i] = next++;
+            total += dims[d];
+            args.push_back(a);
+        }
+        const oxArray *c = cat_arrays(dimension, args);
+        if (total == 0 || c->get_number_of_elements() == 0) continue;
+        kwSize inner = 1;
+        for (kwSize k = 0; k < d; ++k) inner *= base[k];
+        for (kwSize i = 0; i < oxGetNumberOfElements(c); ++i) {
+            kwSize position = i / inner % total, k = 1;
+            const kwSize outer = i / inner / total;
+            const auto ext = [&](kwSize q) {
+                return d < args[q]->ndims ? oxGetDimensions(args[q])[d] : kwSize{1};
+            };
+            while (position >= ext(k)) position -= ext(k++);
+            ASSERT_EQ(oxGetPr(c)[i],
+                      oxGetPr(args[k])[(outer * ext(k) + position) * inner + i % inner])
+                << "round " << round << " element " << i;
+        }
+    }
+}
+
+TEST(CatenateSweep, FailingAllocations) {
+    const auto join = [](int form) {
+        return [form](const Arrays &in) { return cat_arrays(form, {in.begin(), in.end()}); };
+    };
+    const Sweep sweeps[] = {
+        {.name = "numbers",
+         .inputs = {"double 1x2: 1 2", "int8 1x1: 3"},
+         .make = join(beside),
+         .act = nullptr,
+         .bare = false},
+        {.name = "pages",
+         .inputs = {"double 1x1: 3", "double 1x1: 1+1i", "double 1x1: 3"},
+         .make = join(dimension),
+         .act = nullptr,
+         .bare = false},
+        {.name = "structs",
+         .inputs = {"struct 1x1 a,b: {} {}", "struct 1x1 b,a: {} {}"},
+         .make = join(beside),
+         .act = nullptr,
+         .bare = false},
+        {.name = "sparse",
+         .inputs = {"sparse double 1x1: (0,0)=1", "double 1x1: 2"},
+         .make = join(below),
+         .act = nullptr,
+         .bare = false},
+    };
+    for (const Sweep &s : sweeps) sweep(s);
+}
+
+} // namespace
+} // namespace ox::test
