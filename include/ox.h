@@ -11,9 +11,12 @@
 #include <ox/errors.h>
 #include <ox/levels.h>
 #include <ox/memory.h>
+#include <ox/names.h>
 #include <ox/sharing.h>
 #include <ox/sparse.h>
+#include <ox/structs.h>
 #include <ox/subscripts.h>
+#include <ox/text.h>
 #include <ox/types.h>
 #include <ox/warnings.h>
 

@@ -6,5 +6,6 @@
 #include <ox/array.hpp>
 #include <ox/object_layer.hpp>
 #include <ox/protected.hpp>
+#include <ox/text.hpp>
 
 #endif

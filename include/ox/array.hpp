@@ -7,6 +7,7 @@
 #include <ox/types.h>
 
 #include <cstddef>
+#include <string>
 
 class xxInfo;
 struct name_index_info;
@@ -128,6 +129,15 @@ struct oxArray_tag {
     oxArray *get_global_array() const { return global.array; }
     void set_global_array(oxArray *a) { global.array = a; }
     oxChar *get_chars() const { return static_cast<oxChar *>(num.pdata); }
+    // The string of a char array, which ends before its first NUL unit: its length in units, and
+    // NUL-terminated copies in blocks from alloc (bytes; null when that answers null). Arrays that
+    // are not char give 0, null and "".
+    OX_API int32_t get_string_length() const;
+    OX_API char *create_c_str(void *(*alloc)(kwSize)) const;
+    OX_API char *create_utf8_c_str(void *(*alloc)(kwSize)) const;
+    OX_API oxChar *create_utf16_c_str(void *(*alloc)(kwSize)) const;
+    OX_API std::string to_string() const;
+    OX_API std::string to_utf8_string() const;
 
     bool has_flag(uint32_t flag) const { return (flag_word & flag) != 0; }
     void set_flag(uint32_t flag, bool on) { flag_word = on ? flag_word | flag : flag_word & ~flag; }

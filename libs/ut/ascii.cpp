@@ -71,3 +71,9 @@ std::size_t ascii_prefix(const char *src, std::size_t n) { return skip_ascii(src
 std::size_t ascii_prefix(const utChar16 *src, std::size_t n) { return skip_ascii(src, n); }
 
 } // namespace ut
+
+size_t utWidenAscii(utChar16 *dst, const char *src, size_t n) { return ut::widen_ascii(dst, src, n); }
+size_t utNarrowAscii(char *dst, const utChar16 *src, size_t n) {
+    return ut::narrow_ascii(dst, src, n);
+}
+size_t utAsciiPrefix(const char *src, size_t n) { return ut::ascii_prefix(src, n); }

@@ -21,4 +21,9 @@ inline constexpr kwSize compare_block = pick(512, 2);    // elements compared be
 // Field tables of at least this many names have a hash.
 inline constexpr kwSize field_hash_min = pick(64, 4);
 
+// Texts up to this many characters are converted once, into a buffer on the stack.
+inline constexpr kwSize text_buffer = pick(1024, 4);
+// ICU takes no more UTF-16 units than this in one call.
+inline constexpr kwSize converter_units = pick(0x3fffffff, 3);
+
 } // namespace ox::tuning

@@ -1,4 +1,5 @@
 // A whole array converted to another class.
+#include <containers/structs.h>
 #include <core/alloc.h>
 #include <core/array_list.h>
 #include <core/class_ops.h>
@@ -140,6 +141,8 @@ Converted convert_copy(const oxArray *a, int to, oxArray **out) {
         return convert_values(a, to, out);
     else if (a->class_code == oxOBJECT_CLASS && to == oxSTRUCT_CLASS)
         *out = object_as_struct(a);
+    else if (is_struct_like(a) && to == oxCELL_CLASS)
+        *out = struct_to_cell(a);
     return *out ? Converted::done : Converted::impossible;
 }
 
