@@ -4,6 +4,7 @@
 
 #include <ox/array_list.h>
 #include <ox/catenate.h>
+#include <ox/cells.h>
 #include <ox/classes.h>
 #include <ox/compare.h>
 #include <ox/convert.h>
@@ -12,6 +13,7 @@
 #include <ox/levels.h>
 #include <ox/memory.h>
 #include <ox/names.h>
+#include <ox/predicates.h>
 #include <ox/sharing.h>
 #include <ox/sparse.h>
 #include <ox/structs.h>
