@@ -129,8 +129,7 @@ UT_API void utResetWarningManager(utWarnCtx *context);
 UT_API bool utIsWarningModeOn(utWarnCtx *context, int mode);
 /** Switches mode 2 or 3 and fires the status callbacks if that changed it; others are ignored. */
 UT_API void utSetWarningMode(utWarnCtx *context, int mode, bool on);
-/** Status 0, 1 or 2 of an identifier: its own, else that of "all" (1 at start). Identifiers are
- *  compared without regard to ASCII case; null is "". */
+/** Status 0, 1 or 2 of an identifier: its own, else that of "all" (1 at start). Null is "". */
 UT_API int utGetWarningStatus(utWarnCtx *context, const char *identifier);
 /** Sets a status and fires the status callbacks. "all" sets the default and forgets the single
  *  ones. False, and nothing changed, for a status other than 0 to 2 or if memory is short. */
@@ -185,8 +184,8 @@ UT_API utChar16 *utf16_strncpy(utChar16 *dst, const utChar16 *src, size_t n);
 
 /* Conversions. *n is the capacity of dst on entry and the count that the whole input needs on
  * return; at most the capacity is written and no terminator. dst may be null with capacity 0.
- * Malformed input becomes U+FFFD (to UTF-16) or the code page's substitute. "lcp" is the local code
- * page. */
+ * Malformed input becomes U+FFFD or the substitute that the code page names, never an error. "lcp"
+ * is the local code page. */
 UT_API void lcp_to_utf16_n(utChar16 *dst, int32_t *n, const char *src, int32_t length);
 UT_API void utf16_to_lcp_n(char *dst, int32_t *n, const utChar16 *src, int32_t length);
 UT_API void utf8_to_utf16_n(utChar16 *dst, int32_t *n, const char *src, int32_t length);
@@ -202,7 +201,9 @@ UT_API size_t utAsciiPrefix(const char *src, size_t n);
  *  short. A local code page unknown to ICU is served as UTF-8. */
 struct UConverter;
 UT_API struct UConverter *utGetConverter(const char *encoding);
-/** Name of the local code page: the pinned one, else the process locale's at first use. */
+/** Name of the local code page: the pinned one, else the process locale's. A thread's conversions
+ * look at it once, at their first use and after each pinning. The "C" locale's ASCII is served as
+ * UTF-8, which reads every ASCII text the same. */
 UT_API const char *utGetLocalCodePage(void);
 /** Pins the local code page (null: the process locale's again). False, nothing changed, if ICU does
  *  not know it or memory is short. For tests and hosts, before other threads convert. */

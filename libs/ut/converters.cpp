@@ -20,12 +20,14 @@ const char *process_code_page() {
 #if defined(_WIN32)
     return ucnv_getDefaultName(); // the system's own code page here
 #else
-    return nl_langinfo(CODESET);
+    const char *name = nl_langinfo(CODESET);
+    return std::strcmp(name, "ANSI_X3.4-1968") == 0 ? "UTF-8" : name;
 #endif
 }
 
-// UTF-16 and UTF-32 fail the first test, stateful and EBCDIC encodings one of the others. Shift_JIS
-// passes: a trail byte may be ASCII, but a text that is all ASCII bytes has no lead bytes.
+// UTF-16 and UTF-32 fail the comparison, and so does Shift_JIS, which exchanges three control
+// codes. Encodings with states are excluded by type: ASCII bytes stand for other characters in some
+// states.
 bool is_ascii_superset(UConverter *converter) {
     char ascii[128];
     UChar units[160];

@@ -22,58 +22,71 @@ const char *width_prefix(const char *text, std::size_t *taken) {
     return spelling;
 }
 
-// Copies one conversion ("%-8.3Iu" or the start of any other) and answers how much was read;
-// *written grows by what was stored, which never exceeds what was read.
-std::size_t rewrite_conversion(const char *text, char *out, std::size_t *written) {
+// Length of a conversion up to where a width prefix may stand: '%', flags, width, precision.
+std::size_t conversion_head(const char *text) {
     std::size_t n = 1;
     while (one_of(text[n], "-+ #0'")) ++n;
     while (one_of(text[n], "0123456789.*")) ++n;
-    std::memcpy(out, text, n);
-    *written += n;
-    std::size_t taken = 0;
-    if (const char *spelling = width_prefix(text + n, &taken)) {
-        std::memcpy(out + n, spelling, std::strlen(spelling));
-        *written += std::strlen(spelling);
-    } else if (text[n] == '%') { // "%%": the second one starts nothing
-        out[n++] = '%';
-        ++*written;
-    }
-    return n + taken;
+    return n;
 }
 
-void rewrite(const char *format, char *out) {
+// Whether any conversion has a width prefix: most formats have none and are used as they are.
+bool has_width_prefix(const char *format) {
+    std::size_t taken = 0;
+    while ((format = std::strchr(format, '%'))) {
+        const std::size_t n = conversion_head(format);
+        if (width_prefix(format + n, &taken)) return true;
+        format += n + (format[n] == '%'); // "%%": the second one starts nothing
+    }
+    return false;
+}
+
+// Copies a format with the prefixes respelled, which never makes it longer. Where `room` is too
+// small the copy ends before the conversion that no longer fits.
+void respell(const char *format, char *out, std::size_t room) {
     while (*format) {
-        std::size_t written = 0;
+        std::size_t n = 1;
+        std::size_t taken = 0;
+        const char *spelling = "";
         if (*format == '%') {
-            format += rewrite_conversion(format, out, &written);
-        } else {
-            *out = *format++;
-            written = 1;
+            n = conversion_head(format);
+            if (const char *found = width_prefix(format + n, &taken))
+                spelling = found;
+            else if (format[n] != 0)
+                ++n; // the conversion letter, or the second of "%%"
         }
-        out += written;
+        const std::size_t extra = std::strlen(spelling);
+        if (n + extra >= room) break;
+        std::memcpy(out, format, n);
+        std::memcpy(out + n, spelling, extra);
+        format += n + taken;
+        out += n + extra;
+        room -= n + extra;
     }
     *out = 0;
 }
 
-// A format with every width prefix respelled: the original where there is none, else in `local` or,
-// when longer, in a block.
+// A format that the C library understands: the original where it does already, else a copy. When
+// memory is short a long format is cut rather than refused, for raising may not fail.
 class Respelled {
 public:
     explicit Respelled(const char *format) : format_(format) {
-        if (!std::strchr(format, 'I')) return;
+        if (!has_width_prefix(format)) return;
         const std::size_t bytes = std::strlen(format) + 1;
-        char *out = local_;
-        if (bytes > sizeof local_) out = block_ = static_cast<char *>(ut::raw_allocate(bytes));
-        format_ = out;
-        if (out) rewrite(format, out);
+        if (bytes > sizeof local_) block_ = static_cast<char *>(ut::raw_allocate(bytes));
+        format_ = block_ ? block_ : local_;
+        if (block_)
+            respell(format, block_, bytes);
+        else
+            respell(format, local_, sizeof local_);
     }
     ~Respelled() { ut::raw_free(block_); }
     Respelled(const Respelled &) = delete;
     Respelled &operator=(const Respelled &) = delete;
-    const char *format() const { return format_; } // null if memory is short
+    const char *format() const { return format_; }
 
 private:
-    char local_[512];
+    char local_[1024];
     char *block_ = nullptr;
     const char *format_;
 };

@@ -2,6 +2,9 @@
 #include "ut.h"
 
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 size_t utf16_strlen(const utChar16 *text) {
     size_t n = 0;
@@ -11,6 +14,12 @@ size_t utf16_strlen(const utChar16 *text) {
 
 size_t utf16_strlen_lim(const utChar16 *text, size_t limit) {
     size_t n = 0;
+#if defined(__SSE2__)
+    for (; n + 8 <= limit; n += 8) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + n));
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_setzero_si128())) != 0) break;
+    }
+#endif
     while (n < limit && text[n] != 0) ++n;
     return n;
 }

@@ -6,7 +6,7 @@
 namespace {
 
 struct Status {
-    char *identifier; // owned, lower case
+    char *identifier; // owned
     int status;       // 0 recorded, 1 shown, 2 error
 };
 
@@ -29,24 +29,13 @@ namespace {
 
 constinit utWarnCtx context_object{};
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-
-// Orders a lower-case name against an identifier of any case.
-int compare(const char *name, const char *identifier) {
-    for (;; ++name, ++identifier) {
-        const int difference =
-            static_cast<unsigned char>(*name) - static_cast<unsigned char>(lower(*identifier));
-        if (difference != 0 || *name == 0) return difference;
-    }
-}
-
 // First position whose identifier is not below the one sought.
 std::size_t position(const utWarnCtx &context, const char *identifier) {
     std::size_t low = 0;
     std::size_t high = context.statuses.count;
     while (low < high) {
         const std::size_t mid = (low + high) / 2;
-        if (compare(context.statuses.items[mid].identifier, identifier) < 0)
+        if (std::strcmp(context.statuses.items[mid].identifier, identifier) < 0)
             low = mid + 1;
         else
             high = mid;
@@ -56,7 +45,7 @@ std::size_t position(const utWarnCtx &context, const char *identifier) {
 
 bool holds(const utWarnCtx &context, std::size_t k, const char *identifier) {
     return k < context.statuses.count &&
-           compare(context.statuses.items[k].identifier, identifier) == 0;
+           std::strcmp(context.statuses.items[k].identifier, identifier) == 0;
 }
 
 void forget_statuses(utWarnCtx &context) {
@@ -67,7 +56,6 @@ void forget_statuses(utWarnCtx &context) {
 bool add_status(utWarnCtx &context, std::size_t k, const char *identifier, int status) {
     char *name = ut::copy_text(identifier);
     if (!name) return false;
-    for (char *c = name; *c; ++c) *c = lower(*c);
     if (!context.statuses.append({name, status})) {
         ut::raw_free(name);
         return false;
@@ -136,7 +124,7 @@ int utGetWarningStatus(utWarnCtx *context, const char *identifier) {
 bool utSetWarningStatus(utWarnCtx *context, const char *identifier, int status) {
     if (status < UT_WARNING_RECORDED || status > UT_WARNING_ERROR) return false;
     identifier = text_or_empty(identifier);
-    if (compare("all", identifier) == 0) {
+    if (std::strcmp(identifier, "all") == 0) {
         forget_statuses(*context);
         context->default_status = status;
     } else if (const std::size_t k = position(*context, identifier);

@@ -1,0 +1,221 @@
+// Text: the three kinds of code page, malformed input, capacities, and ASCII by the fast and the
+// slow path.
+#include "ut.hpp"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <random>
+#include <thread>
+#include <unicode/ucnv.h>
+
+namespace {
+
+struct PinnedCodePage {
+    explicit PinnedCodePage(const char *name) { EXPECT_TRUE(utSetLocalCodePage(name)) << name; }
+    ~PinnedCodePage() { utSetLocalCodePage(nullptr); }
+};
+
+std::u16string to_units(const std::string &bytes, int32_t capacity = 256) {
+    std::u16string units(static_cast<std::size_t>(capacity) + 1, u'#');
+    int32_t n = capacity;
+    lcp_to_utf16_n(units.data(), &n, bytes.data(), static_cast<int32_t>(bytes.size()));
+    EXPECT_EQ(units[static_cast<std::size_t>(capacity)], u'#') << "wrote beyond the capacity";
+    units.resize(static_cast<std::size_t>(std::min(n, capacity)));
+    return units;
+}
+
+std::string to_bytes(const std::u16string &units, int32_t capacity = 256) {
+    std::string bytes(static_cast<std::size_t>(capacity) + 1, '#');
+    int32_t n = capacity;
+    utf16_to_lcp_n(bytes.data(), &n, units.data(), static_cast<int32_t>(units.size()));
+    EXPECT_EQ(bytes[static_cast<std::size_t>(capacity)], '#') << "wrote beyond the capacity";
+    bytes.resize(static_cast<std::size_t>(std::min(n, capacity)));
+    return bytes;
+}
+
+TEST(Encoding, LocalCodePagesConvertBothWays) {
+    const struct {
+        const char *page;
+        std::string bytes;
+        std::u16string units;
+    } rows[] = {
+        {"UTF-8", "hello", u"hello"},
+        {"UTF-8", "na\xc3\xafve \xe2\x82\xac \xf0\x9f\x98\x80", u"na\u00efve \u20ac \U0001F600"},
+        {"UTF-8", std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
+        {"ISO-8859-1", "na\xefve", u"na\u00efve"},
+        {"ISO-8859-1", "\xff\x80 plain", u"\u00ff\u0080 plain"},
+        {"Shift_JIS", "\x93\xfa\x96\x7b", u"\u65e5\u672c"},
+        {"Shift_JIS", "abc\x83\x5c~", u"abc\u30bd~"}, // a trail byte that is ASCII '\\'
+        {"Shift_JIS", "\xb1 x", u"\uff71 x"},
+    };
+    for (const auto &row : rows) {
+        const PinnedCodePage pinned(row.page);
+        EXPECT_EQ(to_units(row.bytes), row.units) << row.page << ": " << row.bytes;
+        EXPECT_EQ(to_bytes(row.units), row.bytes) << row.page << ": " << row.bytes;
+    }
+}
+
+TEST(Encoding, MalformedInputIsReplacedNeverLost) {
+    const struct {
+        const char *page;
+        std::string bytes;
+        std::u16string units;
+    } rows[] = {
+        {"UTF-8",
+         "a\xff"
+         "b",
+         u"a\ufffdb"},
+        {"UTF-8", "ab\xe2\x82", u"ab\ufffd"},             // ends within a character
+        {"UTF-8", "\xed\xa0\x80", u"\ufffd\ufffd\ufffd"}, // an encoded surrogate
+        {"UTF-8", "\xc0\xaf!", u"\ufffd\ufffd!"},         // longer than needed
+        {"Shift_JIS", "x\x83", u"x\u001a"}, // a single bad byte: that converter's own substitute
+    };
+    for (const auto &row : rows) {
+        const PinnedCodePage pinned(row.page);
+        EXPECT_EQ(to_units(row.bytes), row.units) << row.page << ": " << row.bytes;
+    }
+    const PinnedCodePage utf8("UTF-8");
+    EXPECT_EQ(to_bytes(std::u16string{u'a', 0xD800, u'b'}), "a\xef\xbf\xbd"
+                                                            "b");
+    const PinnedCodePage latin("ISO-8859-1");
+    EXPECT_EQ(to_bytes(u"a\u20acb"), "a\x1a"
+                                     "b"); // the code page's substitute
+}
+
+TEST(Encoding, AnswersWhatTheWholeInputNeedsAndFillsWhatFits) {
+    const PinnedCodePage pinned("UTF-8");
+    for (const std::string &text :
+         {std::string("plain ascii text of some length"), std::string("\xc3\xa4\xc3\xb6 umlauts")})
+        for (int32_t capacity : {0, 1, 3, 9}) {
+            const std::u16string whole = to_units(text);
+            EXPECT_EQ(to_units(text, capacity),
+                      whole.substr(0, static_cast<std::size_t>(capacity)));
+            int32_t n = capacity;
+            char16_t units[9];
+            lcp_to_utf16_n(capacity ? units : nullptr, &n, text.data(),
+                           static_cast<int32_t>(text.size()));
+            EXPECT_EQ(n, static_cast<int32_t>(whole.size()));
+            n = 0;
+            utf16_to_lcp_n(nullptr, &n, whole.data(), static_cast<int32_t>(whole.size()));
+            EXPECT_EQ(n, static_cast<int32_t>(text.size()));
+        }
+    int32_t n = 5;
+    lcp_to_utf16_n(nullptr, &n, nullptr, 0);
+    EXPECT_EQ(n, 0);
+    char16_t unit;
+    n = 1;
+    utf8_to_utf16_n(&unit, &n, "\xc3\xa4", 2);
+    EXPECT_EQ(unit, u'\u00e4');
+    EXPECT_EQ(n, 1);
+}
+
+// Texts of every length around the step of the fast path, with at most one non-ASCII character at
+// every place: the answers are ICU's own.
+TEST(Encoding, FastPathEqualsIcu) {
+    for (const char *page : {"UTF-8", "ISO-8859-1", "Shift_JIS"}) {
+        const PinnedCodePage pinned(page);
+        UErrorCode status = U_ZERO_ERROR;
+        UConverter *icu = ucnv_open(page, &status);
+        ASSERT_TRUE(U_SUCCESS(status));
+        std::mt19937 rng(3);
+        for (std::size_t n = 0; n < 50; ++n)
+            for (std::size_t odd = 0; odd <= n; ++odd) {
+                std::string bytes;
+                for (std::size_t k = 0; k < n; ++k)
+                    bytes += static_cast<char>(k == odd ? 0x80 + rng() % 128 : rng() % 128);
+                char16_t expected[128];
+                status = U_ZERO_ERROR;
+                const int32_t count = ucnv_toUChars(icu, expected, 128, bytes.data(),
+                                                    static_cast<int32_t>(n), &status);
+                const std::u16string units(expected, static_cast<std::size_t>(count));
+                ASSERT_EQ(to_units(bytes), units) << page << " length " << n << " odd at " << odd;
+                char back[256];
+                status = U_ZERO_ERROR;
+                const int32_t length =
+                    ucnv_fromUChars(icu, back, 256, units.data(), count, &status);
+                ASSERT_EQ(to_bytes(units), std::string(back, static_cast<std::size_t>(length)))
+                    << page;
+            }
+        ucnv_close(icu);
+    }
+}
+
+TEST(Encoding, OnlyTrueSupersetsOfAsciiAreCopied) {
+    for (const char *name : {"UTF-8", "ISO-8859-1", "EUC-JP", "windows-1252"})
+        EXPECT_TRUE(utIsAsciiSuperset(name)) << name;
+    // Shift_JIS exchanges three control codes.
+    for (const char *name : {"Shift_JIS", "UTF-16", "UTF-16LE", "UTF-32", "UTF-7", "ISO-2022-JP",
+                             "HZ", "ibm-37", "no such encoding"})
+        EXPECT_FALSE(utIsAsciiSuperset(name)) << name;
+}
+
+TEST(Encoding, PinningRefusesUnknownNamesAndReachesEveryThread) {
+    const PinnedCodePage pinned("ISO-8859-1");
+    EXPECT_FALSE(utSetLocalCodePage("no such encoding"));
+    EXPECT_STREQ(utGetLocalCodePage(), "ISO-8859-1");
+    EXPECT_EQ(to_units("\xe4"), u"\u00e4");
+    UConverter *mine = utGetConverter("UTF-8");
+    UConverter *theirs = nullptr;
+    std::u16string units;
+    std::thread([&] {
+        theirs = utGetConverter("UTF-8");
+        units = to_units("\xe4");
+    }).join();
+    EXPECT_EQ(units, u"\u00e4");
+    EXPECT_NE(mine, theirs);
+    EXPECT_EQ(utGetConverter("UTF-8"), mine);
+    EXPECT_EQ(utGetConverter("no such encoding"), nullptr);
+}
+
+TEST(Encoding, ConverterIsHandedOutReset) {
+    UErrorCode status = U_ZERO_ERROR;
+    UConverter *converter = utGetConverter("UTF-8");
+    const char *half = "\xe2\x82";
+    char16_t units[4];
+    char16_t *target = units;
+    ucnv_toUnicode(converter, &target, units + 4, &half, half + 2, nullptr, false, &status);
+    const char *text = "ab";
+    EXPECT_EQ(ucnv_getNextUChar(utGetConverter("UTF-8"), &text, text + 2, &status), UChar32{'a'});
+}
+
+TEST(Encoding, OutputConverterKnowsItsLengthAndItsPlace) {
+    const PinnedCodePage pinned("UTF-8");
+    for (std::size_t n : {std::size_t{0}, std::size_t{5}, std::size_t{511}, std::size_t{512},
+                          std::size_t{1024}, std::size_t{1025}, std::size_t{5000}})
+        for (char16_t unit : {u'a', u'\u00e4'})
+            for (const char *encoding :
+                 {static_cast<const char *>(nullptr), "UTF-8", "ISO-8859-1", "no such encoding"}) {
+                const std::u16string units(n, unit);
+                const ut::utf16_out out(units.data(), static_cast<int32_t>(n), encoding);
+                const bool latin = encoding && std::strcmp(encoding, "ISO-8859-1") == 0;
+                const std::string one = unit == u'a' ? "a" : latin ? "\xe4" : "\xc3\xa4";
+                ASSERT_EQ(out.length(), n * one.size());
+                EXPECT_EQ(out.is_inline(), out.length() <= 1024);
+                EXPECT_EQ(out.data() != nullptr, out.is_inline());
+                std::string text = "> ";
+                out.append_to(text);
+                std::string expected = "> ";
+                for (std::size_t k = 0; k < n; ++k) expected += one;
+                EXPECT_EQ(text, expected);
+            }
+}
+
+TEST(Utf16, HelpersStopAtTheNulUnit) {
+    std::u16string text(40, u'x');
+    for (std::size_t n = 0; n < 40; ++n) {
+        std::u16string cut = text;
+        cut[n] = 0;
+        EXPECT_EQ(utf16_strlen(cut.data()), n);
+        for (std::size_t limit : {std::size_t{0}, n, n + 1, std::size_t{40}})
+            EXPECT_EQ(utf16_strlen_lim(cut.data(), limit), std::min(n, limit));
+        std::u16string copy(42, u'#');
+        EXPECT_EQ(utf16_strncpy(copy.data(), cut.data(), 20), copy.data());
+        EXPECT_EQ(copy, cut.substr(0, std::min<std::size_t>(n + 1, 20)) +
+                            std::u16string(42 - std::min<std::size_t>(n + 1, 20), u'#'));
+        utf16_strcpy(copy.data(), cut.data());
+        EXPECT_EQ(copy.substr(0, n + 1), cut.substr(0, n + 1));
+    }
+    EXPECT_EQ(utf16_strlen_lim(nullptr, 0), 0u);
+}
+
+} // namespace

@@ -1,0 +1,110 @@
+// Formatting with the width prefixes, printing to a sink, lower-case copies, Fortran strings.
+#include "ut.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+std::string format(const char *text, ...) {
+    char buffer[4096];
+    va_list arguments;
+    va_start(arguments, text);
+    const int n = utVSNprintf(buffer, sizeof buffer, text, arguments);
+    va_end(arguments);
+    EXPECT_EQ(n, static_cast<int>(std::strlen(buffer)));
+    return buffer;
+}
+
+constexpr std::size_t wide = (std::size_t{1} << 32) + 7; // a 32-bit reading prints 7
+
+TEST(Format, WidthPrefixesTakeTheirWholeArgument) {
+    const std::string ones(2000, '1');
+    EXPECT_EQ(format("%Iu", wide), "4294967303");
+    EXPECT_EQ(format("%Id,%Ix,%IX,%Io", -wide, wide, wide, wide),
+              "-4294967303,100000007,100000007,40000000007");
+    EXPECT_EQ(format("%I64d|%I64u|%I64i", -5LL, ~0ULL, 5LL), "-5|18446744073709551615|5");
+    EXPECT_EQ(format("%I32d %I32u", -5, 4000000000u), "-5 4000000000");
+    EXPECT_EQ(format("[%-12Iu][%012Iu][%+I64d][%#Ix]", wide, wide, 3LL, wide),
+              "[4294967303  ][004294967303][+3][0x100000007]");
+    EXPECT_EQ(format("[%*Iu][%.*I64d][%5.3I32d]", 12, wide, 4, 7LL, 7),
+              "[  4294967303][0007][  007]");
+    EXPECT_EQ(format("%s of %Iu: %d %c %g", "end", wide, 1, 'x', 2.5),
+              "end of 4294967303: 1 x 2.5");
+    EXPECT_EQ(format((ones + "%Iu%s").c_str(), wide, "!"), ones + "4294967303!");
+}
+
+TEST(Format, WhatIsNoWidthPrefixStaysAsItIs) {
+    EXPECT_EQ(format("%%Iu 100%% I64d Iu", 1), "%Iu 100% I64d Iu");
+    EXPECT_EQ(format("%%%Iu%%", wide), "%4294967303%");
+    EXPECT_EQ(format("%s%s", "I", "%Iu"), "I%Iu");
+    EXPECT_EQ(format("%cIu %dId", 'a', 1), "aIu 1Id");
+}
+
+TEST(Format, CutsTerminatesAndAnswersTheWholeLength) {
+    char buffer[6] = "?????";
+    EXPECT_EQ(utSNprintf(buffer, 4, "%Iu", wide), 10);
+    EXPECT_STREQ(buffer, "429");
+    EXPECT_EQ(utSNprintf(buffer, 1, "abc"), 3);
+    EXPECT_STREQ(buffer, "");
+    buffer[0] = '?';
+    EXPECT_EQ(utSNprintf(buffer, 0, "abc"), 3);
+    EXPECT_EQ(buffer[0], '?');
+}
+
+TEST(Format, LongFormatIsCutNotRefusedWhenMemoryIsShort) {
+    const std::string long_format = std::string(1020, 'a') + "%-3Iu end";
+    utSetAllocationFault([] { return true; });
+    char buffer[2048];
+    const int n = utSNprintf(buffer, sizeof buffer, long_format.c_str(), wide);
+    utSetAllocationFault(nullptr);
+    EXPECT_EQ(n, 1020);
+    EXPECT_EQ(std::string(buffer), std::string(1020, 'a'));
+}
+
+std::string printed;
+
+TEST(Format, PrintfGoesToTheSinkWhole) {
+    const utPrintSink previous =
+        utSetPrintSink([](const char *text, size_t n) { printed.append(text, n); });
+    printed.clear();
+    EXPECT_EQ(utPrintf("%Iu %s\n", wide, "x"), 13);
+    const std::string large(5000, 'y');
+    EXPECT_EQ(utPrintf("%s|", large.c_str()), 5001);
+    EXPECT_EQ(printed, "4294967303 x\n" + large + "|");
+    utSetPrintSink(previous);
+}
+
+TEST(Format, LowerCaseCopyCutsAndLowersAsciiOnly) {
+    char buffer[8];
+    EXPECT_STREQ(utLowerCaseCopy(buffer, "AZaz@[\xc4", 8), "azaz@[\xc4");
+    EXPECT_STREQ(utLowerCaseCopy(buffer, "FNOMEM_ox", 4), "fno");
+    EXPECT_STREQ(utLowerCaseCopy(buffer, "X", 1), "");
+    buffer[0] = '!';
+    utLowerCaseCopy(buffer, "abc", 0);
+    EXPECT_EQ(buffer[0], '!');
+}
+
+TEST(FortranText, TrailingBlanksGoAndComeBack) {
+    const struct {
+        std::string fortran, text;
+    } rows[] = {{"abc   ", "abc"}, {"  a b ", "  a b"}, {"    ", ""}, {"", ""}, {"ab", "ab"}};
+    const std::size_t before = utLiveBlocks();
+    for (const auto &row : rows) {
+        char *text = utF2cstr(row.fortran.data(), row.fortran.size());
+        EXPECT_EQ(text, row.text);
+        std::string back(row.fortran.size(), '#');
+        utC2fstr(text, back.data(), back.size());
+        EXPECT_EQ(back, row.fortran);
+        utFree(text);
+    }
+    EXPECT_EQ(utLiveBlocks(), before);
+    char cut[3];
+    utC2fstr("abcdef", cut, 3);
+    EXPECT_EQ(std::string(cut, 3), "abc");
+    utC2fstr(nullptr, cut, 2);
+    EXPECT_EQ(std::string(cut, 3), "  c");
+}
+
+} // namespace

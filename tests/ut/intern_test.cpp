@@ -1,0 +1,109 @@
+// Interning and the pointer map, against the standard containers.
+#include "ut.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <string>
+
+namespace {
+
+TEST(Intern, EqualTextsAreOnePointerAndDifferentOnesAreNot) {
+    std::mt19937 rng(11);
+    std::map<std::string, const char *> known;
+    for (int step = 0; step < 30000; ++step) {
+        // Short alphabets and all lengths up to 40: many equal, and many that differ in one place.
+        std::string text(rng() % (step % 3 ? 5 : 41), 'a');
+        for (char &c : text) c = static_cast<char>('a' + rng() % 3);
+        const char *interned = ut_symtab_add(text.c_str());
+        ASSERT_NE(interned, nullptr);
+        ASSERT_EQ(interned, text);
+        const auto [entry, added] = known.emplace(text, interned);
+        ASSERT_EQ(entry->second, interned) << text;
+    }
+    for (const auto &[text, interned] : known) EXPECT_EQ(ut_symtab_add(text.c_str()), interned);
+}
+
+TEST(Intern, TheTwoTablesAreSeparateAndLongTextsFit) {
+    EXPECT_NE(ut_symtab_add("name"), ut_namehash_add("name"));
+    EXPECT_EQ(ut_namehash_add("name"), ut_namehash_add(std::string("name").c_str()));
+    const std::string longer(100000, 'x');
+    EXPECT_EQ(ut_symtab_add(longer.c_str()), longer);
+    EXPECT_EQ(ut_symtab_add(longer.c_str()), ut_symtab_add(longer.c_str()));
+}
+
+TEST(Intern, LackOfMemoryIsNullAndLeavesTheTableWhole) {
+    const char *known = ut_symtab_add("known before");
+    utSetAllocationFault([] { return true; });
+    EXPECT_EQ(ut_symtab_add("known before"), known);
+    EXPECT_EQ(ut_symtab_add(std::string(50000, 'q').c_str()), nullptr);
+    utSetAllocationFault(nullptr);
+    EXPECT_NE(ut_symtab_add(std::string(50000, 'q').c_str()), nullptr);
+}
+
+TEST(GHash, RandomWalkAgreesWithAMap) {
+    std::mt19937 rng(5);
+    for (double lo : {0.0, 0.1, 0.4}) {
+        ut_ghash *table = ut_new_ghash_table(4, 8, 4, lo, 0.8);
+        std::map<const void *, int32_t> model;
+        static const char place[4000] = {};
+        for (int step = 0; step < 60000; ++step) {
+            // Neighbouring keys collide; the range grows and shrinks the table several times.
+            const void *key = place + rng() % (step / 10000 % 2 ? 60u : 4000u);
+            const bool known = model.count(key) > 0;
+            int32_t value = -1;
+            switch (rng() % 4) {
+            case 0:
+                ASSERT_EQ(ut_ghash_insert(table, key, step), !known);
+                if (!known) model[key] = step;
+                break;
+            case 1:
+                ASSERT_EQ(ut_ghash_replace(table, key, step), known);
+                if (known) model[key] = step;
+                break;
+            case 2:
+                ASSERT_EQ(ut_ghash_remove_element(table, key), known);
+                model.erase(key);
+                break;
+            default:
+                ASSERT_EQ(ut_ghash_query(table, key, &value), known);
+                ASSERT_EQ(value, known ? model[key] : -1);
+            }
+            ASSERT_EQ(ut_ghash_count(table), model.size());
+        }
+        for (const auto &[key, expected] : model) {
+            int32_t value = -1;
+            EXPECT_TRUE(ut_ghash_query(table, key, &value) && value == expected);
+        }
+        ut_delete_ghash_table(table);
+    }
+}
+
+TEST(GHash, RefusesOddShapesAndLackOfMemory) {
+    EXPECT_EQ(ut_new_ghash_table(64, 4, 4, 0.1, 0.8), nullptr);
+    EXPECT_EQ(ut_new_ghash_table(64, 8, 8, 0.1, 0.8), nullptr);
+    ut_delete_ghash_table(nullptr);
+    static int countdown;
+    for (int n = 0; n < 2; ++n) {
+        countdown = n;
+        utSetAllocationFault([] { return countdown-- == 0; });
+        EXPECT_EQ(ut_new_ghash_table(64, 8, 4, 0.1, 0.8), nullptr);
+        utSetAllocationFault(nullptr);
+    }
+    ut_ghash *table =
+        ut_new_ghash_table(0, 8, 4, 0.1, 5.0);       // the load stays below one all the same
+    EXPECT_TRUE(ut_ghash_insert(table, nullptr, 1)); // null is a key like any other
+    static const char place[100] = {};
+    int inserted = 0;
+    utSetAllocationFault([] { return true; });
+    while (inserted < 100 && ut_ghash_insert(table, place + inserted, inserted)) ++inserted;
+    utSetAllocationFault(nullptr);
+    EXPECT_LT(inserted, 100);
+    for (int k = 0; k < inserted; ++k) EXPECT_TRUE(ut_ghash_query(table, place + k, nullptr));
+    EXPECT_FALSE(ut_ghash_query(table, place + inserted, nullptr));
+    EXPECT_TRUE(ut_ghash_insert(table, place + inserted, 0));
+    ut_delete_ghash_table(table);
+}
+
+} // namespace

@@ -1,0 +1,197 @@
+// The message catalogue, ut_error, the exception under lack of memory, protected items, memory,
+// FPU.
+#include "ut.hpp"
+
+#include <cfenv>
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+template<class F> ut::simple_exception caught(F &&raise) {
+    try {
+        raise();
+    } catch (const ut::simple_exception &error) {
+        return error;
+    }
+    ADD_FAILURE() << "nothing was raised";
+    return {"", ""};
+}
+
+TEST(Messages, BuiltInTextsAreRaisedUnderTheirIdentifiers) {
+    const auto sparse = caught([] { ut_error(0x360001, "compat32", 41, "oxSetIr_700"); });
+    EXPECT_STREQ(sparse.identifier(), "VELTRO:matrix:ERR_SPARSE_64BIT_OBSOLETE");
+    const std::string text = sparse.message();
+    EXPECT_EQ(
+        text.rfind(
+            "64-bit vex files using sparse matrices must be rebuilt with the \"-largeArrayDims\"",
+            0),
+        0u);
+    EXPECT_NE(text.find("oxSetIr_700"), std::string::npos);
+    const std::string ending = "release notes for more details.";
+    EXPECT_EQ(text.substr(text.size() - ending.size()), ending);
+    const char *file;
+    int line;
+    utGetLastErrorPlace(&file, &line);
+    EXPECT_STREQ(file, "compat32");
+    EXPECT_EQ(line, 41);
+
+    const auto obsolete = caught([] {
+        ut_error(UT_MSG_FUNCTION_OBSOLETE, "f", 1, "OXCREATEFULL", "OXCREATEDOUBLEMATRIX",
+                 ut_get_message(UT_MSG_OXCREATEFULL_OBSOLETE));
+    });
+    EXPECT_STREQ(
+        obsolete.what(),
+        "The function OXCREATEFULL is obsolete. A vex file or Dravon S-function that calls it "
+        "must call OXCREATEDOUBLEMATRIX instead. A Fortran Dravon S-function that does not "
+        "call OXCREATEFULL is to be recompiled in the current release.");
+    EXPECT_STREQ(ut_get_message(UT_MSG_NON_SCALAR_FUNCTION_HANDLES),
+                 "Nonscalar arrays of function handles are not allowed; use cell arrays instead.");
+}
+
+TEST(Messages, TablesCanBeAddedAndUnknownCodesHaveATextToo) {
+    static const utMessage rows[] = {{77, "vel", "BadPage", "Page %Iu of \"%s\" is missing."},
+                                     {0x360001, "vel", "Late", ""}};
+    ASSERT_TRUE(ut_mem_add_primary_message_table(rows, 2));
+    const auto error = caught([] { ut_error(77, nullptr, 0, (std::size_t{1} << 32) + 1, "log"); });
+    EXPECT_STREQ(error.identifier(), "VELTRO:vel:BadPage");
+    EXPECT_STREQ(error.message(), "Page 4294967297 of \"log\" is missing.");
+    EXPECT_STREQ(ut_get_message_component(0x360001), "matrix"); // the first registration wins
+    EXPECT_STRNE(ut_get_message(-1), "");
+    EXPECT_STRNE(ut_get_message_mnemonic(-1), "");
+}
+
+TEST(Messages, RegisteredRaiserGetsEveryError) {
+    utSetErrorRaiser([](const char *identifier, const char *message) {
+        throw std::runtime_error(std::string(identifier) + " / " + message);
+    });
+    try {
+        ut_error(UT_MSG_NON_SCALAR_FUNCTION_HANDLES, "", 0);
+    } catch (const std::runtime_error &error) {
+        EXPECT_EQ(std::string(error.what())
+                      .rfind("VELTRO:matrix:ERR_NON_SCALAR_FUNCTION_HANDLES / Nonscalar", 0),
+                  0u);
+    }
+    utSetErrorRaiser([](const char *, const char *) {}); // one that returns changes nothing
+    caught([] { ut_error(UT_MSG_NON_SCALAR_FUNCTION_HANDLES, "", 0); });
+    utSetErrorRaiser(nullptr);
+}
+
+TEST(Exception, CopiesShareTheirTextsAndOutliveTheOriginal) {
+    auto original = std::make_unique<ut::simple_exception>("id", "message");
+    ut::simple_exception copy = *original;
+    ut::simple_exception other("x", "y");
+    EXPECT_EQ(copy.message(), original->message());
+    other = copy;
+    other = *&other;
+    original.reset();
+    EXPECT_STREQ(copy.identifier(), "id");
+    EXPECT_STREQ(other.what(), "message");
+    EXPECT_STREQ(ut::simple_exception(nullptr, nullptr).message(), "");
+}
+
+TEST(Exception, IsMadeWithoutMemoryToo) {
+    utSetAllocationFault([] { return true; });
+    const std::string long_text(9000, 'm');
+    {
+        const auto first =
+            caught([] { throw ut::simple_exception("VELTRO:nomem", "Out of memory."); });
+        EXPECT_STREQ(first.identifier(), "VELTRO:nomem");
+        EXPECT_STREQ(first.message(), "Out of memory.");
+        // More at once than there are reserves: each is made, the early ones keep their texts.
+        std::vector<std::unique_ptr<ut::simple_exception>> more;
+        for (int k = 0; k < 8; ++k)
+            more.push_back(std::make_unique<ut::simple_exception>(std::to_string(k).c_str(),
+                                                                  long_text.c_str()));
+        EXPECT_STREQ(first.message(), "Out of memory.");
+        EXPECT_STREQ(more[0]->identifier(), "0");
+        EXPECT_STREQ(more[1]->identifier(), "1");
+        EXPECT_GT(std::strlen(more[0]->message()), 3000u);
+    }
+    const ut::simple_exception after("again", "free reserve"); // all were given back
+    EXPECT_STREQ(after.message(), "free reserve");
+    utSetAllocationFault(nullptr);
+}
+
+std::vector<int> cleaned;
+void clean(void *data) { cleaned.push_back(*static_cast<int *>(data)); }
+
+TEST(ErrorContext, CleansUpLastFirstAlsoPastOneThatThrows) {
+    utErrorContext *context = utGetErrorContext();
+    int one = 1, two = 2, three = 3, four = 4;
+    cleaned.clear();
+    EXPECT_TRUE(ut_protect(context, clean, &one));
+    EXPECT_TRUE(ut_protect(context, clean, &two));
+    EXPECT_TRUE(ut_protect(
+        context, [](void *) { throw 7; }, &three));
+    EXPECT_TRUE(ut_protect(context, clean, &four));
+    EXPECT_TRUE(ut_unprotect(context, &two));
+    EXPECT_FALSE(ut_unprotect(context, &two));
+    EXPECT_THROW(ut_cleanup_protected_items(context), int);
+    EXPECT_EQ(cleaned, (std::vector<int>{4, 1}));
+    ut_cleanup_protected_items(context); // the list is empty now
+    EXPECT_EQ(cleaned.size(), 2u);
+}
+
+TEST(Memory, FollowsItsContract) {
+    const std::size_t before = utLiveBlocks();
+    EXPECT_EQ(utCalloc(SIZE_MAX / 2, 3), nullptr);
+    auto *block = static_cast<unsigned char *>(utCalloc(10, 10));
+    EXPECT_EQ(block[99], 0);
+    block[99] = 9;
+    block = static_cast<unsigned char *>(utRealloc(block, 5000));
+    EXPECT_EQ(block[99], 9);
+    EXPECT_EQ(utLiveBlocks(), before + 1);
+    utSetAllocationFault([] { return true; });
+    EXPECT_EQ(utRealloc(block, 9000), nullptr);
+    EXPECT_EQ(utMalloc(1), nullptr);
+    EXPECT_EQ(utCalloc(1, 1), nullptr);
+    EXPECT_EQ(utRealloc(nullptr, 1), nullptr);
+    static int asked = 0;
+    utSetOutOfMemoryListener([] { ++asked; });
+    EXPECT_EQ(utF2cstr("ab", 2), nullptr);
+    EXPECT_EQ(asked, 1); // by the checked allocation only
+    utSetOutOfMemoryListener(nullptr);
+    utSetAllocationFault(nullptr);
+    EXPECT_EQ(block[99], 9);
+    EXPECT_EQ(utRealloc(block, 0), nullptr); // frees
+    EXPECT_EQ(utLiveBlocks(), before);
+}
+
+TEST(Numbers, RoundingAndFiniteness) {
+    const double inf = utGetInf();
+    const struct {
+        double x, rounded, floor, ceil;
+    } rows[] = {{0.5, 1, 0, 1},
+                {-0.5, -1, -1, -0.0},
+                {2.5, 3, 2, 3},
+                {-2.5, -3, -3, -2},
+                {0.49999999999999994, 0, 0, 1},
+                {4503599627370497.0, 4503599627370497.0, 4503599627370497.0, 4503599627370497.0},
+                {inf, inf, inf, inf}};
+    for (const auto &row : rows) {
+        EXPECT_EQ(utDoubleScalarRound(row.x), row.rounded) << row.x;
+        EXPECT_EQ(utFdlibm_floor(row.x), row.floor) << row.x;
+        EXPECT_EQ(utFdlibm_ceil(row.x), row.ceil) << row.x;
+    }
+    EXPECT_TRUE(std::isnan(utDoubleScalarRound(utGetNaN())));
+    EXPECT_TRUE(std::signbit(utDoubleScalarRound(-0.0)));
+    for (double x : {utGetNaN(), inf, -inf}) EXPECT_FALSE(utFinite(x));
+    for (double x : {0.0, -1e308, 5e-324}) EXPECT_TRUE(utFinite(x));
+    EXPECT_EQ(1.0f + utGetSingleEps(), std::nextafter(1.0f, 2.0f));
+    EXPECT_EQ(1.0 + utGetEps(), std::nextafter(1.0, 2.0));
+}
+
+TEST(Numbers, ResetFpuClearsFlagsAndRounding) {
+    std::fesetround(FE_UPWARD);
+    std::feraiseexcept(FE_DIVBYZERO | FE_OVERFLOW);
+    utResetFPU();
+    EXPECT_EQ(std::fegetround(), FE_TONEAREST);
+    EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), 0);
+}
+
+} // namespace
