@@ -1,5 +1,6 @@
 // Failing allocations and the sweep.
 #include <core/array_list.h>
+#include <core/check_header.h>
 #include <core/ring.h>
 #include <support/array_text.h>
 #include <support/faults.h>
@@ -137,6 +138,8 @@ bool strike(const Sweep &s, Host host, const Arrays &in, std::size_t n,
     Contexts contexts;
     const Outcome again = attempt(s, in);
     EXPECT_TRUE(again.succeeded) << "the next call: " << again.what;
+    const int rule = again.result ? check_header(again.result, CheckDepth::storage) : 0;
+    EXPECT_EQ(rule, 0) << rule_text(rule);
     if (bare) oxDestroyArray(again.result);
     return true;
 }

@@ -1,6 +1,7 @@
 // Fixtures: installing managers, entering and leaving contexts, counting what is alive.
 #include <core/alloc.h>
 #include <core/array_list.h>
+#include <core/check_header.h>
 #include <core/startup.h>
 #include <errors/raise.h>
 #include <errors/warn.h>
@@ -59,7 +60,16 @@ void HostTest::SetUp() {
     oxEnterNewAllocListContext();
 }
 
+namespace {
+
+void expect_well_formed(oxArray *a) {
+    EXPECT_STREQ(rule_text(check_header(a, CheckDepth::header)), "well formed");
+}
+
+} // namespace
+
 void HostTest::TearDown() {
+    oxApplyToAllArraysOnArrayList(expect_well_formed);
     oxExitArrayListContext(0, nullptr, 0, true);
     oxFreeAllocListContext();
     oxRestorePreviousAllocListContext(0);

@@ -35,7 +35,8 @@ void install_managers();
 // every warning shown.
 void reset_library();
 
-// The managers are installed and contexts are entered; at the end nothing may be alive.
+// The managers are installed and contexts are entered; at the end what is still listed must be well
+// formed, and once the contexts are left nothing may be alive.
 class HostTest : public testing::Test {
 protected:
     void SetUp() override;
