@@ -14,7 +14,10 @@ constexpr kwSize pick(kwSize normal, kwSize) { return normal; }
 // Results of at least this many bytes are written past the caches.
 inline constexpr kwSize stream_min_bytes = pick(kwSize{8} << 20, 256);
 
-inline constexpr kwSize convert_block = pick(2048, 4);   // elements of one conversion step
+// Bytes of one conversion step. Reading, and streaming past the caches, alternate step by step;
+// short steps overlap better.
+inline constexpr kwSize convert_block = pick(4096, 32);
+
 inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
 inline constexpr kwSize compare_block = pick(512, 2);    // elements compared before the first look
 

@@ -15,11 +15,6 @@ namespace {
 
 using Byte = unsigned char;
 
-// A block is small enough that a second look at it, and a copy out of a buffer of its size, finds
-// it in the first-level cache.
-constexpr kwSize block_elements = tuning::convert_block;
-constexpr kwSize widest = 8; // bytes of an element
-
 class Conversion {
 public:
     Conversion(int dst_class, int src_class, kwSize n)
@@ -27,7 +22,8 @@ public:
                                                 : vector_kernel(dst_class, src_class)),
           dst_class_(dst_class), src_class_(src_class),
           dst_size_(class_info(dst_class).element_size),
-          src_size_(class_info(src_class).element_size) {}
+          src_size_(class_info(src_class).element_size),
+          block_(tuning::convert_block / std::max<kwSize>({dst_size_, src_size_, 1})) {}
 
     explicit operator bool() const { return kernel_ != nullptr; }
 
@@ -35,8 +31,8 @@ public:
     bool run(Byte *dst, const Byte *src, kwSize n) {
         wanted_ = shown_conversion_warnings();
         if (n * dst_size_ >= tuning::stream_min_bytes) return run_past_caches(dst, src, n);
-        for (kwSize i = 0; i < n; i += block_elements)
-            if (!step(dst + i * dst_size_, src + i * src_size_, std::min(block_elements, n - i)))
+        for (kwSize i = 0; i < n; i += block_)
+            if (!step(dst + i * dst_size_, src + i * src_size_, std::min(block_, n - i)))
                 return false;
         return true;
     }
@@ -50,10 +46,10 @@ private:
     }
 
     bool run_past_caches(Byte *dst, const Byte *src, kwSize n) {
-        alignas(64) Byte buffer[block_elements * widest];
+        alignas(64) Byte buffer[tuning::convert_block];
         bool ok = true;
-        for (kwSize i = 0; ok && i < n; i += block_elements) {
-            const kwSize count = std::min(block_elements, n - i);
+        for (kwSize i = 0; ok && i < n; i += block_) {
+            const kwSize count = std::min(block_, n - i);
             ok = step(buffer, src + i * src_size_, count);
             if (ok)
                 stream_copy(dst + i * dst_size_, buffer, count * dst_size_);
@@ -84,7 +80,10 @@ private:
     ConvertKernel kernel_;
     int dst_class_, src_class_;
     kwSize dst_size_, src_size_; // bytes of an element
-    uint32_t wanted_ = 0;        // kinds that are still to be warned of
+    // Elements of one step, few enough that a second look at them, and a copy out of a buffer,
+    // finds them in the first-level cache.
+    kwSize block_;
+    uint32_t wanted_ = 0; // kinds that are still to be warned of
 };
 
 } // namespace

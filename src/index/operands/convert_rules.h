@@ -10,13 +10,11 @@
 
 namespace ox {
 
-// What a conversion noticed, as bits.
-enum ConvertKind : uint32_t {
-    kind_nan = 1,        // NaN became 0
-    kind_overflow = 2,   // saturated
-    kind_rounded = 4,    // not an integer
-    kind_nan_logical = 8 // NaN to logical: an error, the kernel stopped before the element
-};
+// What a conversion noticed, as bits; one element shows at most one kind.
+inline constexpr uint32_t kind_nan = 1;         // NaN became 0
+inline constexpr uint32_t kind_overflow = 2;    // saturated
+inline constexpr uint32_t kind_rounded = 4;     // not an integer
+inline constexpr uint32_t kind_nan_logical = 8; // NaN to logical, where the kernel stopped
 inline constexpr uint32_t kinds_warned = kind_nan | kind_overflow | kind_rounded;
 
 // Converts n elements. Answers the kinds that it met; of those outside `wanted` it may leave out
@@ -73,6 +71,11 @@ template<class D, class S> inline constexpr S
     saturation_high = std::cmp_greater(std::numeric_limits<S>::max(), std::numeric_limits<D>::max())
                           ? static_cast<S>(std::numeric_limits<D>::max())
                           : std::numeric_limits<S>::max();
+
+template<class D, class S>
+inline constexpr bool every_value_fits =
+    saturation_low<D, S> == std::numeric_limits<S>::min() &&
+    saturation_high<D, S> == std::numeric_limits<S>::max();
 
 template<class D, class S> D saturate(S x, uint32_t &kinds) {
     constexpr S lo = saturation_low<D, S>, hi = saturation_high<D, S>;

@@ -1,14 +1,13 @@
 // A whole array converted to another class.
+#include <containers/copies.h>
 #include <containers/structs.h>
 #include <core/alloc.h>
 #include <core/array_list.h>
-#include <core/class_ops.h>
 #include <core/class_table.h>
 #include <core/create.h>
 #include <core/destroy.h>
 #include <core/header_copy.h>
 #include <core/imaginary.h>
-#include <core/ring.h>
 #include <core/size_check.h>
 #include <index/operands/convert.h>
 #include <sparse/storage/csc.h>
@@ -20,18 +19,6 @@ namespace {
 
 bool holds_values(int id) {
     return id == oxLOGICAL_CLASS || id == oxCHAR_CLASS || class_info(id).numeric;
-}
-
-// A header that shares a's data. Linking into the ring changes a's header, not its value.
-oxArray *share(const oxArray *a) { return share_header(const_cast<oxArray *>(a)); }
-
-// Shares a and then makes the copy's storage its own. Null without memory.
-oxArray *independent_copy(const oxArray *a) {
-    ArrayGuard copy(share(a));
-    if (!copy || !copy->cross_link) return copy.release();
-    if (!class_ops[class_index(a->class_code)].unshare_data(copy.get())) return nullptr;
-    ring_unlink(copy.get());
-    return copy.release();
 }
 
 // Whether a block of byte-sized elements holds truth values as it is.
@@ -48,17 +35,18 @@ bool all_zero_or_one(const oxArray *a) {
 }
 
 oxArray *share_as_logical(const oxArray *a) {
-    oxArray *copy = share(a);
+    oxArray *copy = shared_copy(a);
     if (copy) set_class(copy, oxLOGICAL_CLASS);
     return copy;
 }
 
 oxArray *empty_of_class(const oxArray *a, int to) {
+    if (to == oxSTRUCT_CLASS) return make_struct_nd(a->ndims, a->get_dimensions(), 0, nullptr);
     return make_full_nd(a->ndims, a->get_dimensions(), to, false);
 }
 
 oxArray *object_as_struct(const oxArray *a) {
-    oxArray *copy = independent_copy(a);
+    oxArray *copy = deep_copy(a);
     if (!copy) return nullptr;
     set_class(copy, oxSTRUCT_CLASS);
     copy->record.classname = nullptr;
@@ -136,9 +124,11 @@ Converted convert_values(const oxArray *a, int to, oxArray **out) {
 Converted convert_copy(const oxArray *a, int to, oxArray **out) {
     *out = nullptr;
     if (to == a->class_code)
-        *out = independent_copy(a);
+        *out = deep_copy(a);
     else if (holds_values(a->class_code))
         return convert_values(a, to, out);
+    else if (is_struct_like(a) && to == oxCELL_CLASS)
+        *out = struct_to_cell(a);
     else if (a->class_code == oxOBJECT_CLASS && to == oxSTRUCT_CLASS)
         *out = object_as_struct(a);
     else if (is_struct_like(a) && to == oxCELL_CLASS)
