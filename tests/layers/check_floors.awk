@@ -1,21 +1,9 @@
 # Judges include lines by the floors: input is the table, the list of files, then the include lines.
-
-# Turns a shell-like pattern into a regular expression; * matches slashes too.
-function pattern(text) {
-    gsub(/[.+]/, "\\\\&", text)
-    gsub(/[*]/, ".*", text)
-    return "^" text "$"
-}
+# Runs with table.awk before it.
 
 function folder_of(path) {
     sub(/[^\/]*$/, "", path)
     return path
-}
-
-# The row of the floor table that a path falls under, or 0.
-function row_of(path,    i) {
-    for (i = 1; i <= rows; i++) if (path ~ row_pattern[i]) return i
-    return 0
 }
 
 # The file that an include means: beside the includer, or under one of the include roots.
@@ -23,11 +11,6 @@ function resolve(from, name,    i) {
     if ((folder_of(from) name) in known) return folder_of(from) name
     for (i = 1; i <= 3; i++) if ((root[i] name) in known) return root[i] name
     return ""
-}
-
-function report(text) {
-    print "layers: " text
-    faults++
 }
 
 function judge_system(where, from, name,    i, allowed) {
@@ -57,18 +40,6 @@ function judge(where, from, to,    f, t, i) {
 }
 
 BEGIN { root[1] = "src/"; root[2] = "include/"; root[3] = "libs/" }
-
-$1 == "table" && $2 == "floor" { row_pattern[++rows] = pattern($5); floor[rows] = $3; unit[rows] = $4 }
-$1 == "table" && $2 == "user" { row_pattern[++rows] = pattern($4); user[rows] = 1; unit[rows] = $3 }
-$1 == "table" && $2 == "seam" && $4 == "includes" {
-    lift_pattern[++lifts] = pattern($3); lift[lifts] = $7
-    row_pattern[++rows] = pattern($3); floor[rows] = $7; unit[rows] = "errors"
-}
-$1 == "table" && $2 == "seam" && $4 == "defined" { low[++seams] = $3; high[seams] = $6 }
-$1 == "table" && $2 == "system" {
-    system_pattern[++systems] = pattern($3)
-    for (i = 4; i <= NF; i++) system_list[systems] = system_list[systems] " " $i " "
-}
 
 $1 == "file" {
     known[$2] = 1

@@ -14,4 +14,4 @@ done
     find "${folders[@]}" -type f | LC_ALL=C sort | sed 's/^/file /'
     grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<]' "${folders[@]}" \
         --include=*.{c,h,cpp,hpp,inc,def} | LC_ALL=C sort -t: -k1,1 -k2,2n | sed 's/^/include /' || true
-} | awk -f "$here/check_floors.awk"
+} | awk -f "$here/table.awk" -f "$here/check_floors.awk"

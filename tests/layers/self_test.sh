@@ -67,5 +67,26 @@ expect 'a user includes the internal src/core/array.h' tools/vel/main.cpp '#incl
 expect 'src/extra/new.h: stands on no floor' src/extra/new.h ''
 expect 'its definition src/containers/array_scope.cpp is missing' src/core/array_list.h ''
 
+# expect_link STATUS TEXT LOW HIGH: objects of two files, the low one calling a function of the high one.
+expect_link() {
+    rm -rf "${tree:?}"/*
+    mkdir -p "$tree/$(dirname "$3")" "$tree/$(dirname "$4")"
+    echo 'void high(void); void low(void); void low(void) { high(); }' | cc -x c -c - -o "$tree/$3.o"
+    echo 'void high(void); void high(void) {}' | cc -x c -c - -o "$tree/$4.o"
+    local output status=0
+    output=$("$here/check_links.sh" "$tree") || status=$?
+    if [ "$status" != "$1" ] || [[ $output != *"$2"* ]]; then
+        printf 'self-test: expected status %s, "%s", got %s:\n%s\n' "$1" "$2" "$status" "$output"
+        failed=1
+    fi
+}
+
+expect_link 1 'src/core/a.cpp (floor 2) needs high of src/containers/b.cpp' core/a.cpp containers/b.cpp
+expect_link 1 'src/stream/a.cpp (floor 8) needs high of src/compare/b.cpp' stream/a.cpp compare/b.cpp
+expect_link 1 'src/errors/a.cpp (floor 4) needs high of src/index/b.cpp' errors/a.cpp index/b.cpp
+expect_link 0 ' 0 faults' core/a.cpp containers/class_ops.cpp
+expect_link 0 ' 0 faults' core/a.cpp errors/raise.cpp
+expect_link 0 ' 0 faults' index/a.cpp core/b.cpp
+
 [ "$failed" = 0 ] && echo "self-test: passed"
 exit "$failed"
