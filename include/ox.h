@@ -12,6 +12,7 @@
 #include <ox/errors.h>
 #include <ox/levels.h>
 #include <ox/memory.h>
+#include <ox/module.h>
 #include <ox/names.h>
 #include <ox/predicates.h>
 #include <ox/sharing.h>
