@@ -1,0 +1,181 @@
+// Equality: every pairing of classes, storage and NaN rule, and the switch comparison.
+#include "support/array_text.h"
+#include "support/expect.h"
+#include "support/host.h"
+#include "support/random.h"
+
+#include <core/array.h>
+#include <ox.hpp>
+
+#include <cmath>
+#include <limits>
+
+namespace ox::test {
+namespace {
+
+class EqualTest : public HostTest {};
+
+bool equal(const oxArray *a, const oxArray *b) {
+    const bool ab = oxAreMatricesEqual(a, b) != 0;
+    EXPECT_EQ(ab, oxAreMatricesEqual(b, a) != 0) << "not symmetric";
+    return ab;
+}
+bool equal(const char *a, const char *b) { return equal(arr(a), arr(b)); }
+bool equal_with_nan(const char *a, const char *b) {
+    return oxAreMatricesEqualNanOptional(arr(a), arr(b), 0) != 0;
+}
+
+TEST_F(EqualTest, PairsOfArrays) {
+    struct Row {
+        const char *a, *b;
+        bool expected;
+    };
+    const Row rows[] = {
+        // values across classes
+        {"double 1x1: 65", "char 1x1: 'A'", true},
+        {"logical 1x1: 1", "double 1x1: 1", true},
+        {"int8 1x2: -1 5", "single 1x2: -1 5", true},
+        {"uint8 1x1: 255", "int8 1x1: -1", false},
+        {"double 1x1: 0", "double 1x1: -0", true},
+        {"double 1x2: 1 2", "double 1x2: 1 3", false},
+        // shapes
+        {"double 2x3: 1 2 3; 4 5 6", "double 3x2: 1 2; 3 4; 5 6", false},
+        {"double 1x0", "double 0x1", false},
+        {"double 0x0", "char 0x0", true},
+        {"cell 0x0", "double 0x0", false},
+        {"cell 0x0", "struct 0x0", false},
+        // 64-bit integers compare exactly with each other and rounded with the rest
+        {"int64 1x1: 9007199254740993", "int64 1x1: 9007199254740992", false},
+        {"int64 1x1: 9007199254740993", "uint64 1x1: 9007199254740993", true},
+        {"int64 1x1: -1", "uint64 1x1: 18446744073709551615", false},
+        {"int64 1x1: 9007199254740993", "double 1x1: 9007199254740992", true},
+        {"int64 1x1: 9223372036854775807", "double 1x1: 9223372036854775808", false},
+        {"uint64 1x1: 18446744073709551615", "double 1x1: 18446744073709551616", false},
+        {"uint64 1x1: 9223372036854775808", "double 1x1: 9223372036854775808", true},
+        // imaginary parts
+        {"double 1x2: 1+0i 2+0i", "double 1x2: 1 2", true},
+        {"double 1x1: 1+2i", "double 1x1: 1+2i", true},
+        {"double 1x1: 1+2i", "double 1x1: 1", false},
+        {"single 1x1: 3+1i", "double 1x1: 3+1i", true},
+        // cells and structs
+        {"cell 1x2: {double 1x1: 1} {char 1x1: 'a'}", "cell 1x2: {int8 1x1: 1} {char 1x1: 'a'}",
+         true},
+        {"cell 1x1: {}", "cell 1x1: {double 0x0}", true},
+        {"cell 1x1: {}", "cell 1x1: {cell 0x0}", false},
+        {"struct 1x1 a,b: {double 1x1: 1} {double 1x1: 2}",
+         "struct 1x1 b,a: {double 1x1: 2} {double 1x1: 1}", true},
+        {"struct 1x1 a,b: {double 1x1: 1} {double 1x1: 2}",
+         "struct 1x1 a,c: {double 1x1: 1} {double 1x1: 2}", false},
+        {"struct 1x1 a: {double 1x1: 1}", "struct 1x1 a,b: {double 1x1: 1} {double 1x1: 2}", false},
+        // sparse: structure within a class, values across classes and against full arrays
+        {"sparse double 2x2: (0,0)=1 (1,1)=2", "double 2x2: 1 0; 0 2", true},
+        {"sparse double 2x2: (0,0)=1 (1,1)=2", "double 2x2: 1 0; 3 2", false},
+        {"sparse double 2x2: (0,0)=1 (1,1)=0", "sparse double 2x2: (0,0)=1", false},
+        {"sparse double 2x2: (0,0)=1 (1,1)=0", "double 2x2: 1 0; 0 0", true},
+        {"sparse logical 2x2: (0,0)=1", "sparse double 2x2: (0,0)=1 (1,0)=0", true},
+        {"sparse logical 2x2: (0,0)=1", "sparse double 2x2: (0,1)=1", false},
+        {"sparse double 1x2: (0,0)=1+2i", "double 1x2: 1+2i 0", true},
+        {"sparse double 1x2: (0,0)=1+2i", "double 1x2: 1+2i 0+1i", false},
+        {"sparse double 1x1: (0,0)=9007199254740992", "int64 1x1: 9007199254740993", true},
+    };
+    for (const Row &r : rows) EXPECT_EQ(equal(r.a, r.b), r.expected) << r.a << " against " << r.b;
+}
+
+TEST_F(EqualTest, NanFollowsTheRule) {
+    const char *const pairs[][2] = {
+        {"double 1x1: NaN", "double 1x1: NaN"},
+        {"single 1x1: NaN", "double 1x1: NaN"},
+        {"double 1x1: 0+NaN*i", "double 1x1: 0+NaN*i"},
+        {"sparse double 1x2: (0,1)=NaN", "double 1x2: 0 NaN"},
+        {"sparse double 1x2: (0,1)=NaN", "sparse double 1x2: (0,1)=NaN"},
+        {"cell 1x1: {double 1x1: NaN}", "cell 1x1: {double 1x1: NaN}"},
+    };
+    for (const auto &p : pairs) {
+        EXPECT_FALSE(equal(p[0], p[1])) << p[0];
+        EXPECT_TRUE(equal_with_nan(p[0], p[1])) << p[0];
+    }
+    EXPECT_FALSE(equal_with_nan("double 1x1: NaN", "double 1x1: 0"));
+    EXPECT_FALSE(equal_with_nan("double 1x1: NaN", "int64 1x1: 9223372036854775807"));
+    // A NaN is not zero, so a one-sided imaginary part that holds one differs under both rules.
+    EXPECT_FALSE(equal_with_nan("double 1x1: 1+NaN*i", "double 1x1: 1"));
+    oxArray *a = arr("double 1x1: NaN");
+    EXPECT_FALSE(equal(a, a)) << "the same array is no excuse";
+    EXPECT_TRUE(oxAreMatricesEqualNanOptional(a, a, 0));
+}
+
+TEST_F(EqualTest, NullEqualsEmptyValues) {
+    EXPECT_TRUE(equal(static_cast<oxArray *>(nullptr), nullptr));
+    for (const char *empty : {"double 0x3", "char 0x0", "logical 1x0", "sparse double 0x2"})
+        EXPECT_TRUE(equal(nullptr, arr(empty))) << empty;
+    for (const char *other : {"double 1x1: 0", "cell 0x0", "struct 0x0"})
+        EXPECT_FALSE(equal(nullptr, arr(other))) << other;
+}
+
+TEST_F(EqualTest, ObjectsKeepFieldOrderAndClassName) {
+    const auto object = [](const char *text, const char *name) {
+        oxArray *a = arr(text);
+        oxSetClassName(a, name);
+        return a;
+    };
+    const char *ab = "struct 1x1 a,b: {double 1x1: 1} {double 1x1: 2}";
+    const char *ba = "struct 1x1 b,a: {double 1x1: 2} {double 1x1: 1}";
+    EXPECT_TRUE(equal(object(ab, "point"), object(ab, "point")));
+    EXPECT_FALSE(equal(object(ab, "point"), object(ba, "point")));
+    EXPECT_FALSE(equal(object(ab, "point"), object(ab, "vector")));
+    EXPECT_FALSE(equal(object(ab, "point"), arr(ab)));
+}
+
+// The element rule, one element at a time, for every pair of classes.
+TEST_F(EqualTest, RandomPairsAgreeWithElementwiseComparison) {
+    Random random(20);
+    const oxClassID classes[] = {oxDOUBLE_CLASS, oxSINGLE_CLASS, oxINT8_CLASS, oxUINT16_CLASS,
+                                 oxINT64_CLASS,  oxUINT64_CLASS, oxCHAR_CLASS, oxLOGICAL_CLASS};
+    for (int round = 0; round < 400; ++round) {
+        const oxClassID ca = random.pick(classes), cb = random.pick(classes);
+        const kwSize n = random.below(1500) + 1, changed = random.below(n);
+        oxArray *a = oxMustBe(oxCreateDoubleMatrix(1, n, oxREAL), ca);
+        oxArray *b = oxMustBe(oxCreateDoubleMatrix(1, n, oxREAL), cb);
+        ASSERT_TRUE(equal(a, b)) << n;
+        if (ca == oxDOUBLE_CLASS)
+            oxGetPr(a)[changed] = 1;
+        else
+            static_cast<unsigned char *>(oxGetData(a))[changed * oxGetElementSize(a)] = 1;
+        ASSERT_FALSE(equal(a, b)) << n << " at " << changed;
+        oxArray *sparse = ca == oxDOUBLE_CLASS ? oxMustBeSparse(a) : a;
+        ASSERT_FALSE(equal(sparse, b));
+        ASSERT_TRUE(equal(sparse, a));
+    }
+}
+
+TEST_F(EqualTest, SwitchComparison) {
+    const oxArray *abc = arr("char 1x3: 'abc'");
+    EXPECT_TRUE(oxSwitchCompare(abc, arr("cell 1x2: {char 1x1: 'x'} {char 1x3: 'abc'}")));
+    EXPECT_FALSE(oxSwitchCompare(abc, arr("cell 0x0")));
+    EXPECT_TRUE(oxSwitchCompare(arr("double 1x1: 3"), arr("int8 1x1: 3")));
+    EXPECT_TRUE(oxSwitchCompare(arr("double 0x0"), arr("cell 1x1: {}")));
+    EXPECT_FALSE(oxSwitchCompare(arr("double 1x1: NaN"), arr("double 1x1: NaN")));
+    EXPECT_RAISES("VELTRO:badCaseExpression", "CASE expressions cannot be of class structw.",
+                  oxSwitchCompare(abc, arr("struct 1x1")));
+
+    for (const char *good : {"char 2x2: 'ab'; 'cd'", "char 0x0", "logical 1x1: 1", "int8 1x1: 1"})
+        oxValidateSwitchExpression(arr(good));
+    for (const char *bad : {"double 1x2: 1 2", "double 0x0", "cell 1x1: {}", "struct 1x1"})
+        EXPECT_RAISES("VELTRO:badSwitchExpression",
+                      "SWITCH expression must be a scalar or string constant.",
+                      oxValidateSwitchExpression(arr(bad)));
+}
+
+TEST_F(EqualTest, IdentityAsksTheRegisteredTest) {
+    oxArray *a = arr("double 1x1: 1"), *b = arr("double 1x1: 1");
+    EXPECT_TRUE(oxIsIdentical(a, a));
+    EXPECT_FALSE(oxIsIdentical(a, b));
+    EXPECT_FALSE(oxIsIdentical(a, nullptr));
+    const auto always = [](const oxArray *, const oxArray *) { return true; };
+    const oxIdentityTest previous = oxRegisterIdentityTest(oxDOUBLE_CLASS, always);
+    EXPECT_TRUE(oxIsIdentical(a, b));
+    EXPECT_FALSE(oxIsIdentical(a, arr("single 1x1: 1")));
+    EXPECT_EQ(oxRegisterIdentityTest(oxDOUBLE_CLASS, previous), oxIdentityTest(always));
+}
+
+} // namespace
+} // namespace ox::test
