@@ -32,17 +32,17 @@ show() {
     module=$(built "$module.vex")
     say "$sentence"
     echo "\$ vel call $(basename "$module") $*"
-    "$vel" call "$module" "$@" </dev/null || status=$?
+    "$vel" call "$module" "$@" </dev/null 2>&1 || status=$?
     [ "$status" = "$expected" ] || die "demo: exit status $status, expected $expected"
 }
 
-show 0 "zscore: every column of 150 flowers to mean 0 and deviation 1; long tables are cut in the middle" \
+show 0 "zscore: every column of 150 flowers comes out with mean 0 and deviation 1; the middle is cut" \
     zscore "$data"
-show 0 "covariance: a 4-by-4 symmetric matrix; petal length and width (3 and 4) vary together" \
+show 0 "covariance: symmetric; column 3, petal length, has the widest spread and goes with 1, 4 and 5" \
     covariance "$data"
-show 0 "forgetful: destroys and frees nothing; leaving the contexts reclaims every array and block it made" \
+show 0 "forgetful: gives back nothing of what it makes; leaving its contexts reclaims all 15 pieces" \
     forgetful --stats "$data"
-show 1 "raising: raises in the middle; the error is caught, and the blocks it held were freed by the raise" \
+show 1 "raising: raises halfway through its work; the raise frees its blocks, the context its arrays" \
     raising --stats "$data"
 
 say "demo: done"
