@@ -29,4 +29,7 @@ inline constexpr kwSize text_buffer = pick(1024, 4);
 // ICU takes no more UTF-16 units than this in one call.
 inline constexpr kwSize converter_units = pick(0x3fffffff, 3);
 
+// Slots behind each slot in which the structure checker looks for the same element.
+inline constexpr kwSize check_slot_window = 64;
+
 } // namespace ox::tuning

@@ -297,7 +297,8 @@ void print_full(const oxArray *a, std::string &out) {
     }
 }
 
-const TextForm *const forms[] = {&sparse_form, &cell_form, &struct_form};
+const TextForm *const forms[] = {&sparse_form, &cell_form,   &struct_form, &object_form,
+                                 &lazy_form,   &opaque_form, &handle_form};
 
 bool holds_values(int id) {
     return visit_class(id, false, []<class T>(std::type_identity<T>) { return true; });

@@ -8,6 +8,11 @@
 //   "sparse double 3x2: (0,0)=1 (2,1)=5", "sparse double 3x2 nzmax 8: ..."
 //   "cell 1x2: {1} {}"                an array each, {} for an empty slot
 //   "struct 1x2 a,b: {1} {2} {3} {4}" the fields of one element together
+//   "object Point 1x1 px: {1}"         a struct with a class name
+// and with the class layer of fake_layer.h installed
+//   "opaque 1x2: 5 6"                 a number in each payload
+//   "lazy 2x3: 7"                     indexing-opaque; one payload that copies share
+//   "function_handle 1x1: 9"          a number in each handle
 #pragma once
 #include <core/array.h>
 
@@ -56,6 +61,7 @@ struct TextForm {
     void (*print)(const oxArray *a, std::string &out);
 };
 extern const TextForm sparse_form, cell_form, struct_form;
+extern const TextForm object_form, opaque_form, lazy_form, handle_form; // of the fake layer
 
 Dims read_dims(Scanner &in);
 void print_dims(const oxArray *a, std::string &out);

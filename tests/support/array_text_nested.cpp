@@ -123,8 +123,22 @@ void print_struct(const oxArray *a, std::string &out) {
     print_slots(a, a->get_number_of_elements() * static_cast<kwSize>(n), out);
 }
 
+oxArray *make_object(Scanner &in) {
+    const std::string class_name(in.word());
+    oxArray *a = make_struct(in);
+    oxSetClassName(a, class_name.c_str());
+    return a;
+}
+
+void print_object(const oxArray *a, std::string &out) {
+    out += ' ';
+    out += oxGetClassName(a);
+    print_struct(a, out);
+}
+
 } // namespace
 
+const TextForm object_form = {"object", oxIsObject, make_object, print_object};
 const TextForm sparse_form = {"sparse", is_sparse, make_sparse_of, print_sparse};
 const TextForm cell_form = {"cell", oxIsCell, make_cell, print_cell};
 const TextForm struct_form = {"struct", oxIsStructClass, make_struct, print_struct};

@@ -1,0 +1,29 @@
+// A small class layer: numbers behind opaque arrays and function handles, and counts of what the
+// library asks of it. The text forms opaque, lazy and function_handle make its arrays.
+#pragma once
+#include <core/array.h>
+
+namespace ox::test {
+
+struct LayerCalls {
+    int shares, releases, element_copies, empty_copies, completions;
+    int objects_created, objects_released, handle_copies, handle_releases;
+};
+extern LayerCalls layer_calls;
+
+xxInfo *opaque_class(); // a payload of its own for each element
+xxInfo *lazy_class();   // indexing-opaque: copies share one payload, which knows the dimensions
+
+// Installed during its life; the counts start at 0.
+class WithLayer {
+public:
+    WithLayer();
+    ~WithLayer();
+    WithLayer(const WithLayer &) = delete;
+    WithLayer &operator=(const WithLayer &) = delete;
+
+private:
+    const ox_object_layer *outer_;
+};
+
+} // namespace ox::test
