@@ -1,0 +1,266 @@
+// The three layers of allocation and the list of blocks.
+#include <core/alloc.h>
+#include <core/context_list.h>
+#include <ox.h>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/faults.h>
+#include <support/host.h>
+
+#include <fl.hpp>
+#include <ut.h>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+class Alloc : public HostTest {};
+
+constexpr kwSize all = ~kwSize{0};
+
+TEST_F(Alloc, ZeroSizesGiveNullAndRaiseNothing) {
+    void *const blocks[] = {oxMallocEx(0),
+                            oxCallocEx(0, 8),
+                            oxCallocEx(8, 0),
+                            oxReallocEx(nullptr, 0),
+                            oxMallocExCheck(0),
+                            oxCallocExCheck(0, all),
+                            oxCallocExCheck(all, 0),
+                            oxReallocExCheck(nullptr, 0),
+                            oxMalloc(0),
+                            oxCalloc(0, 8),
+                            oxRealloc(nullptr, 0)};
+    for (void *b : blocks) EXPECT_EQ(b, nullptr);
+    EXPECT_EQ(GetAllocListLength(), 0u);
+    oxFreeEx(nullptr);
+    oxFree(nullptr);
+    oxAddToAllocList(nullptr);
+    oxRemoveFromAllocList(nullptr);
+    EXPECT_FALSE(oxIsOnAllocList(nullptr));
+    EXPECT_EQ(oxReallocEx(oxMallocEx(8), 0), nullptr);
+    EXPECT_EQ(oxRealloc(oxMalloc(8), 0), nullptr);
+    EXPECT_EQ(GetAllocListLength(), 0u);
+}
+
+TEST_F(Alloc, OverflowingProductsAreRefused) {
+    EXPECT_EQ(oxCallocEx(kwSize{1} << 33, kwSize{1} << 33), nullptr);
+    EXPECT_EQ(oxCallocEx(2, all / 2 + 1), nullptr);
+    EXPECT_RAISES_ENTRY(FNOMEM, oxCalloc(kwSize{1} << 33, kwSize{1} << 33));
+    EXPECT_RAISES_ENTRY(FNOMEM, oxCallocExCheck(3, all / 2));
+    EXPECT_RAISES_ENTRY(FNOMEM, oxMalloc(all));
+    EXPECT_RAISES_ENTRY(FNOMEM, oxMallocExCheck(kwSize{1} << 60));
+    EXPECT_EQ(oxMallocEx(all), nullptr);
+}
+
+TEST_F(Alloc, BlocksAreZeroedAndKeptByGrowth) {
+    auto *p = static_cast<unsigned char *>(oxCalloc(100, 10));
+    EXPECT_TRUE(std::all_of(p, p + 1000, [](unsigned char c) { return c == 0; }));
+    std::memset(p, 7, 1000);
+    p = static_cast<unsigned char *>(oxRealloc(p, 100000));
+    EXPECT_TRUE(std::all_of(p, p + 1000, [](unsigned char c) { return c == 7; }));
+    EXPECT_EQ(GetAllocListLength(), 1u);
+    EXPECT_TRUE(oxIsOnAllocList(p));
+}
+
+// Without memory the old block stays, and stays listed: the raise frees it with its context.
+TEST_F(Alloc, FailedGrowthKeepsTheBlock) {
+    void *outer = oxMalloc(8);
+    Contexts inner;
+    EXPECT_RAISES_ENTRY(FNOMEM, oxRealloc(outer, all));
+    EXPECT_TRUE(oxIsOnAllocList(outer));
+    void *raw = oxMallocEx(8);
+    EXPECT_EQ(oxReallocEx(raw, all), nullptr);
+    std::memset(raw, 1, 8);
+    oxFreeEx(raw);
+}
+
+TEST_F(Alloc, FreeTakesOffTheListInItsContextOnly) {
+    void *a = oxMalloc(8), *b = oxMalloc(8);
+    oxFree(a);
+    EXPECT_EQ(GetAllocListLength(), 1u);
+    Contexts inner;
+    oxRemoveFromAllocList(b); // of the enclosing context
+    EXPECT_TRUE(oxIsOnAllocList(b)) << "every context is searched";
+    EXPECT_EQ(GetAllocListLength(), 1u);
+}
+
+// Deliberate: a block of an enclosing context is freed, its entry stays behind.
+TEST_F(Alloc, FreeingABlockOfAnEnclosingContextLeavesAStaleEntry) {
+    void *a = oxMalloc(8);
+    {
+        Contexts inner;
+        oxFree(a);
+        EXPECT_TRUE(oxIsOnAllocList(a));
+    }
+    oxRemoveFromAllocList(a); // or the end of the context would free it again
+    EXPECT_EQ(GetAllocListLength(), 0u);
+}
+
+TEST_F(Alloc, ContextsFreeTheirOwn) {
+    std::vector<void *> outer, inner;
+    for (int k = 0; k < 30; ++k) outer.push_back(oxMalloc(8));
+    const int index = oxEnterNewAllocListContext();
+    for (int k = 0; k < 250; ++k) inner.push_back(oxMalloc(8)); // the vector grows twice
+    EXPECT_EQ(GetAllocListLength(), 280u);
+    oxFreeAllocListContext();
+    EXPECT_EQ(GetAllocListLength(), 30u);
+    for (void *b : outer) EXPECT_TRUE(oxIsOnAllocList(b));
+    oxRestorePreviousAllocListContext(index);
+    EXPECT_EQ(GetAllocListLength(), 30u);
+    oxRemoveFromAllocList(outer[3]);
+    EXPECT_FALSE(oxIsOnAllocList(outer[3]));
+    oxAddToAllocList(outer[3]);
+    EXPECT_TRUE(oxIsOnAllocList(outer[3]));
+}
+
+TEST_F(Alloc, ShutdownForgetsTheBlocks) {
+    void *a = oxMalloc(8);
+    oxShutdownAllocLst();
+    EXPECT_EQ(GetAllocListLength(), 0u);
+    void *b = oxMalloc(8); // a fresh list
+    EXPECT_TRUE(oxIsOnAllocList(b));
+    EXPECT_FALSE(oxIsOnAllocList(a));
+    oxFreeEx(a);
+}
+
+TEST_F(Alloc, DataHandedToAnArrayLeaveTheList) {
+    oxArray *a = oxCreateNumericMatrix(0, 0, oxDOUBLE_CLASS, oxCOMPLEX);
+    auto *re = static_cast<double *>(oxCalloc(2, sizeof(double)));
+    auto *im = static_cast<double *>(oxCalloc(2, sizeof(double)));
+    oxSetPr(a, re);
+    oxSetPi(a, im);
+    oxSetM(a, 1);
+    oxSetN(a, 2);
+    EXPECT_EQ(GetAllocListLength(), 0u);
+    EXPECT_EQ(text(a), "double 1x2: 0+0i 0+0i");
+    oxDestroyArray(a); // frees both, once
+    oxArray *owner = oxCreateNumericMatrix(0, 0, oxDOUBLE_CLASS, oxREAL);
+    oxSetDataPrivateFlag(owner, true);
+    void *mine = oxMalloc(8);
+    oxSetData(owner, mine);
+    EXPECT_TRUE(oxIsOnAllocList(mine)) << "private data are not taken over";
+    oxDestroyArray(owner);
+}
+
+std::vector<std::pair<char, void *>> heard;
+void hear_alloc(void *b) { heard.emplace_back('+', b); }
+void hear_free(void *b) { heard.emplace_back('-', b); }
+int refusals = 0;
+
+TEST_F(Alloc, Listeners) {
+    heard.clear();
+    oxSetAllocListeners(hear_alloc, hear_free);
+    oxSetOutOfMemoryListener([] { ++refusals; });
+    refusals = 0;
+    void *a = oxMalloc(8), *b = oxCalloc(1, 8);
+    void *same = oxRealloc(a, 8);
+    EXPECT_EQ(same, a);
+    void *moved = oxRealloc(b, 1 << 20);
+    void *fresh = oxRealloc(nullptr, 8);
+    oxRealloc(fresh, 0);
+    oxFree(same);
+    oxFree(moved);
+    using Heard = std::vector<std::pair<char, void *>>;
+    EXPECT_EQ(heard, (Heard{{'+', a},
+                            {'+', b},
+                            {'-', b},
+                            {'+', moved},
+                            {'+', fresh},
+                            {'-', fresh},
+                            {'-', a},
+                            {'-', moved}}));
+    EXPECT_EQ(oxMalloc(all), nullptr) << "a listener that returns";
+    EXPECT_EQ(oxMallocExCheck(all), nullptr);
+    EXPECT_EQ(oxCallocExCheck(all, 2), nullptr);
+    EXPECT_EQ(refusals, 3);
+    EXPECT_EQ(oxMallocEx(all), nullptr);
+    EXPECT_EQ(refusals, 3) << "the raw layer is silent";
+}
+
+// The mechanism of both lists, with a vector that starts at two entries.
+TEST_F(Alloc, ContextListKeepsOrder) {
+    int items[9];
+    ContextList<int, 2> list;
+    const auto order = [&] {
+        std::vector<long> indices;
+        for (kwSize k = 0; k < list.length(); ++k) indices.push_back(list[k] - items);
+        return indices;
+    };
+    using Order = std::vector<long>;
+    for (int k = 0; k < 5; ++k) ASSERT_TRUE(list.append(items + k));
+    EXPECT_TRUE(list.remove(items + 1));
+    EXPECT_EQ(order(), (Order{0, 2, 3, 4}));
+    const int index = list.enter();
+    list.append(items + 3);
+    list.append(items + 7);
+    EXPECT_TRUE(list.remove(items + 3)) << "the most recent entry, in this context";
+    EXPECT_FALSE(list.remove(items + 3)) << "not those of the enclosing one";
+    EXPECT_TRUE(list.contains(items + 3));
+    EXPECT_EQ(order(), (Order{0, 2, 3, 4, 7}));
+    EXPECT_EQ(list.pop(), items + 7);
+    EXPECT_TRUE(list.context_empty());
+    list.restore(index);
+    EXPECT_TRUE(list.remove(items));
+    EXPECT_EQ(order(), (Order{2, 3, 4}));
+    list.shutdown();
+}
+
+struct Manager final : fl::manager {
+    int mode() override {
+        ++asked;
+        if (asked == 1) throw 5;
+        return utility_allocator;
+    }
+    int asked = 0;
+};
+
+// One answer serves the whole process; a manager that raises is asked again.
+TEST_F(Alloc, TheManagerChoosesTheAllocatorOnce) {
+    Contexts none;
+    none.leave();
+    oxShutdownAllocLst(); // nothing may be alive across the change
+    oxShutdownArrayList();
+    Manager manager;
+    fl::manager::set_instance(&manager);
+    reset_allocator_choice();
+    EXPECT_THROW(oxMallocEx(8), int);
+    void *a = oxMallocEx(8);
+    EXPECT_TRUE(uses_utility_allocator());
+    EXPECT_EQ(utLiveBlocks(), 1u);
+    void *b = oxCallocEx(2, 8);
+    b = oxReallocEx(b, 100);
+    EXPECT_EQ(utLiveBlocks(), 2u);
+    EXPECT_EQ(oxCallocEx(all, 2), nullptr);
+    oxFreeEx(a);
+    EXPECT_EQ(oxReallocEx(b, 0), nullptr);
+    EXPECT_EQ(utLiveBlocks(), 0u);
+    void *zero = oxMallocEx(0); // passed on as it is
+    oxFreeEx(zero);
+    EXPECT_EQ(manager.asked, 2);
+    fl::manager::set_instance(nullptr);
+    reset_allocator_choice();
+    EXPECT_FALSE(uses_utility_allocator());
+}
+
+TEST_F(Alloc, Guards) {
+    auto a = RawArray<double>::zeroed(4);
+    ASSERT_TRUE(a);
+    a[3] = 5;
+    EXPECT_FALSE(oxIsOnAllocList(a.get()));
+    RawArray<double> b = std::move(a);
+    EXPECT_FALSE(a); // NOLINT: moved from on purpose
+    ASSERT_TRUE(b.resize(1000));
+    EXPECT_EQ(b[3], 5);
+    EXPECT_FALSE(b.resize(all / 8 + 1)) << "the byte count would wrap";
+    EXPECT_EQ(b[3], 5);
+    EXPECT_FALSE(RawArray<double>::make(all / 4));
+    EXPECT_FALSE(RawArray<double>::make(0));
+    oxFreeEx(b.release());
+}
+
+} // namespace

@@ -1,0 +1,201 @@
+// The array list: contexts, marks, scopes, and what leaving destroys.
+#include <core/array_list.h>
+#include <ox.h>
+#include <ox.hpp>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/host.h>
+
+#include <string>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+std::string visited;
+void visit(oxArray *a) { visited += std::to_string(static_cast<int>(oxGetScalar(a))); }
+
+// The first elements of the current context's arrays, top first.
+std::string context() {
+    visited.clear();
+    oxApplyToAllArraysOnArrayList(visit);
+    return visited;
+}
+
+class ArrayList : public HostTest {
+protected:
+    oxArray *made_[6] = {};
+    void make(int n) {
+        for (int k = 1; k <= n; ++k) made_[k] = oxCreateDoubleScalar(k);
+    }
+};
+
+TEST_F(ArrayList, CreatedArraysAreTemporariesOnce) {
+    make(3);
+    EXPECT_EQ(context(), "321");
+    EXPECT_TRUE(oxIsTemp(made_[1]));
+    oxSetArrayScope(made_[1], oxSCOPE_TEMPORARY);
+    array_hooks.created(made_[1]);
+    EXPECT_EQ(context(), "321") << "not listed twice";
+    oxSetArrayScope(made_[2], 9);
+    EXPECT_EQ(context(), "31");
+    EXPECT_EQ(oxGetArrayScopeField(made_[2]), 9);
+    oxSetArrayScope(made_[2], 8);
+    EXPECT_EQ(context(), "31");
+    array_hooks.created(made_[2]); // any other scope joins the list
+    EXPECT_EQ(context(), "231");
+    EXPECT_TRUE(oxIsTemp(made_[2]));
+}
+
+// Deliberate: destroying the oldest array of several turns the context over, for good.
+TEST_F(ArrayList, DestroyingTheOldestReversesTheContext) {
+    make(4);
+    oxDestroyArray(made_[1]);
+    EXPECT_EQ(context(), "234");
+    oxDestroyArray(made_[4]);
+    EXPECT_EQ(context(), "32") << "the oldest is now the one created last";
+    oxDestroyArray(made_[3]);
+    EXPECT_EQ(context(), "2");
+    oxDestroyArray(made_[2]);
+    EXPECT_EQ(context(), "");
+}
+
+// Also when the mark then keeps the array on the list.
+TEST_F(ArrayList, AMarkedOldestReversesButStays) {
+    make(3);
+    made_[1]->set_flag(oxFLAG_LIST_MARK, true);
+    oxSetArrayScope(made_[1], oxSCOPE_CONTAINED);
+    EXPECT_EQ(context(), "123");
+    made_[1]->set_flag(oxFLAG_LIST_MARK, false);
+    made_[1]->scope = oxSCOPE_TEMPORARY;
+    oxDestroyArray(made_[2]);
+    EXPECT_EQ(context(), "13");
+}
+
+TEST_F(ArrayList, ExitDestroysWhateverTheCount) {
+    make(1);
+    const int index = oxEnterNewArrayListContext();
+    EXPECT_TRUE(made_[1]->has_flag(oxFLAG_LIST_MARK));
+    EXPECT_EQ(context(), "");
+    oxArray *counted = oxCreateDoubleScalar(2);
+    counted->reference_count = 3;
+    oxCreateDoubleScalar(3);
+    const std::size_t headers = live().headers;
+    oxExitArrayListContext(index, nullptr, 0, true);
+    EXPECT_EQ(live().headers, headers - 2);
+    EXPECT_EQ(context(), "1");
+    EXPECT_FALSE(made_[1]->has_flag(oxFLAG_LIST_MARK));
+}
+
+TEST_F(ArrayList, KeptArraysJoinTheEnclosingContext) {
+    make(1);
+    const int index = oxEnterNewArrayListContext();
+    for (int k = 2; k <= 5; ++k) made_[k] = oxCreateDoubleScalar(k);
+    oxSetArrayScope(made_[4], 9); // not a temporary: neither listed nor marked
+    oxArray *keep[] = {made_[5], nullptr, made_[4], made_[3]};
+    oxExitArrayListContext(index, keep, 4, true);
+    EXPECT_EQ(context(), "351") << "destroying 2, the oldest, turned the others over";
+    for (const int k : {1, 3, 4, 5}) EXPECT_FALSE(made_[k]->has_flag(oxFLAG_LIST_MARK)) << k;
+    oxDestroyArray(made_[4]);
+}
+
+TEST_F(ArrayList, FoldingAndExitWithoutDestroyKeepAll) {
+    for (int way = 0; way < 3; ++way) {
+        make(1);
+        const int index = oxEnterNewArrayListContext();
+        oxArray *inner = oxCreateDoubleScalar(2);
+        if (way == 0) oxExitAndFoldArrayListContext(index);
+        if (way == 1) oxExitArrayListContext(index, &inner, 1, false);
+        if (way == 2) exit_array_list_context(index, nullptr, 0, true, true); // suppressed
+        EXPECT_EQ(context(), "21") << way;
+        EXPECT_FALSE(inner->has_flag(oxFLAG_LIST_MARK)) << way;
+        EXPECT_FALSE(made_[1]->has_flag(oxFLAG_LIST_MARK)) << way;
+        oxDestroyArray(inner);
+        oxDestroyArray(made_[1]);
+    }
+}
+
+// A listed array inside a container goes with it and turns the context over under the walk.
+TEST_F(ArrayList, ExitSurvivesReversalByWhatItDestroys) {
+    for (int bottom = 0; bottom < 2; ++bottom) {
+        make(1);
+        const int index = oxEnterNewArrayListContext();
+        oxArray *element = oxCreateDoubleScalar(2);
+        oxArray *keep[2];
+        keep[0] = oxCreateDoubleScalar(3);
+        oxArray *cell = arr("cell 1x2: {} {}");
+        keep[1] = oxCreateDoubleScalar(4);
+        oxCreateDoubleScalar(5);
+        cell->get_cells()[bottom] = element; // still a temporary of this context
+        oxExitArrayListContext(index, keep, 2, true);
+        EXPECT_EQ(context().size(), 3u) << "only the two kept and the enclosing one";
+        for (oxArray *k : keep) oxDestroyArray(k);
+        oxDestroyArray(made_[1]);
+    }
+}
+
+TEST_F(ArrayList, MovingFromTheEnclosingContextSwapsWithItsTop) {
+    make(4);
+    const int index = oxEnterNewArrayListContext();
+    made_[5] = oxCreateDoubleScalar(5);
+    oxMoveArrayFromPreviousContext(index, made_[2]);
+    EXPECT_EQ(context(), "52");
+    EXPECT_FALSE(made_[2]->has_flag(oxFLAG_LIST_MARK));
+    made_[5]->set_flag(oxFLAG_LIST_MARK, true);
+    oxMoveArrayFromPreviousContext(index, made_[5]); // not found there: the mark goes all the same
+    EXPECT_FALSE(made_[5]->has_flag(oxFLAG_LIST_MARK));
+    EXPECT_EQ(context(), "52");
+    oxExitArrayListContext(index, nullptr, 0, true);
+    EXPECT_EQ(context(), "341") << "the former top took the place of the moved one";
+}
+
+// Arrays of enclosing contexts are marked, and marked arrays never leave the list.
+TEST_F(ArrayList, ScopeChangesDoNotReachEnclosingContexts) {
+    make(2);
+    {
+        Contexts inner;
+        oxSetArrayScope(made_[1], 9);
+        EXPECT_TRUE(array_list_contains(made_[1])) << "a stale entry";
+        oxDestroyArray(oxCreateDoubleScalar(3));
+    }
+    made_[1]->scope = oxSCOPE_TEMPORARY;
+    EXPECT_EQ(context(), "21");
+}
+
+TEST_F(ArrayList, GrowsPastItsFirstVector) {
+    make(1);
+    const int index = oxEnterNewArrayListContext();
+    for (int k = 0; k < 250; ++k) oxCreateDoubleScalar(2);
+    EXPECT_EQ(array_list_length(), 251u);
+    oxExitArrayListContext(index, nullptr, 0, true);
+    EXPECT_EQ(context(), "1");
+}
+
+TEST_F(ArrayList, ContainingTakesOffTheList) {
+    make(1);
+    {
+        Contexts inner;
+        oxArray *cell = arr("cell 1x1: {7}"), *element = cell->get_cells()[0];
+        EXPECT_EQ(oxGetArrayScopeField(element), oxSCOPE_CONTAINED);
+        EXPECT_FALSE(array_list_contains(element));
+    }
+    EXPECT_EQ(oxPreparePropertyValueForContainment(made_[1]), made_[1]);
+    EXPECT_EQ(oxGetArrayScopeField(made_[1]), oxSCOPE_PROPERTY);
+    EXPECT_FALSE(array_list_contains(made_[1]));
+    oxDestroyArray(made_[1]);
+}
+
+TEST_F(ArrayList, ShutdownForgetsTheArraysButKeepsTheHooks) {
+    make(2);
+    EXPECT_TRUE(oxIsArrayListInitialized());
+    oxShutdownArrayList();
+    EXPECT_FALSE(oxIsArrayListInitialized());
+    EXPECT_EQ(array_list_length(), 0u);
+    oxDestroyArray(made_[1]); // off the list already: silent
+    oxDestroyArray(made_[2]);
+    oxArray *later = oxCreateDoubleScalar(3);
+    EXPECT_TRUE(array_list_contains(later));
+}
+
+} // namespace

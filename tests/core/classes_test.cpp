@@ -1,0 +1,273 @@
+// Classes, queries, attributes, flags, offsets and re-typing in place.
+#include <core/array.h>
+#include <core/imaginary.h>
+#include <ox.h>
+#include <support/array_text.h>
+#include <support/host.h>
+
+#include <cstring>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+class Classes : public HostTest {};
+
+struct ClassRow {
+    int id;
+    const char *name;
+    kwSize size;
+};
+const ClassRow class_rows[] = {
+    {0, "unknown", 0}, {1, "cell", 8},    {2, "struct", 8},  {3, "logical", 1},
+    {4, "char", 2},    {6, "double", 8},  {7, "single", 4},  {8, "int8", 1},
+    {9, "uint8", 1},   {10, "int16", 2},  {11, "uint16", 2}, {12, "int32", 4},
+    {13, "uint32", 4}, {14, "int64", 8},  {15, "uint64", 8}, {16, "function_handle", 32},
+    {17, "opaque", 8}, {18, "object", 8},
+};
+
+TEST_F(Classes, NamesAndSizes) {
+    for (const ClassRow &r : class_rows) {
+        const auto id = static_cast<oxClassID>(r.id);
+        EXPECT_STREQ(oxArrayClassIDName(id), r.name);
+        EXPECT_EQ(oxGetElementSizeofClassID(id), r.size) << r.name;
+        EXPECT_EQ(oxClassIDFromClassName(r.name), id);
+    }
+    EXPECT_EQ(oxClassIDFromClassName("DOUBLE"), oxDOUBLE_CLASS);
+    EXPECT_EQ(oxClassIDFromClassName("Function_Handle"), oxFUNCTION_CLASS);
+    for (const char *none : {"", "doubl", "doubles", "void"})
+        EXPECT_EQ(oxClassIDFromClassName(none), oxUNKNOWN_CLASS) << none;
+    EXPECT_EQ(oxClassIDFromClassName(nullptr), oxUNKNOWN_CLASS);
+}
+
+// The hole at 5 and everything outside the table read as unknown.
+TEST_F(Classes, VoidAndIdsOutOfRangeReadAsUnknown) {
+    for (const int id : {5, 19, 25, 1 << 30, -1}) {
+        const auto c = static_cast<oxClassID>(id);
+        EXPECT_STREQ(oxArrayClassIDName(c), "unknown") << id;
+        EXPECT_EQ(oxGetElementSizeofClassID(c), 0u) << id;
+        oxArray *a = oxCreateNumericMatrix(0, 3, c, oxREAL);
+        EXPECT_EQ(a->get_array_type(), 0) << id;
+    }
+}
+
+// Which of the class questions an array of each class answers with yes.
+TEST_F(Classes, Predicates) {
+    using Predicate = bool (*)(const oxArray *);
+    const Predicate own[19] = {
+        nullptr,    oxIsCell,   oxIsStructClass,    oxIsLogical, oxIsChar,   nullptr,   oxIsDouble,
+        oxIsSingle, oxIsInt8,   oxIsUint8,          oxIsInt16,   oxIsUint16, oxIsInt32, oxIsUint32,
+        oxIsInt64,  oxIsUint64, oxIsFunctionHandle, oxIsOpaque,  oxIsObject};
+    for (const ClassRow &r : class_rows) {
+        oxArray a{};
+        set_class(&a, r.id);
+        a.ndims = 2;
+        for (int id = 0; id < 19; ++id)
+            EXPECT_EQ(own[id] && own[id](&a), own[id] && id == r.id) << r.name << ' ' << id;
+        EXPECT_EQ(oxIsNumeric(&a), r.id >= 6 && r.id <= 15) << r.name;
+        EXPECT_EQ(oxIsFloat(&a), r.id == 6 || r.id == 7) << r.name;
+        EXPECT_EQ(oxIsInteger(&a), r.id >= 8 && r.id <= 15) << r.name;
+        EXPECT_EQ(oxIsIndex(&a), r.id == 15) << r.name;
+        EXPECT_EQ(oxIsStruct(&a), r.id == 2 || r.id == 18) << r.name;
+        EXPECT_EQ(oxGetClassID(&a), static_cast<oxClassID>(r.id)) << r.name;
+        EXPECT_EQ(oxGetElementSize(&a), r.size) << r.name;
+        const char *name = r.id == 18 ? "" : r.name; // an object without a class name
+        EXPECT_STREQ(oxGetClassName(&a), name);
+        EXPECT_TRUE(oxIsClass(&a, name));
+        EXPECT_FALSE(oxIsClass(&a, "DOUBLE"));
+    }
+}
+
+TEST_F(Classes, ObjectsAnswerTheirNameAndTag) {
+    oxArray a{};
+    set_class(&a, oxOBJECT_CLASS);
+    a.set_struct_object_classname("polygon");
+    EXPECT_STREQ(oxGetClassName(&a), "polygon");
+    EXPECT_TRUE(oxIsClass(&a, "polygon"));
+    EXPECT_FALSE(oxIsClass(&a, "object"));
+    a.set_struct_object_tag(99);
+    EXPECT_EQ(static_cast<int>(oxGetClassID(&a)), 99);
+    EXPECT_EQ(a.get_array_type(), 18);
+}
+
+struct ShapeRow {
+    Dims dims;
+    oxArray_attributes shape;
+};
+
+TEST_F(Classes, Attributes) {
+    const ShapeRow shapes[] = {
+        {{1, 1}, oxATTR_SCALAR},   {{1, 2}, oxATTR_ROW},         {{2, 1}, oxATTR_COLUMN},
+        {{2, 2}, oxATTR_MATRIX},   {{0, 5}, oxATTR_MATRIX},      {{0, 1}, oxATTR_MATRIX},
+        {{1, 0}, oxATTR_MATRIX},   {{1, 1, 1}, oxATTR_3D},       {{0, 1, 1}, oxATTR_3D},
+        {{1, 1, 1, 1}, oxATTR_4D}, {{1, 1, 1, 1, 1}, oxATTR_ND},
+    };
+    for (const ShapeRow &r : shapes) {
+        oxArray *a = oxCreateNumericArray(r.dims.size(), r.dims.data(), oxINT8_CLASS, oxREAL);
+        EXPECT_EQ(a->get_shape_attr(), r.shape) << text(a);
+        EXPECT_EQ(a->get_attributes(), r.shape | oxATTR_REAL | oxATTR_FULL) << text(a);
+    }
+    EXPECT_EQ(arr("1+2i")->get_attributes(), oxATTR_SCALAR | oxATTR_COMPLEX | oxATTR_FULL);
+    EXPECT_EQ(arr("sparse double 2x2")->get_attributes(),
+              oxATTR_MATRIX | oxATTR_REAL | oxATTR_SPARSE);
+}
+
+// Complexity and sparsity do not matter; other classes keep what they have.
+TEST_F(Classes, ScalarDoubleFlagUpkeep) {
+    struct Row {
+        const char *array;
+        bool before, after;
+    };
+    const Row rows[] = {
+        {"5", false, true},
+        {"1+2i", false, true},
+        {"1 2", true, false},
+        {"double 0x0", true, false},
+        {"double 1x1x1: 4", false, true},
+        {"double 1x1x2: 1|2", true, false},
+        {"single 1x1: 1", true, true},
+        {"int8 2x1: 1; 2", true, true},
+        {"logical 1x1: 1", false, false},
+        {"sparse double 1x1", false, true},
+    };
+    for (const Row &r : rows) {
+        oxArray *a = arr(r.array);
+        r.before ? oxSetScalarDoubleFlag(a) : oxClearScalarDoubleFlag(a);
+        oxSetScalarDoubleFlagIfAppropiate(a);
+        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), r.after) << r.array;
+        oxClearScalarDoubleFlag(a); // the ones kept on purpose are not well formed
+    }
+}
+
+TEST_F(Classes, FlagsDoNotDisturbEachOther) {
+    oxArray *a = arr("5");
+    oxSetUserBits(a, 0x1A5); // one byte of it
+    oxSetFromGlobalWS(a, true);
+    oxSetEmptySqrBrktFlag(a, true);
+    oxSetDataPrivateFlag(a, true);
+    EXPECT_EQ(oxGetUserBits(a), 0xA5);
+    EXPECT_EQ(a->flag_word, 0xA5000000u | oxFLAG_SCALAR_DOUBLE | oxFLAG_NUMERIC | oxFLAG_GLOBAL_WS |
+                                oxFLAG_EMPTY_BRACKET | oxFLAG_PRIVATE_DATA);
+    EXPECT_TRUE(oxIsFromGlobalWS(a));
+    EXPECT_TRUE(oxIsDataPrivate(a));
+    oxSetFromGlobalWS(a, false);
+    oxSetEmptySqrBrktFlag(a, false);
+    oxSetDataPrivateFlag(a, false);
+    oxSetUserBits(a, -1);
+    EXPECT_EQ(oxGetUserBits(a), 255);
+    EXPECT_EQ(a->flag_word, 0xFF000000u | oxFLAG_SCALAR_DOUBLE | oxFLAG_NUMERIC);
+    EXPECT_FALSE(oxIsReusable(a) || oxIsCommaList(a) || oxIsSparse(a));
+}
+
+TEST_F(Classes, OffsetsReachTheFields) {
+    oxArray *a = arr("1 2");
+    const auto *base = reinterpret_cast<const char *>(a);
+    const auto field = [&]<class T>(kwSize offset, T) {
+        T value;
+        std::memcpy(&value, base + offset, sizeof value);
+        return value;
+    };
+    a->reference_count = 7;
+    EXPECT_EQ(field(oxGetPdataOffset(), oxGetData(a)), oxGetData(a));
+    EXPECT_EQ(oxGetCellsOffset(), oxGetPdataOffset());
+    EXPECT_EQ(field(oxGetScopeOffset(), int32_t{}), oxSCOPE_TEMPORARY);
+    EXPECT_EQ(field(oxGetReferenceCountOffset(), uint32_t{}), 7u);
+    a->reference_count = 0;
+    oxArray *sharer = oxCreateSharedDataCopy(a);
+    EXPECT_EQ(field(oxGetLinkOffset(), a), sharer);
+}
+
+TEST_F(Classes, ImaginaryMarkCountsAsComplexButIsNoBlock) {
+    oxArray *a = arr("1 2");
+    EXPECT_FALSE(oxIsComplex(a));
+    oxMarkImagData(a);
+    EXPECT_TRUE(oxIsComplex(a));
+    EXPECT_TRUE(a->is_imag_marked());
+    EXPECT_FALSE(has_imag_block(a));
+    oxDestroyArray(a); // must not free the mark
+}
+
+TEST_F(Classes, Dimensions) {
+    oxArray *a = oxCreateNumericMatrix(2, 3, oxDOUBLE_CLASS, oxREAL);
+    const kwSize nd[] = {1, 2, 3};
+    EXPECT_EQ(oxSetDimensions(a, nd, 3), 0);
+    EXPECT_EQ(oxGetM(a), 1u);
+    EXPECT_EQ(oxGetN(a), 6u);
+    EXPECT_EQ(oxGetNumberOfDimensions(a), 3u);
+    EXPECT_EQ(oxSetDimensions(a, oxGetDimensions(a), 3), 0) << "its own vector";
+    EXPECT_EQ(oxGetDimensions(a)[2], 3u);
+    oxSetM(a, 4);
+    EXPECT_EQ(oxGetNumberOfDimensions(a), 3u);
+    EXPECT_EQ(oxGetNumberOfElements(a), 24u);
+    const kwIndex subs[] = {1, 1, 2, 5};
+    EXPECT_EQ(oxCalcSingleSubscript(a, 3, subs), 1u + 4 + 16);
+    EXPECT_EQ(oxCalcSingleSubscript(a, 4, subs), 1u + 4 + 16 + 24 * 5);
+    EXPECT_EQ(oxCalcSingleSubscript(a, 0, subs), 0u);
+    oxSetN(a, 5);
+    EXPECT_EQ(oxGetNumberOfDimensions(a), 2u);
+    EXPECT_EQ(oxGetN(a), 5u);
+    EXPECT_EQ(oxSetDimensions(a, nd + 2, 1), 0);
+    EXPECT_EQ(oxGetM(a), 3u);
+    EXPECT_EQ(oxGetN(a), 1u);
+    EXPECT_EQ(oxSetDimensions(a, nullptr, 0), 0);
+    EXPECT_TRUE(oxIsEmpty(a));
+    EXPECT_EQ(oxSetDimensions(a, nd, 1), 0);
+    EXPECT_TRUE(oxIsScalarDoubleFlagSet(a)) << "1-by-1";
+    oxSetM(a, 0);
+    EXPECT_FALSE(oxIsScalarDoubleFlagSet(a));
+}
+
+TEST_F(Classes, FirstElement) {
+    EXPECT_EQ(oxGetScalar(arr("7 8")), 7);
+    EXPECT_EQ(oxGetScalar(arr("int8 1x1: -3")), -3);
+    EXPECT_EQ(oxGetScalar(arr("uint64 1x1: 18446744073709551615")), 0x1p64);
+    EXPECT_EQ(oxGetScalar(arr("char 1x1: 'A'")), 65);
+    EXPECT_EQ(oxGetScalar(arr("logical 1x1: 1")), 1);
+    EXPECT_EQ(oxGetScalar(arr("sparse double 2x2: (0,0)=5")), 5);
+    EXPECT_EQ(oxGetScalar(arr("sparse double 2x2: (1,0)=5")), 0);
+    for (const char *t : {"double 0x3", "cell 1x1: {1}", "struct 1x1 a: {1}", "sparse double 0x0"})
+        EXPECT_TRUE(oxIsNaN(oxGetScalar(arr(t)))) << t;
+}
+
+// Everything goes but scope, count and place.
+TEST_F(Classes, ReTypingInPlace) {
+    struct Row {
+        const char *array;
+        oxClassID to;
+        uint32_t flags;
+    };
+    const Row rows[] = {
+        {"double 2x2x2: 1 2; 3 4 | 5 6; 7 8", oxDOUBLE_CLASS,
+         oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE},
+        {"1+2i", oxINT8_CLASS, oxFLAG_NUMERIC},
+        {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS, 0},
+        {"cell 1x2: {1} {char 1x1: 'a'}", oxCELL_CLASS, 0},
+        {"struct 1x2 a,b: {1} {} {2} {}", oxVOID_CLASS, 0},
+    };
+    for (const Row &r : rows) {
+        oxArray *a = arr(r.array);
+        oxSetUserBits(a, 3);
+        a->reference_count = 2;
+        oxReInitArray2Type(a, r.to);
+        EXPECT_EQ(a->flag_word, r.flags) << r.array;
+        EXPECT_EQ(a->class_code, r.to == oxVOID_CLASS ? 0 : r.to);
+        EXPECT_EQ(a->get_shape_attr(), oxATTR_SCALAR) << r.array;
+        for (const void *word : a->words) EXPECT_EQ(word, nullptr) << r.array;
+        EXPECT_EQ(a->scope, oxSCOPE_TEMPORARY);
+        EXPECT_EQ(a->reference_count, 2u);
+        a->reference_count = 0;
+        oxReInitArray2ScalarDouble(a);
+        EXPECT_EQ(a->flag_word, oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE) << r.array;
+    }
+}
+
+TEST_F(Classes, ReTypingLeavesTheRing) {
+    oxArray *a = arr("1 2"), *b = oxCreateSharedDataCopy(a);
+    oxReInitArray2ScalarDouble(a);
+    EXPECT_EQ(a->cross_link, nullptr);
+    EXPECT_EQ(b->cross_link, nullptr);
+    EXPECT_EQ(text(b), "double 1x2: 1 2");
+}
+
+} // namespace

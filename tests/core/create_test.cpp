@@ -1,0 +1,283 @@
+// Creating, reusing and destroying arrays.
+#include <core/array_list.h>
+#include <core/check_header.h>
+#include <ox.h>
+#include <ox.hpp>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/host.h>
+
+#include <cstring>
+#include <functional>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+class Create : public HostTest {};
+
+constexpr kwSize huge = kwSize{1} << 60, two24 = kwSize{1} << 24;
+
+oxArray *nd(const Dims &dims, oxClassID id = oxDOUBLE_CLASS, oxComplexity c = oxREAL) {
+    return oxCreateNumericArray(dims.size(), dims.data(), id, c);
+}
+
+struct Created {
+    std::function<oxArray *()> make;
+    const char *text;
+};
+
+TEST_F(Create, FullArrays) {
+    const Created rows[] = {
+        {[] { return oxCreateDoubleMatrix(2, 2, oxREAL); }, "double 2x2: 0 0; 0 0"},
+        {[] { return oxCreateDoubleMatrix(1, 2, oxCOMPLEX); }, "double 1x2: 0+0i 0+0i"},
+        {[] { return oxCreateNumericMatrix(1, 1, oxSINGLE_CLASS, oxCOMPLEX); }, "single 1x1: 0+0i"},
+        {[] { return oxCreateNumericMatrix(1, 2, oxUINT64_CLASS, oxREAL); }, "uint64 1x2: 0 0"},
+        {[] { return oxCreateLogicalMatrix(2, 1); }, "logical 2x1: 0; 0"},
+        {[] {
+             return nd({2, 1, 2});
+         },
+         "double 2x1x2: 0; 0 | 0; 0"},
+        {[] {
+             return nd({1, 1, 1});
+         },
+         "double 1x1x1: 0"}, // nothing is trimmed
+        {[] { return nd({3}); }, "double 3x1: 0; 0; 0"},
+        {[] { return nd({}); }, "double 0x0"},
+        {[] { return oxCreateNumericArray(3, nullptr, oxDOUBLE_CLASS, oxREAL); }, "double 0x0"},
+        {[] {
+             return oxCreateLogicalArray(2, Dims{1, 3}.data());
+         },
+         "logical 1x3: 0 0 0"},
+        {[] { return oxCreateDoubleScalar(-0.5); }, "double 1x1: -0.5"},
+        {[] { return oxCreateSingleScalar(0.1f); }, "single 1x1: 0.1"},
+        {[] { return oxCreateLogicalScalar(true); }, "logical 1x1: 1"},
+        {[] { return oxCreateNumericScalar(oxINT16_CLASS, oxCOMPLEX); }, "int16 1x1: 0+0i"},
+        {[] { return oxCreateUninitNumericMatrix(1, 1, oxDOUBLE_CLASS, oxCOMPLEX); },
+         "double 1x1: 0+0i"},
+        {[] { return oxCreateUninitDoubleMatrix(0, 7, oxCOMPLEX); }, "double 0x7"},
+        // Empty arrays are never too large, and have no data, complex or not.
+        {[] { return oxCreateNumericMatrix(0, huge, oxDOUBLE_CLASS, oxCOMPLEX); },
+         "double 0x1152921504606846976"},
+        {[] {
+             return nd({0, huge});
+         },
+         "double 0x1152921504606846976"},
+        {[] {
+             return nd({huge, 0});
+         },
+         "double 1152921504606846976x0"},
+        {[] {
+             return nd({0, huge, huge});
+         },
+         "double 0x1152921504606846976x1152921504606846976"},
+        {[] {
+             return nd({huge, 0, huge});
+         },
+         "double 1152921504606846976x0x1152921504606846976"},
+        {[] { return oxCreateUninitNumericMatrix(huge, 0, oxINT8_CLASS, oxREAL); },
+         "int8 1152921504606846976x0"},
+        // Classes that are not numeric have no imaginary part.
+        {[] { return oxCreateNumericMatrix(1, 2, oxCHAR_CLASS, oxCOMPLEX); },
+         "char 1x2: '\\u0000\\u0000'"},
+    };
+    for (const Created &r : rows) {
+        oxArray *a = r.make();
+        EXPECT_EQ(text(a), r.text);
+        EXPECT_EQ(check_header(a, CheckDepth::storage), 0) << r.text;
+        EXPECT_TRUE(listed_as_its_scope_says(a)) << r.text;
+        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), oxIsDouble(a) && oxGetNumberOfElements(a) == 1)
+            << r.text;
+        EXPECT_EQ(oxGetData(a) == nullptr, oxIsEmpty(a)) << r.text;
+    }
+}
+
+TEST_F(Create, UninitializedArraysHaveTheirSize) {
+    oxArray *a = oxCreateUninitNumericArray(3, Dims{2, 3, 4}.data(), oxINT32_CLASS, oxCOMPLEX);
+    std::memset(oxGetData(a), 1, 24 * 4);
+    std::memset(oxGetImagData(a), 1, 24 * 4);
+    EXPECT_EQ(oxGetNumberOfDimensions(a), 3u);
+    EXPECT_EQ(check_header(a, CheckDepth::storage), 0);
+    EXPECT_NE(oxGetData(oxCreateUninitDoubleMatrix(100, 100, oxREAL)), nullptr);
+}
+
+// Deliberate: too many elements are out of memory to the creators, too large to the checks.
+TEST_F(Create, TooLarge) {
+    for (const kwSize n : {two24, huge, ~kwSize{0}}) {
+        EXPECT_RAISES_ENTRY(FNOMEM, oxCreateNumericMatrix(two24, n, oxINT8_CLASS, oxREAL));
+        EXPECT_RAISES_ENTRY(FNOMEM, oxCreateLogicalMatrix(n, two24));
+        EXPECT_RAISES_ENTRY(FNOMEM, nd({two24, n, 1}));
+        EXPECT_RAISES_ENTRY(FNOMEM, nd({2, two24, n}));
+        EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCreateUninitDoubleMatrix(two24, n, oxREAL));
+        EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCreateUninitNumericArray(3, Dims{2, two24, n}.data(),
+                                                                  oxINT8_CLASS, oxREAL));
+    }
+    // Within the limit of elements; the bytes decide.
+    EXPECT_RAISES_ENTRY(FNOMEM, oxCreateDoubleMatrix(two24, two24 - 1, oxREAL));
+    EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCreateUninitDoubleMatrix(two24, two24 - 1, oxREAL));
+    EXPECT_RAISES_ENTRY(FNOMEM, oxCreateNumericMatrix(1, 1, oxUNKNOWN_CLASS, oxREAL));
+    EXPECT_RAISES_ENTRY(FNOMEM, oxCreateNumericMatrix(1, 1, oxVOID_CLASS, oxREAL));
+}
+
+// Deliberate: the byte is stored unchanged.
+TEST_F(Create, LogicalScalarKeepsItsByte) {
+    using Untyped = void (*)();
+    const auto untyped = reinterpret_cast<Untyped>(oxCreateLogicalScalar);
+    const auto create = reinterpret_cast<oxArray *(*)(unsigned char)>(untyped); // as C may call it
+    EXPECT_EQ(text(create(5)), "logical 1x1: 5");
+    EXPECT_EQ(text(create(0)), "logical 1x1: 0");
+}
+
+// --- Reuse -----------------------------------------------------------------------------------
+
+struct Lender {
+    const char *array;
+    bool offered; // marked as reusable
+    bool lends;   // to a real 1-by-4 double
+};
+
+TEST_F(Create, WhichCandidateLends) {
+    const Lender rows[] = {
+        {"1 2 3 4", true, true},
+        {"double 2x2: 1 2; 3 4", true, true},
+        {"double 2x1x2: 1; 2 | 3; 4", true, true},
+        {"int64 1x4: 1 2 3 4", true, true}, // another class of the same width
+        {"1 2 3 4", false, false},
+        {"1+1i 2 3 4", true, false},
+        {"1 2 3", true, false},
+        {"single 1x8: 1 2 3 4 5 6 7 8", true, false}, // the same bytes in other elements
+        {"sparse double 1x4: (0,0)=1", true, false},
+        {"double 0x4", true, false},
+    };
+    for (const Lender &r : rows) {
+        oxArray *lender = arr(r.array), *refused = arr("9 9 9 9");
+        lender->set_reusable(r.offered);
+        oxArray *const candidates[] = {nullptr, refused, lender};
+        oxArray *a = oxCreateDoubleMatrixWithReuse(1, 4, oxREAL, 3, candidates);
+        EXPECT_EQ(oxGetData(a) == oxGetData(lender), r.lends) << r.array;
+        EXPECT_EQ(a->cross_link == lender, r.lends) << r.array;
+        EXPECT_NE(oxGetData(a), oxGetData(refused));
+        EXPECT_EQ(oxIsReusable(lender), r.offered && !r.lends) << r.array;
+        EXPECT_FALSE(oxIsReusable(a)) << r.array;
+        EXPECT_EQ(check_header(a, CheckDepth::storage), 0) << r.array;
+        oxDestroyArray(lender); // the data stay with the new array
+        EXPECT_EQ(oxGetNumberOfElements(a), 4u);
+        EXPECT_EQ(text(a) == "double 1x4: 0 0 0 0", !r.lends) << r.array;
+    }
+}
+
+TEST_F(Create, ReuseTakesTheFirstThatFitsAndKeepsTheContents) {
+    oxArray *candidates[] = {arr("5+6i"), arr("7"), arr("8")};
+    for (oxArray *c : candidates) c->set_reusable(true);
+    oxArray *a = oxCreateNumericMatrixWithReuse(1, 1, oxDOUBLE_CLASS, oxREAL, 3, candidates);
+    EXPECT_EQ(text(a), "double 1x1: 7");
+    EXPECT_TRUE(oxIsScalarDoubleFlagSet(a));
+    EXPECT_TRUE(oxIsReusable(candidates[2]));
+    oxArray *b = oxCreateNumericArrayWithReuse(3, Dims{1, 1, 1}.data(), oxDOUBLE_CLASS, oxCOMPLEX,
+                                               3, candidates);
+    EXPECT_EQ(text(b), "double 1x1x1: 5+6i");
+    oxArray *flags[] = {arr("logical 2x2: 1 0; 1 1"), arr("logical 1x3: 1 1 1")};
+    for (oxArray *c : flags) c->set_reusable(true);
+    EXPECT_EQ(text(oxCreateLogicalMatrixWithReuse(4, 1, 2, flags)), "logical 4x1: 1; 1; 0; 1");
+    EXPECT_EQ(text(oxCreateLogicalArrayWithReuse(1, Dims{3}.data(), 2, flags)),
+              "logical 3x1: 1; 1; 1");
+}
+
+// --- Destruction -------------------------------------------------------------------------------
+
+TEST_F(Create, DestroyDropsReferencesFirst) {
+    oxArray *a = arr("1 2");
+    a->reference_count = 2;
+    const std::size_t headers = live().headers;
+    oxDestroyArray(a);
+    oxDestroyArray(a);
+    EXPECT_EQ(live().headers, headers);
+    EXPECT_TRUE(oxIsTemp(a)) << "dropping a reference changes nothing else";
+    oxDestroyArray(a);
+    EXPECT_EQ(live().headers, headers - 1);
+    oxDestroyArray(nullptr);
+}
+
+// Each member of a ring may go first; the data go with the last.
+TEST_F(Create, DestroyLeavesSharedDataToTheOthers) {
+    arr("0"); // the list has its vector from now on
+    for (const char *t : {"double 2x1x2: 1; 2 | 3; 4", "1+2i 3+4i", "sparse double 3x2: (1,1)=5",
+                          "cell 1x2: {1} {char 1x2: 'ab'}", "struct 1x2 a,b: {1} {2} {3} {}"}) {
+        for (int order = 0; order < 6; ++order) {
+            const Live before = live();
+            oxArray *ring[3] = {arr(t)};
+            const std::string before_text = text(ring[0]);
+            ring[1] = oxCreateSharedDataCopy(ring[0]);
+            ring[2] = oxCreateSharedDataCopy(ring[0]);
+            const int first = order % 3, second = (first + 1 + order / 3) % 3;
+            oxDestroyArray(ring[first]);
+            oxDestroyArray(ring[second]);
+            oxArray *last = ring[3 - first - second];
+            EXPECT_EQ(text(last), before_text);
+            EXPECT_EQ(last->cross_link, nullptr);
+            oxDestroyArray(last);
+            EXPECT_EQ(live(), before) << t << order;
+        }
+    }
+}
+
+TEST_F(Create, PrivateDataAreNeverFreed) {
+    double block[2] = {1, 2};
+    oxArray *a = arr("double 0x0");
+    oxSetDataPrivateFlag(a, true);
+    oxSetPr(a, block);
+    oxSetM(a, 1);
+    oxSetN(a, 2);
+    oxArray *sharer = oxCreateSharedDataCopy(a), *third = oxCreateSharedDataCopy(a);
+    oxDestroyArray(a); // the others get storage of their own
+    EXPECT_EQ(text(sharer), "double 1x2: 1 2");
+    EXPECT_NE(oxGetPr(sharer), block);
+    EXPECT_EQ(oxGetPr(third), oxGetPr(sharer));
+    EXPECT_EQ(block[1], 2);
+}
+
+TEST_F(Create, AKeptHeaderOnlyLeavesTheList) {
+    oxArray *a = arr("1 2");
+    a->set_flag(oxFLAG_HEADER_KEPT, true);
+    oxDestroyArray(a);
+    EXPECT_FALSE(array_list_contains(a));
+    EXPECT_EQ(oxGetArrayScopeField(a), oxSCOPE_DESTROYED);
+    EXPECT_EQ(text(a), "double 1x2: 1 2");
+    a->set_flag(oxFLAG_HEADER_KEPT, false);
+    oxDestroyArray(a);
+}
+
+TEST_F(Create, ThirtyTwoBitDimensionsGoWithTheArray) {
+    oxArray *a = arr("double 1x1x2: 1 | 2");
+    a->dim32 = static_cast<ox_dim32_cache *>(oxCallocEx(1, sizeof *a->dim32));
+    a->dim32->dims = static_cast<int *>(oxCallocEx(3, sizeof(int)));
+    a->dim32->length = 3;
+    oxArray *copy = oxCreateSharedDataCopy(a);
+    EXPECT_EQ(copy->dim32, nullptr) << "never shared";
+    oxDestroyArray(a); // frees the cache once; the fixture counts
+    EXPECT_EQ(text(copy), "double 1x1x2: 1 | 2");
+}
+
+TEST_F(Create, HeadersComeCleanFromUsedMemory) {
+    for (int k = 0; k < 3; ++k) {
+        auto *a = new oxArray;
+        ASSERT_NE(a, nullptr);
+        const oxArray zero{};
+        EXPECT_EQ(std::memcmp(a, &zero, sizeof zero), 0);
+        std::memset(a, 0xFF, sizeof *a);
+        delete a;
+    }
+}
+
+TEST_F(Create, UnusedHeaderMemoryIsGivenBack) {
+    {
+        Contexts inner;
+        for (int k = 0; k < 1000; ++k) oxCreateDoubleScalar(k);
+    }
+    oxRecoverArrayStorage();
+    EXPECT_FALSE(oxRecoverArrayStorage()) << "nothing is left to give";
+    EXPECT_EQ(text(oxCreateDoubleScalar(5)), "double 1x1: 5");
+}
+
+} // namespace

@@ -1,0 +1,159 @@
+// The size checks in all their forms.
+#include <core/position.h>
+#include <ox.h>
+#include <ox.hpp>
+#include <support/expect.h>
+#include <support/host.h>
+
+#include <climits>
+#include <cmath>
+#include <vector>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+class SizeCheck : public HostTest {};
+
+constexpr kwSize two24 = kwSize{1} << 24, two47 = kwSize{1} << 47, most = (kwSize{1} << 48) - 1;
+constexpr double nan_ = NAN;
+
+struct WideRow {
+    std::vector<kwSize> dims;
+    kwSize size;
+    bool fits;
+    kwSize count;
+};
+const WideRow wide_rows[] = {
+    {{}, 8, true, 1},
+    {{7}, 8, true, 7},
+    {{3, 4, 5}, 8, true, 60},
+    {{two24, two24}, 1, false, most},
+    {{two24, two24 - 1}, 1, true, two24 *(two24 - 1)},
+    {{two24, two24 - 1}, 8, false, most},
+    {{most}, 1, true, most},
+    {{most}, 2, false, most},
+    {{two47}, 1, true, two47},
+    {{two47 / 4}, 8, false, most},
+    {{two47 / 4 - 1}, 8, true, two47 / 4 - 1},
+    {{~kwSize{0}, ~kwSize{0}}, 1, false, most},
+    {{~kwSize{0}, ~kwSize{0}, 0}, 8, true, 0}, // a later 0 forgives
+    {{0, ~kwSize{0}}, 8, true, 0},
+    {{two24, two24, 1, 0, two24}, 8, true, 0},
+    {{kwSize{1} << 32, kwSize{1} << 32, kwSize{1} << 32, kwSize{1} << 32}, 1, false, most},
+};
+
+TEST_F(SizeCheck, Wide) {
+    for (const WideRow &r : wide_rows) {
+        SCOPED_TRACE(testing::PrintToString(r.dims));
+        kwSize count = 12345;
+        EXPECT_EQ(oxCheckDim_nothrow(r.dims.data(), r.dims.size(), r.size, &count), r.fits);
+        EXPECT_EQ(count, r.count);
+        EXPECT_EQ(oxCheckDim_nothrow(r.dims.data(), r.dims.size(), r.size), r.fits);
+        if (r.fits)
+            EXPECT_EQ(oxCheckDim(r.dims.data(), r.dims.size(), r.size), r.count);
+        else
+            EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckDim(r.dims.data(), r.dims.size(), r.size));
+        if (r.dims.size() != 2) continue;
+        EXPECT_EQ(oxCheckMN_nothrow(r.dims[0], r.dims[1], r.size, &count), r.fits);
+        if (r.fits) continue;
+        EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckMN(r.dims[0], r.dims[1], r.size));
+    }
+}
+
+struct NarrowRow {
+    std::vector<int> dims;
+    kwSize size;
+    bool fits;
+    int count;
+};
+const NarrowRow narrow_rows[] = {
+    {{}, 8, true, 1},
+    {{3, 4, 5}, 8, true, 60},
+    {{INT_MAX}, 8, true, INT_MAX},
+    {{INT_MAX, 2}, 1, false, INT_MAX},
+    {{1 << 15, 1 << 16}, 1, false, INT_MAX}, // 2^31
+    {{INT_MAX}, kwSize{1} << 17, true, INT_MAX},
+    {{INT_MAX}, (kwSize{1} << 17) + 1, false, INT_MAX},
+    {{-1, 5}, 8, false, INT_MAX},
+    {{-1, -1}, 8, false, INT_MAX},
+    {{-1, 0}, 8, true, 0},
+};
+
+TEST_F(SizeCheck, Narrow) {
+    for (const NarrowRow &r : narrow_rows) {
+        SCOPED_TRACE(testing::PrintToString(r.dims));
+        const int ndim = static_cast<int>(r.dims.size());
+        int count = 12345;
+        EXPECT_EQ(oxCheckDim_nothrow(r.dims.data(), ndim, r.size, &count), r.fits);
+        EXPECT_EQ(count, r.count);
+        EXPECT_EQ(oxCheckDim_nothrow(r.dims.data(), ndim, r.size), r.fits);
+        if (r.fits) {
+            EXPECT_EQ(oxCheckDim(r.dims.data(), ndim, r.size), r.count);
+            EXPECT_EQ(oxCheckDim_700(r.dims.data(), ndim, r.size), r.count);
+        } else {
+            EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckDim(r.dims.data(), ndim, r.size));
+            EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckDim_700(r.dims.data(), ndim, r.size));
+        }
+        if (ndim != 2) continue;
+        EXPECT_EQ(oxCheckMN_nothrow(r.dims[0], r.dims[1], r.size, &count), r.fits);
+        if (r.fits) continue;
+        EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckMN(r.dims[0], r.dims[1], r.size));
+    }
+}
+
+constexpr int64_t raises_ = -1;
+
+struct DoubleRow {
+    double m, n;
+    kwSize size;
+    int64_t wide, narrow; // the counts, or raises_
+};
+const DoubleRow double_rows[] = {
+    {3.9, 5.0, 8, 15, 15},
+    {-1.0, 5.0, 8, 0, raises_}, // negative is none of them, and huge as an int
+    {-1.0, 0.0, 8, 0, 0},
+    {-0.5, 5.0, 8, 0, 0},
+    {nan_, 1.0, 8, raises_, int64_t{INT_MAX}},
+    {nan_, 1.0, 1, int64_t{most}, int64_t{INT_MAX}},
+    {nan_, 2.0, 1, raises_, raises_},
+    {nan_, 0.0, 8, 0, 0},
+    {INFINITY, 1.0, 1, int64_t{most}, int64_t{INT_MAX}},
+    {-INFINITY, 1.0, 1, 0, raises_},
+    {1e300, 1.0, 1, int64_t{most}, int64_t{INT_MAX}},
+    {2147483648.0, 1.0, 1, 2147483648, int64_t{INT_MAX}},
+    {65536.0, 32768.0, 1, 2147483648, raises_},
+    {281474976710655.0, 1.0, 1, int64_t{most}, int64_t{INT_MAX}},
+};
+
+TEST_F(SizeCheck, Doubles) {
+    for (const DoubleRow &r : double_rows) {
+        SCOPED_TRACE(testing::Message() << r.m << " by " << r.n << " of " << r.size);
+        kwSize count;
+        EXPECT_EQ(oxCheckMN_nothrow(r.m, r.n, r.size, &count), r.wide != raises_);
+        EXPECT_EQ(count, r.wide == raises_ ? most : static_cast<kwSize>(r.wide));
+        if (r.wide == raises_)
+            EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckMN(r.m, r.n, r.size));
+        else
+            EXPECT_EQ(oxCheckMN(r.m, r.n, r.size), static_cast<kwSize>(r.wide));
+        if (r.narrow == raises_)
+            EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckMN_700(r.m, r.n, r.size));
+        else
+            EXPECT_EQ(oxCheckMN_700(r.m, r.n, r.size), r.narrow);
+    }
+}
+
+TEST_F(SizeCheck, LimitsAndSaturation) {
+    EXPECT_EQ(oxGetMaxNumberOfElements(), most);
+    EXPECT_EQ(oxGetMaxNumberOfBytes(), most);
+    EXPECT_EQ(saturating_add(most - 1, 1), most);
+    EXPECT_EQ(saturating_add(most, 1), most);
+    EXPECT_EQ(saturating_add(~kwSize{0}, ~kwSize{0}), most);
+    EXPECT_EQ(saturating_multiply(two24, two24 - 1), two24 * (two24 - 1));
+    EXPECT_EQ(saturating_multiply(two24, two24), most);
+    EXPECT_EQ(saturating_multiply(~kwSize{0}, ~kwSize{0}), most);
+    EXPECT_EQ(saturating_multiply(0, ~kwSize{0}), 0u);
+}
+
+} // namespace

@@ -1,0 +1,112 @@
+// The library at load, before the host has installed its managers.
+#include <core/alloc.h>
+#include <core/array_list.h>
+#include <core/startup.h>
+#include <ox.h>
+#include <ox.hpp>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/faults.h>
+#include <support/host.h>
+
+#include <fl.hpp>
+
+#include <vector>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+// Whatever ran first in this process must not have needed a manager.
+const bool created_at_start = [] {
+    oxArray *a = oxCreateDoubleScalar(7);
+    const bool sound = a && oxGetScalar(a) == 7 && oxGetArrayScopeField(a) == 0;
+    oxDestroyArray(a);
+    return sound;
+}();
+
+class Uninit : public BareTest {};
+
+TEST_F(Uninit, ArraysExistBeforeAnyManager) { EXPECT_TRUE(created_at_start); }
+
+TEST_F(Uninit, ArraysAreUnlisted) {
+    EXPECT_FALSE(oxIsArrayListInitialized());
+    oxArray *a = arr("1 2");
+    EXPECT_EQ(oxGetArrayScopeField(a), oxSCOPE_NONE);
+    EXPECT_EQ(array_list_length(), 0u);
+    oxSetArrayScope(a, oxSCOPE_TEMPORARY); // stored, but nothing would take it off the list again
+    EXPECT_TRUE(oxIsTemp(a));
+    EXPECT_EQ(array_list_length(), 0u);
+    EXPECT_EQ(oxPreparePropertyValueForContainment(a), a);
+    EXPECT_EQ(oxGetArrayScopeField(a), oxSCOPE_PROPERTY);
+    oxDestroyArray(a);
+}
+
+// Out of memory is null; too large, which is the caller's fault, raises as ever.
+TEST_F(Uninit, FailedCreationGivesNull) {
+    constexpr kwSize two24 = kwSize{1} << 24;
+    EXPECT_EQ(oxCreateDoubleMatrix(two24, two24, oxREAL), nullptr);
+    EXPECT_EQ(oxCreateNumericMatrix(2, 2, oxUNKNOWN_CLASS, oxREAL), nullptr);
+    EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCreateUninitDoubleMatrix(two24, two24, oxREAL));
+    EXPECT_EQ(oxCreateUninitDoubleMatrix(two24, two24 / 16, oxREAL), nullptr);
+    FailingAllocation none(1, FailingAllocation::Then::stays);
+    EXPECT_EQ(oxCreateDoubleScalar(1), nullptr);
+}
+
+TEST_F(Uninit, BlocksAreUnlistedAndRefusedInSilence) {
+    void *a = oxMalloc(8);
+    EXPECT_FALSE(oxIsOnAllocList(a));
+    oxFreeAllocListContext();
+    a = oxRealloc(a, 1 << 20);
+    oxFree(a);
+    EXPECT_EQ(oxMalloc(~kwSize{0}), nullptr);
+    EXPECT_EQ(oxCallocExCheck(2, ~kwSize{0}), nullptr);
+}
+
+// Deliberate: with listeners but no reaction to failure, a block that could not be moved is
+// reported as freed although it lives on.
+TEST_F(Uninit, FailedReallocIsReportedToTheListener) {
+    static std::vector<void *> freed;
+    freed.clear();
+    void *a = oxMalloc(8);
+    oxSetAllocListeners(nullptr, [](void *b) { freed.push_back(b); });
+    EXPECT_EQ(oxRealloc(a, ~kwSize{0}), nullptr);
+    EXPECT_EQ(freed, std::vector<void *>{a});
+    oxFreeEx(a);
+}
+
+TEST_F(Uninit, ContextsMayBeEnteredOnEmptyLists) {
+    const int arrays = oxEnterNewArrayListContext(), blocks = oxEnterNewAllocListContext();
+    install_managers();
+    oxArray *a = oxCreateDoubleScalar(1);
+    oxMalloc(8);
+    EXPECT_EQ(array_list_context_length(), 1u);
+    oxExitArrayListContext(arrays, nullptr, 0, true);
+    oxFreeAllocListContext();
+    oxRestorePreviousAllocListContext(blocks);
+    EXPECT_FALSE(array_list_contains(a));
+    EXPECT_EQ(GetAllocListLength(), 0u);
+}
+
+// A raise works without a list, too.
+TEST_F(Uninit, RaisesAreRecorded) {
+    EXPECT_RAISES("A:b", "early", oxErrMsgIdAndTxt("A:b", "early"));
+    EXPECT_STREQ(oxGetLastErrMsg(), "early");
+}
+
+TEST_F(Uninit, ProcessWideObjectsAreMadeOnce) {
+    const int objects = constructed_static_objects(), applications = fl::init::count();
+    EXPECT_EQ(objects, 2);
+    EXPECT_EQ(applications, 1);
+    oxArray *before = arr("5");
+    EXPECT_TRUE(detail::matrix::init_pool(0));
+    EXPECT_TRUE(detail::matrix::init_application_init(1));
+    EXPECT_EQ(constructed_static_objects(), objects);
+    EXPECT_EQ(fl::init::count(), applications);
+    EXPECT_EQ(live_headers(), 1u) << "the same pool";
+    oxDestroyArray(before);
+    EXPECT_EQ(live_headers(), 0u);
+}
+
+} // namespace
