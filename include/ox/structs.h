@@ -47,11 +47,12 @@ OX_API void oxSetFieldByNumber_730(oxArray *a, kwSize i, int n, oxArray *v);
 OX_API void oxSetField_730(oxArray *a, kwSize i, const char *name, oxArray *v);
 
 /* Adds an empty field behind the others and returns its number, or that of the field of this name.
-   Without memory it raises error 18, or before oxInitAllocListManager returns -1; the name may then
-   be there already without room for its values, and such an array can only be destroyed. The name
-   is not checked. */
+   The name is not checked. Returns -1 without memory for the name. Without memory for the values
+   it raises error 18 (or before oxInitAllocListManager returns -1) and the name stays although the
+   elements have no slot for it: nothing may be done with such an array, not even destroying it,
+   before oxSetFields has given it a fitting block. */
 OX_API int oxAddField(oxArray *a, const char *name);
-/* The same with a checked name: raises VELTRO:AddField:InvalidFieldName, or error 18. */
+/* The same with a checked name: raises VELTRO:AddField:InvalidFieldName, or error 18 for -1. */
 OX_API void oxAddFieldToStruct(oxArray *a, const char *name);
 /* Removes field n; its values become temporaries of the current array-list context. Nothing happens
    for other classes and numbers out of range. */

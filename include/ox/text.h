@@ -9,8 +9,8 @@ OX_BEGIN_C
 
 /* A char array holds UTF-16 units without a terminator. "Local" means the code page of the process
    locale. Malformed bytes become U+FFFD, characters that an encoding lacks its substitute; nothing
-   is raised for them. A text of 2^31 or more units or bytes raises VELTRO:P64BITSIZE wherever it
-   would have to be converted.
+   is raised for them. A text of 2^31 or more units or bytes raises error 73 wherever it would have
+   to be converted.
 
    The string of an array is what precedes its first NUL unit. */
 
