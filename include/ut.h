@@ -122,7 +122,8 @@ UT_API utWarnCtx *utGetWarningManagerContext(void);
 /** Switches the warning manager off (utGetWarningManagerContext answers null) or on; returns what
  *  it was. Its contents stay. */
 UT_API bool utSetWarningManagerEnabled(bool on);
-/** Back to the start: no statuses, modes off, no callbacks, nothing recorded. */
+/** Back to the start: no statuses, modes off, nothing recorded, no warning callback. The status
+ *  callbacks stay, for caches depend on them, and are fired. */
 UT_API void utResetWarningManager(utWarnCtx *context);
 
 /** Whether mode 2 or 3 is on; false for every other mode. */
@@ -190,7 +191,8 @@ UT_API void lcp_to_utf16_n(utChar16 *dst, int32_t *n, const char *src, int32_t l
 UT_API void utf16_to_lcp_n(char *dst, int32_t *n, const utChar16 *src, int32_t length);
 UT_API void utf8_to_utf16_n(utChar16 *dst, int32_t *n, const char *src, int32_t length);
 
-/** Copies leading ASCII characters (0-127) one to one and returns how many; stops at the first other. */
+/** Copies leading ASCII characters (0-127) one to one and returns how many; stops at the first
+ * other. */
 UT_API size_t utWidenAscii(utChar16 *dst, const char *src, size_t n);
 UT_API size_t utNarrowAscii(char *dst, const utChar16 *src, size_t n);
 /** How many leading bytes are ASCII. */

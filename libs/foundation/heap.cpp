@@ -7,9 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#if defined(__linux__)
 #include <malloc.h>
-#endif
 
 namespace fl {
 namespace {

@@ -94,11 +94,11 @@ void utResetWarningManager(utWarnCtx *context) {
     forget_statuses(*context);
     context->default_status = UT_WARNING_SHOWN;
     context->hint = context->quiet = false;
-    context->on_change.count = 0;
     context->on_warning = nullptr;
     store(context->last_identifier, nullptr);
     store(context->last_message, nullptr);
     store(context->last_printed, nullptr);
+    fire_change(*context);
 }
 
 bool utIsWarningModeOn(utWarnCtx *context, int mode) {

@@ -1,4 +1,4 @@
-// Pools, the memory manager's mode, and the application object.
+// Pools against a shadow model, and the memory manager's mode.
 #include "fl.hpp"
 
 #include <cstdint>
@@ -64,52 +64,14 @@ INSTANTIATE_TEST_SUITE_P(Shapes, PoolWalk,
                                          PoolShape{24, 1000}, PoolShape{5000, 4096},
                                          PoolShape{4096, 65536}));
 
-TEST(Pool, HeadersOfOneChunkLieInOneAlignedBlock) {
-    if (pass_through) GTEST_SKIP() << "one malloc per element under a sanitizer";
-    std::unique_ptr<fl::pool> pool(fl::create_managed_pool(104, 8192));
-    const auto chunk = [](void *p) { return reinterpret_cast<std::uintptr_t>(p) / 8192; };
-    void *first = pool->allocate();
-    for (int k = 1; k < 78; ++k) EXPECT_EQ(chunk(pool->allocate()), chunk(first));
-    EXPECT_NE(chunk(pool->allocate()), chunk(first));
-}
-
-TEST(Pool, FaultSeamReachesPools) {
-    std::unique_ptr<fl::pool> pool(fl::create_managed_pool(16, 8192));
-    fl::set_allocation_fault([] { return true; });
-    EXPECT_EQ(pool->allocate(), nullptr);
-    EXPECT_EQ(fl::create_managed_pool(16, 8192), nullptr);
-    fl::set_allocation_fault(nullptr);
-    EXPECT_EQ(pool->live(), 0u);
-    void *element = pool->allocate();
-    EXPECT_NE(element, nullptr);
-    pool->free(element);
-}
-
-struct RaisingManager final : fl::manager {
-    int mode() override { throw 5; }
-};
-
-TEST(Manager, ModeCanBeSetAndTheManagerReplaced) {
-    fl::manager &built_in = fl::manager::instance();
-    const int mode = built_in.mode();
-    EXPECT_NE(mode, fl::manager::utility_allocator);
-    built_in.set_mode(fl::manager::utility_allocator);
-    EXPECT_EQ(fl::manager::instance().mode(), fl::manager::utility_allocator);
-    built_in.set_mode(mode);
-    RaisingManager raising;
+TEST(Manager, CanBeReplacedByOneThatRaises) {
+    struct Raising final : fl::manager {
+        int mode() override { throw 5; }
+    } raising;
+    EXPECT_NE(fl::manager::instance().mode(), fl::manager::utility_allocator);
     EXPECT_EQ(fl::manager::set_instance(&raising), nullptr);
     EXPECT_THROW(fl::manager::instance().mode(), int);
     EXPECT_EQ(fl::manager::set_instance(nullptr), &raising);
-    EXPECT_EQ(&fl::manager::instance(), &built_in);
-}
-
-TEST(Init, CountsApplicationObjects) {
-    const int before = fl::init::count();
-    {
-        fl::init application;
-        EXPECT_EQ(fl::init::count(), before + 1);
-    }
-    EXPECT_EQ(fl::init::count(), before);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
-// The message catalogue, ut_error, the exception under lack of memory, protected items, memory,
-// FPU.
+// The message catalogue, raising with and without memory, protected items, memory, numbers.
 #include "ut.hpp"
 
 #include <cfenv>
@@ -7,7 +6,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
-#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace {
@@ -25,32 +24,32 @@ template<class F> ut::simple_exception caught(F &&raise) {
 TEST(Messages, BuiltInTextsAreRaisedUnderTheirIdentifiers) {
     const auto sparse = caught([] { ut_error(0x360001, "compat32", 41, "oxSetIr_700"); });
     EXPECT_STREQ(sparse.identifier(), "VELTRO:matrix:ERR_SPARSE_64BIT_OBSOLETE");
-    const std::string text = sparse.message();
-    EXPECT_EQ(
-        text.rfind(
-            "64-bit vex files using sparse matrices must be rebuilt with the \"-largeArrayDims\"",
-            0),
-        0u);
-    EXPECT_NE(text.find("oxSetIr_700"), std::string::npos);
-    const std::string ending = "release notes for more details.";
-    EXPECT_EQ(text.substr(text.size() - ending.size()), ending);
+    EXPECT_STREQ(sparse.message(),
+                 "64-bit vex files using sparse matrices must be rebuilt with the "
+                 "\"-largeArrayDims\" option: oxSetIr_700 cannot serve them. "
+                 "See the release notes for more details.");
     const char *file;
     int line;
     utGetLastErrorPlace(&file, &line);
     EXPECT_STREQ(file, "compat32");
     EXPECT_EQ(line, 41);
-
     const auto obsolete = caught([] {
-        ut_error(UT_MSG_FUNCTION_OBSOLETE, "f", 1, "OXCREATEFULL", "OXCREATEDOUBLEMATRIX",
+        ut_error(UT_MSG_FUNCTION_OBSOLETE, "f", 1, "OXOLD", "OXNEW",
                  ut_get_message(UT_MSG_OXCREATEFULL_OBSOLETE));
     });
-    EXPECT_STREQ(
-        obsolete.what(),
-        "The function OXCREATEFULL is obsolete. A vex file or Dravon S-function that calls it "
-        "must call OXCREATEDOUBLEMATRIX instead. A Fortran Dravon S-function that does not "
-        "call OXCREATEFULL is to be recompiled in the current release.");
-    EXPECT_STREQ(ut_get_message(UT_MSG_NON_SCALAR_FUNCTION_HANDLES),
-                 "Nonscalar arrays of function handles are not allowed; use cell arrays instead.");
+    EXPECT_STREQ(obsolete.what(),
+                 "The function OXOLD is obsolete. A vex file or Dravon S-function that calls it "
+                 "must call OXNEW instead. A Fortran Dravon S-function that does not "
+                 "call OXCREATEFULL is to be recompiled in the current release.");
+}
+
+TEST(Messages, RegisteredRaiserGetsEveryErrorAndMayNotSwallowIt) {
+    static std::string seen;
+    const utErrorRaiser previous =
+        utSetErrorRaiser([](const char *identifier, const char *) { seen = identifier; });
+    caught([] { ut_error(UT_MSG_NON_SCALAR_FUNCTION_HANDLES, "", 0); });
+    EXPECT_EQ(seen, "VELTRO:matrix:ERR_NON_SCALAR_FUNCTION_HANDLES");
+    utSetErrorRaiser(previous);
 }
 
 TEST(Messages, TablesCanBeAddedAndUnknownCodesHaveATextToo) {
@@ -62,36 +61,6 @@ TEST(Messages, TablesCanBeAddedAndUnknownCodesHaveATextToo) {
     EXPECT_STREQ(error.message(), "Page 4294967297 of \"log\" is missing.");
     EXPECT_STREQ(ut_get_message_component(0x360001), "matrix"); // the first registration wins
     EXPECT_STRNE(ut_get_message(-1), "");
-    EXPECT_STRNE(ut_get_message_mnemonic(-1), "");
-}
-
-TEST(Messages, RegisteredRaiserGetsEveryError) {
-    utSetErrorRaiser([](const char *identifier, const char *message) {
-        throw std::runtime_error(std::string(identifier) + " / " + message);
-    });
-    try {
-        ut_error(UT_MSG_NON_SCALAR_FUNCTION_HANDLES, "", 0);
-    } catch (const std::runtime_error &error) {
-        EXPECT_EQ(std::string(error.what())
-                      .rfind("VELTRO:matrix:ERR_NON_SCALAR_FUNCTION_HANDLES / Nonscalar", 0),
-                  0u);
-    }
-    utSetErrorRaiser([](const char *, const char *) {}); // one that returns changes nothing
-    caught([] { ut_error(UT_MSG_NON_SCALAR_FUNCTION_HANDLES, "", 0); });
-    utSetErrorRaiser(nullptr);
-}
-
-TEST(Exception, CopiesShareTheirTextsAndOutliveTheOriginal) {
-    auto original = std::make_unique<ut::simple_exception>("id", "message");
-    ut::simple_exception copy = *original;
-    ut::simple_exception other("x", "y");
-    EXPECT_EQ(copy.message(), original->message());
-    other = copy;
-    other = *&other;
-    original.reset();
-    EXPECT_STREQ(copy.identifier(), "id");
-    EXPECT_STREQ(other.what(), "message");
-    EXPECT_STREQ(ut::simple_exception(nullptr, nullptr).message(), "");
 }
 
 TEST(Exception, IsMadeWithoutMemoryToo) {
@@ -100,20 +69,19 @@ TEST(Exception, IsMadeWithoutMemoryToo) {
     {
         const auto first =
             caught([] { throw ut::simple_exception("VELTRO:nomem", "Out of memory."); });
-        EXPECT_STREQ(first.identifier(), "VELTRO:nomem");
-        EXPECT_STREQ(first.message(), "Out of memory.");
         // More at once than there are reserves: each is made, the early ones keep their texts.
         std::vector<std::unique_ptr<ut::simple_exception>> more;
         for (int k = 0; k < 8; ++k)
             more.push_back(std::make_unique<ut::simple_exception>(std::to_string(k).c_str(),
                                                                   long_text.c_str()));
         EXPECT_STREQ(first.message(), "Out of memory.");
-        EXPECT_STREQ(more[0]->identifier(), "0");
+        EXPECT_STREQ(first.identifier(), "VELTRO:nomem");
         EXPECT_STREQ(more[1]->identifier(), "1");
         EXPECT_GT(std::strlen(more[0]->message()), 3000u);
     }
-    const ut::simple_exception after("again", "free reserve"); // all were given back
-    EXPECT_STREQ(after.message(), "free reserve");
+    ut::simple_exception copy("", nullptr);
+    copy = ut::simple_exception("again", "free reserve"); // all were given back
+    EXPECT_STREQ(copy.message(), "free reserve");
     utSetAllocationFault(nullptr);
 }
 
@@ -150,7 +118,6 @@ TEST(Memory, FollowsItsContract) {
     EXPECT_EQ(utRealloc(block, 9000), nullptr);
     EXPECT_EQ(utMalloc(1), nullptr);
     EXPECT_EQ(utCalloc(1, 1), nullptr);
-    EXPECT_EQ(utRealloc(nullptr, 1), nullptr);
     static int asked = 0;
     utSetOutOfMemoryListener([] { ++asked; });
     EXPECT_EQ(utF2cstr("ab", 2), nullptr);
@@ -162,28 +129,17 @@ TEST(Memory, FollowsItsContract) {
     EXPECT_EQ(utLiveBlocks(), before);
 }
 
-TEST(Numbers, RoundingAndFiniteness) {
-    const double inf = utGetInf();
-    const struct {
-        double x, rounded, floor, ceil;
-    } rows[] = {{0.5, 1, 0, 1},
-                {-0.5, -1, -1, -0.0},
-                {2.5, 3, 2, 3},
-                {-2.5, -3, -3, -2},
-                {0.49999999999999994, 0, 0, 1},
-                {4503599627370497.0, 4503599627370497.0, 4503599627370497.0, 4503599627370497.0},
-                {inf, inf, inf, inf}};
-    for (const auto &row : rows) {
-        EXPECT_EQ(utDoubleScalarRound(row.x), row.rounded) << row.x;
-        EXPECT_EQ(utFdlibm_floor(row.x), row.floor) << row.x;
-        EXPECT_EQ(utFdlibm_ceil(row.x), row.ceil) << row.x;
-    }
-    EXPECT_TRUE(std::isnan(utDoubleScalarRound(utGetNaN())));
-    EXPECT_TRUE(std::signbit(utDoubleScalarRound(-0.0)));
-    for (double x : {utGetNaN(), inf, -inf}) EXPECT_FALSE(utFinite(x));
-    for (double x : {0.0, -1e308, 5e-324}) EXPECT_TRUE(utFinite(x));
+TEST(Numbers, RoundingTakesHalvesAwayFromZero) {
+    const double odd = 4503599627370497.0; // 2^52 + 1: no room for a half
+    const double rows[][2] = {{0.5, 1},   {-0.5, -1}, {2.5, 3},
+                              {-2.5, -3}, {odd, odd}, {0.49999999999999994, 0}};
+    for (const auto &[x, rounded] : rows) EXPECT_EQ(utDoubleScalarRound(x), rounded) << x;
+    EXPECT_TRUE(std::signbit(utDoubleScalarRound(-0.25)));
+    EXPECT_EQ(utFdlibm_floor(-0.5), -1);
+    EXPECT_EQ(utFdlibm_ceil(-1.5), -1);
+    for (double x : {utGetNaN(), utGetInf(), -utGetInf()}) EXPECT_FALSE(utFinite(x));
+    EXPECT_TRUE(utFinite(-1e308));
     EXPECT_EQ(1.0f + utGetSingleEps(), std::nextafter(1.0f, 2.0f));
-    EXPECT_EQ(1.0 + utGetEps(), std::nextafter(1.0, 2.0));
 }
 
 TEST(Numbers, ResetFpuClearsFlagsAndRounding) {
