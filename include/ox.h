@@ -14,6 +14,7 @@
 #include <ox/memory.h>
 #include <ox/module.h>
 #include <ox/names.h>
+#include <ox/permute.h>
 #include <ox/predicates.h>
 #include <ox/sharing.h>
 #include <ox/sparse.h>

@@ -43,4 +43,9 @@ constexpr int class_index(int64_t id) {
 }
 constexpr const ClassInfo &class_info(int64_t id) { return class_table[class_index(id)]; }
 
+// Whether the elements are numbers, characters or truth values.
+constexpr bool holds_values(int64_t id) {
+    return id == oxLOGICAL_CLASS || id == oxCHAR_CLASS || class_info(id).numeric;
+}
+
 } // namespace ox

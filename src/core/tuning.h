@@ -13,15 +13,19 @@ constexpr kwSize pick(kwSize normal, kwSize) { return normal; }
 
 // Results of at least this many bytes are written past the caches.
 inline constexpr kwSize stream_min_bytes = pick(kwSize{8} << 20, 256);
+// Separate runs shorter than this are copied through them all the same.
+inline constexpr kwSize stream_min_run = pick(512, 16);
 
 // Bytes of one conversion step. Reading, and streaming past the caches, alternate step by step;
 // short steps overlap better.
 inline constexpr kwSize convert_block = pick(4096, 32);
 
+// Bytes of a row's piece that a large transpose collects before it leaves for memory.
+inline constexpr kwSize transpose_run = pick(512, 64);
+inline constexpr kwSize transpose_height = pick(256, 64); // of a column, likewise
+
 inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
 inline constexpr kwSize compare_block = pick(512, 2);    // elements compared before the first look
-inline constexpr kwSize row_map_share = pick(16, 2); // a row map may have so many rows a request
-inline constexpr kwSize row_bitmap_share = pick(256, 4); // and a bitmap so many an element
 
 // Field tables of at least this many names have a hash.
 inline constexpr kwSize field_hash_min = pick(64, 4);

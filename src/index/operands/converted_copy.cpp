@@ -17,10 +17,6 @@
 namespace ox {
 namespace {
 
-bool holds_values(int id) {
-    return id == oxLOGICAL_CLASS || id == oxCHAR_CLASS || class_info(id).numeric;
-}
-
 // Whether a block of byte-sized elements holds truth values as it is.
 bool all_zero_or_one(const oxArray *a) {
     const kwSize n = is_sparse(a) ? nonzeros(a) : a->get_number_of_elements();

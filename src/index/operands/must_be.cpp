@@ -14,10 +14,6 @@
 namespace ox {
 namespace {
 
-bool has_values(const oxArray *a) {
-    return a->class_code == oxLOGICAL_CLASS || a->class_code == oxCHAR_CLASS || is_numeric(a);
-}
-
 bool is_unknown_empty(const oxArray *a) {
     return a->class_code == oxUNKNOWN_CLASS && a->ndims == 2 && a->get_number_of_elements() == 0;
 }
@@ -67,8 +63,8 @@ oxArray *oxMustBe(oxArray *a, oxClassID to) {
     if (a->class_code == to) return a;
     if (to == oxVOID_CLASS) return oxMustBeSparse(a);
     oxArray *copy = nullptr;
-    if (has_values(a)) check_values(a, to);
-    if (has_values(a) || is_unknown_empty(a) || a->class_code == oxOPAQUE_CLASS ||
+    if (holds_values(a->class_code)) check_values(a, to);
+    if (holds_values(a->class_code) || is_unknown_empty(a) || a->class_code == oxOPAQUE_CLASS ||
         a->class_code == oxOBJECT_CLASS)
         copy = oxCreateConvertedCopy(a, to);
     if (!copy) raise_invalid(a, to);
@@ -80,7 +76,8 @@ oxArray *oxMustBeFullDouble(oxArray *a) {
     oxArray *copy = nullptr;
     if (is_unknown_empty(a))
         copy = hand_over(make_full(rows(a), cols(a), oxDOUBLE_CLASS, false));
-    else if (has_values(a) || a->class_code == oxOPAQUE_CLASS || a->class_code == oxOBJECT_CLASS)
+    else if (holds_values(a->class_code) || a->class_code == oxOPAQUE_CLASS ||
+             a->class_code == oxOBJECT_CLASS)
         copy = oxCreateConvertedCopy(a, oxDOUBLE_CLASS);
     if (!copy) raise_invalid(a, oxDOUBLE_CLASS);
     oxArray *full = oxMustBeFull(copy);

@@ -1,0 +1,12 @@
+// Transposing and permuting whole arrays without raising: the cores under <ox/permute.h>.
+#pragma once
+#include <core/array.h>
+
+namespace ox {
+
+// A full array of class cell, struct, logical, char, function handle or a number as a new one on no
+// list, whose dimension k is a's dimension order[k] (from one); dims are a's, padded to n with 1.
+// Containers share their elements. Null without memory.
+oxArray *permuted_copy(const oxArray *a, kwSize n, const kwSize *dims, const kwSize *order);
+
+} // namespace ox
