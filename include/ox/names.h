@@ -11,7 +11,8 @@ OX_BEGIN_C
 OX_API bool oxIsValidVelName(const char *name);
 OX_API bool oxIsValidVelNamePart(const char *name, kwSize len);
 /* Cuts a name of 64 bytes or more after 63, with the warning VELTRO:namelengthmaxexceeded, and
-   returns true; leaves any other alone. Where that warning is raised as an error, nothing is cut. */
+   returns true; leaves any other alone. Where that warning is raised as an error, nothing is cut.
+ */
 OX_API bool oxTruncateVelName(char *name);
 
 OX_END_C

@@ -39,6 +39,26 @@ OX_API void oxReshapeSparse(kwSize m, kwSize n, const kwIndex *jc, kwIndex *ir, 
    a temporary, else copied. Raises error 18 when no memory is left. */
 OX_API void ox_inResizeSparseArray(oxArray *dst, oxArray *src);
 
+/* B = A(rows, cols) as a new temporary: zero-based positions that may repeat and come in any order.
+   A null vector means all rows, or all columns, and its count is not read. Raises
+   VELTRO:badsubscript for a position beyond A, and error 18. */
+OX_API oxArray *oxSparseReference(const oxArray *a, const kwIndex *rows, kwSize nrows,
+                                  const kwIndex *cols, kwSize ncols);
+/* A(:): all elements as one column. Raises error 19 when they are more than an array can have. */
+OX_API oxArray *oxSparseColonReference(const oxArray *a);
+
+/* A(i, j, ...) with as many subscript arrays (one-based numbers, masks, ':' or colon objects) as
+   the name says; those beyond the second may hold ones only. On success *result is a new temporary;
+   otherwise it is left alone and the status says why. The Scalar forms take the one-based positions
+   themselves. */
+OX_API spStatus spRef2(const oxArray *a, const oxArray *const *subs, oxArray **result);
+OX_API spStatus spRef3(const oxArray *a, const oxArray *const *subs, oxArray **result);
+OX_API spStatus spRef4(const oxArray *a, const oxArray *const *subs, oxArray **result);
+OX_API spStatus spRef5(const oxArray *a, const oxArray *const *subs, oxArray **result);
+OX_API spStatus spRef6(const oxArray *a, const oxArray *const *subs, oxArray **result);
+OX_API spStatus spRef3Scalar(const oxArray *a, const double *subs, oxArray **result);
+OX_API spStatus spRef6Scalar(const oxArray *a, const double *subs, oxArray **result);
+
 /* Raises the error that a kernel's status stands for; returns for success and unknown numbers. */
 OX_API void oxHandleSparseSubscriptError(spStatus status);
 

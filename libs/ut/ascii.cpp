@@ -72,7 +72,9 @@ std::size_t ascii_prefix(const utChar16 *src, std::size_t n) { return skip_ascii
 
 } // namespace ut
 
-size_t utWidenAscii(utChar16 *dst, const char *src, size_t n) { return ut::widen_ascii(dst, src, n); }
+size_t utWidenAscii(utChar16 *dst, const char *src, size_t n) {
+    return ut::widen_ascii(dst, src, n);
+}
 size_t utNarrowAscii(char *dst, const utChar16 *src, size_t n) {
     return ut::narrow_ascii(dst, src, n);
 }

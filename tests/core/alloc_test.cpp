@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <vector>
 
 using namespace ox;
@@ -157,23 +158,20 @@ TEST_F(Alloc, Listeners) {
     oxSetAllocListeners(hear_alloc, hear_free);
     oxSetOutOfMemoryListener([] { ++refusals; });
     refusals = 0;
-    void *a = oxMalloc(8), *b = oxCalloc(1, 8);
-    void *same = oxRealloc(a, 8);
-    EXPECT_EQ(same, a);
-    void *moved = oxRealloc(b, 1 << 20);
-    void *fresh = oxRealloc(nullptr, 8);
-    oxRealloc(fresh, 0);
-    oxFree(same);
-    oxFree(moved);
+    void *a = oxMalloc(8), *b = oxCalloc(1, 8), *fresh = oxRealloc(nullptr, 8);
     using Heard = std::vector<std::pair<char, void *>>;
-    EXPECT_EQ(heard, (Heard{{'+', a},
-                            {'+', b},
-                            {'-', b},
-                            {'+', moved},
-                            {'+', fresh},
-                            {'-', fresh},
-                            {'-', a},
-                            {'-', moved}}));
+    Heard expected = {{'+', a}, {'+', b}, {'+', fresh}};
+    for (void *&block : {std::ref(a), std::ref(b)}) { // the heap may or may not move it
+        void *moved = oxRealloc(block, block == a ? 9 : 1 << 20);
+        if (moved != block) expected.insert(expected.end(), {{'-', block}, {'+', moved}});
+        block = moved;
+    }
+    EXPECT_GE(expected.size(), 5u) << "from 8 bytes to 1 MiB it must move";
+    oxRealloc(fresh, 0);
+    oxFree(a);
+    oxFree(b);
+    expected.insert(expected.end(), {{'-', fresh}, {'-', a}, {'-', b}});
+    EXPECT_EQ(heard, expected);
     EXPECT_EQ(oxMalloc(all), nullptr) << "a listener that returns";
     EXPECT_EQ(oxMallocExCheck(all), nullptr);
     EXPECT_EQ(oxCallocExCheck(all, 2), nullptr);

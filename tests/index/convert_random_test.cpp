@@ -46,9 +46,10 @@ template<class S> std::vector<S> values_of(std::mt19937_64 &rng, std::size_t n) 
                 std::ldexp(static_cast<double>(static_cast<int64_t>(bits)), -40);
             x = static_cast<S>(bits % 3 ? special[bits / 3 % special.size()] : ordinary);
         } else {
-            const S edge = bits & 4 ? std::numeric_limits<S>::max() : std::numeric_limits<S>::min();
-            x = bits % 3 ? static_cast<S>(bits >> 8)
-                         : static_cast<S>(edge + static_cast<S>(bits >> 4 & 3));
+            using Limits = std::numeric_limits<S>;
+            const S inward = static_cast<S>(bits >> 4 & 3);
+            const auto edge = bits & 4 ? Limits::max() - inward : Limits::min() + inward;
+            x = static_cast<S>(bits % 3 ? static_cast<S>(bits >> 8) : edge);
         }
     }
     return v;

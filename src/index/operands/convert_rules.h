@@ -73,9 +73,8 @@ template<class D, class S> inline constexpr S
                           : std::numeric_limits<S>::max();
 
 template<class D, class S>
-inline constexpr bool every_value_fits =
-    saturation_low<D, S> == std::numeric_limits<S>::min() &&
-    saturation_high<D, S> == std::numeric_limits<S>::max();
+inline constexpr bool every_value_fits = saturation_low<D, S> == std::numeric_limits<S>::min() &&
+                                         saturation_high<D, S> == std::numeric_limits<S>::max();
 
 template<class D, class S> D saturate(S x, uint32_t &kinds) {
     constexpr S lo = saturation_low<D, S>, hi = saturation_high<D, S>;

@@ -1,0 +1,135 @@
+// The class layer: what is asked of it when it is there, and what happens when it is not.
+#include <containers/object_layer.h>
+#include <core/array_list.h>
+#include <ox.hpp>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/fake_layer.h>
+#include <support/faults.h>
+#include <support/host.h>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+class Layer : public HostTest {};
+
+constexpr const char *missing = "VELTRO:objectLayerMissing";
+
+TEST_F(Layer, OpaqueElementsAreCopiedAndReleasedByTheirClass) {
+    oxArray *a = arr("opaque 1x3: 5 6 7"), *s = oxCreateSharedDataCopy(a);
+    EXPECT_EQ(s->cross_link, a);
+    layer_calls = {};
+    oxArray *d = oxCreateDeepCopy(a);
+    EXPECT_EQ(layer_calls.element_copies, 3);
+    EXPECT_EQ(text(d), "opaque 1x3: 5 6 7");
+    oxDestroyArray(d);
+    EXPECT_EQ(layer_calls.releases, 1);
+    EXPECT_EQ(layer_calls.shares, 0);
+}
+
+TEST_F(Layer, IndexingOpaqueArraysShareThroughTheirClassAndKnowTheirSizes) {
+    oxArray *a = arr("lazy 2x3: 7");
+    layer_calls = {};
+    oxArray *s = oxCreateSharedDataCopy(a), *d = oxCreateDeepCopy(s);
+    EXPECT_EQ(layer_calls.shares, 2);
+    EXPECT_EQ(layer_calls.element_copies, 0);
+    EXPECT_TRUE(!a->cross_link && !s->cross_link && d->opaque.giblet == a->opaque.giblet);
+    EXPECT_EQ(oxGetNumberOfElements(d), 6u);
+    EXPECT_TRUE(layer_calls.completions > 0);
+    const oxArray *e = oxCreateEmptyCopy(a);
+    EXPECT_EQ(layer_calls.empty_copies, 1);
+    EXPECT_TRUE(oxIsTemp(e) && oxIsEmpty(e) && e->opaque.info == a->opaque.info);
+    for (oxArray *p : {a, s, d}) oxDestroyArray(p);
+    EXPECT_EQ(layer_calls.releases, 3);
+}
+
+TEST_F(Layer, EveryCopyOfAnObjectIsAnnouncedOnce) {
+    const WithLayer layer;
+    oxArray *a = arr("object Point 1x2 a: {1} {2}");
+    const std::pair<const char *, oxArray *(*)(const oxArray *)> copies[] = {
+        {"shared", oxCreateSharedDataCopy},
+        {"deep", oxCreateDeepCopy},
+        {"empty", oxCreateEmptyCopy},
+        {"skeleton", [](const oxArray *p) { return oxCreateSkeletonCopy(p, 0); }},
+        {"not listed", oxCreateSharedCopyNotOnArrayList},
+    };
+    for (const auto &[name, copy] : copies) {
+        SCOPED_TRACE(name);
+        layer_calls = {};
+        oxArray *c = copy(a);
+        EXPECT_EQ(layer_calls.objects_created, 1);
+        EXPECT_STREQ(oxGetClassName(c), "Point");
+        oxDestroyArray(c);
+        EXPECT_EQ(layer_calls.objects_released, 1);
+    }
+}
+
+TEST_F(Layer, HandlesOwnWhatTheLayerPutsIntoThem) {
+    const WithLayer layer;
+    oxArray *a = oxCreateFunctionHandle("12"), *b = oxCreateDeepCopy(a);
+    EXPECT_EQ(layer_calls.handle_copies, 1);
+    EXPECT_EQ(text(b), "function_handle 1x1: 12");
+    EXPECT_NE(*data<void *>(a), *data<void *>(b));
+    oxDestroyArray(a);
+    EXPECT_EQ(layer_calls.handle_releases, 1);
+    const kwSize dims[] = {1, 2};
+    oxDestroyArray(oxCreateSkeletonCopy(b, 0)); // an undefined handle is one of zeros
+    oxDestroyArray(b);
+    EXPECT_EQ(text(oxCreateOpaqueArray(2, dims, opaque_class())), "opaque 1x2: -1 -1");
+}
+
+TEST_F(Layer, WithoutOneObjectsAndHandlesAreBytesAndTheRestSaysWhatIsMissing) {
+    oxArray *handle;
+    {
+        const WithLayer layer;
+        handle = oxCreateFunctionHandle("12");
+    }
+    const kwSize dims[] = {1, 2};
+    oxArray *bare = oxCreateOpaqueArray(2, dims, nullptr);
+    EXPECT_STREQ(oxGetClassName(bare), "opaque");
+    EXPECT_EQ(text(oxCreateSharedDataCopy(bare)), "opaque 1x2: -1 -1");
+    EXPECT_RAISES(missing,
+                  "Arrays of class 'opaque' need the object layer, which is not installed.",
+                  oxCreateDeepCopy(bare));
+    EXPECT_RAISES(missing, nullptr, oxCreateOpaqueGiblet(nullptr));
+    EXPECT_RAISES(missing, nullptr, oxCreateFunctionHandle("12"));
+    EXPECT_EQ(text(oxCreateDeepCopy(arr("object Point 1x1 a: {1}"))),
+              "object Point 1x1 a: {double 1x1: 1}");
+    oxArray *bytes = oxCreateDeepCopy(handle);
+    EXPECT_EQ(*data<void *>(bytes), *data<void *>(handle));
+    const WithLayer layer;
+    *data<void *>(bytes) = nullptr;
+    oxDestroyArray(handle);
+}
+
+// A class that supplies nothing.
+class Plain : public xxInfo {};
+
+TEST_F(Layer, AClassThatSuppliesNothingRaisesOnlyForWhatItMustSupply) {
+    static Plain plain; // outlives the arrays of the test
+    const kwSize dims[] = {1, 1};
+    oxArray *a = oxCreateOpaqueArray(2, dims, &plain);
+    EXPECT_TRUE(oxIsClass(a, "opaque") && oxGetClassID(a) == oxOPAQUE_CLASS);
+    EXPECT_EQ(plain.convert(a, oxDOUBLE_CLASS), nullptr);
+    EXPECT_EQ(plain.permute(a, nullptr, 0), nullptr);
+    EXPECT_EQ(plain.save(a), nullptr);
+    EXPECT_TRUE(plain.equal(a, a, true) && !plain.bytewise(a) && plain.identity() == &plain);
+    EXPECT_RAISES(missing, nullptr, oxCreateDeepCopy(a));
+    EXPECT_RAISES(missing, nullptr, oxCreateOpaqueGiblet(&plain));
+    EXPECT_RAISES(missing, nullptr, plain.get_property(a, 0, "x"));
+    a->set_flag(oxFLAG_INDEXING_OPAQUE, true);
+    EXPECT_RAISES(missing, nullptr, oxCreateSharedDataCopy(a));
+    a->set_flag(oxFLAG_INDEXING_OPAQUE, false);
+}
+
+TEST(LayerSweep, EveryFailedAllocation) {
+    const WithLayer layer;
+    static const kwSize dims[] = {1, 2, 2};
+    sweep({"opaque", {}, [](auto &) { return oxCreateOpaqueArray(3, dims, opaque_class()); }});
+    sweep({"giblet", {}, [](auto &) { return oxCreateOpaqueGiblet(lazy_class()); }});
+    sweep({"lazy", {"lazy 1x2: 3"}, [](auto &in) { return oxCreateDeepCopy(in[0]); }});
+}
+
+} // namespace

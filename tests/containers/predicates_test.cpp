@@ -1,0 +1,152 @@
+// Predicates: which arrays pass which, and the value kernels against plain loops.
+#include <containers/value_tests.h>
+#include <core/array.h>
+#include <ox.h>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/fake_layer.h>
+#include <support/host.h>
+#include <support/random.h>
+
+#include <cmath>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+struct Predicate {
+    const char *name;
+    bool (*holds)(const oxArray *);
+};
+const Predicate predicates[] = {
+    {"Vector", oxIsVector},
+    {"Vector2D", oxIsVector2D},
+    {"Scalar", oxIsScalar},
+    {"CharVector", oxIsCharVector},
+    {"RealVector", oxIsRealVector},
+    {"RealOrInfVector", oxIsRealOrInfVector},
+    {"RealInfOrNaNVector", oxIsRealInfOrNaNVector},
+    {"ComplexVector", oxIsComplexVector},
+    {"IntVector", oxIsIntVector},
+    {"IntOrUIntVector", oxIsIntOrUIntVector},
+    {"NumericInfOrNaNVector", oxIsNumericInfOrNaNVector},
+    {"SingleVector", oxIsSingleVector},
+    {"FiniteNumericVector", oxIsFiniteNumericVector},
+    {"RealScalar", oxIsRealScalar},
+    {"RealOrInfScalar", oxIsRealOrInfScalar},
+    {"IntScalar", oxIsIntScalar},
+    {"FiniteDoubleArray", oxIsFiniteDoubleArray},
+    {"FiniteSingleArray", oxIsFiniteSingleArray},
+    {"FiniteNumericArray", oxIsFiniteNumericArray},
+    {"Double2dMatrix", oxIsDouble2dMatrix},
+    {"Single2dMatrix", oxIsSingle2dMatrix},
+    {"Real2dMatrix", oxIsReal2dMatrix},
+    {"Complex2dMatrix", oxIsComplex2dMatrix},
+    {"FiniteNumeric2dMatrix", oxIsFiniteNumeric2dMatrix},
+    {"FiniteNumeric2dNonComplexMatrix", oxIsFiniteNumeric2dNonComplexMatrix},
+};
+
+// What every finite double of two dimensions is, and its real vectors of whole numbers.
+const std::string finite = "FiniteDoubleArray FiniteNumericArray Double2dMatrix Complex2dMatrix "
+                           "FiniteNumeric2dMatrix ";
+const std::string real = finite + "Real2dMatrix FiniteNumeric2dNonComplexMatrix ";
+const std::string any_vector = "Vector Vector2D NumericInfOrNaNVector ";
+const std::string real_vector = real + any_vector +
+                                "RealVector RealOrInfVector RealInfOrNaNVector ComplexVector "
+                                "FiniteNumericVector ";
+const std::string whole_vector = real_vector + "IntOrUIntVector IntVector ";
+const std::string single = "FiniteSingleArray FiniteNumericArray Single2dMatrix "
+                           "FiniteNumeric2dMatrix FiniteNumeric2dNonComplexMatrix ";
+
+const struct {
+    const char *array;
+    std::string passes;
+} rows_of_table[] = {
+    {"double 0x0", "Vector"},
+    {"double 0x5", "Vector"},
+    {"double 1x0", "Vector Vector2D"},
+    {"double 3x0x2", ""},
+    {"1 2; 3 4", real},
+    {"1 2; 3 Inf", ""},
+    {"double 1x1x5: 1 | 2 | 3 | 4 | 5",
+     "Vector RealVector RealOrInfVector RealInfOrNaNVector ComplexVector IntVector IntOrUIntVector "
+     "NumericInfOrNaNVector FiniteNumericVector FiniteDoubleArray FiniteNumericArray"},
+    {"7", whole_vector + "Scalar RealScalar RealOrInfScalar IntScalar"},
+    {"-0.5", real_vector + "Scalar RealScalar RealOrInfScalar"},
+    {"Inf", any_vector + "Scalar RealOrInfVector RealInfOrNaNVector RealOrInfScalar"},
+    {"NaN", any_vector + "Scalar RealInfOrNaNVector"},
+    {"1 2 3000000000", real_vector + "IntOrUIntVector"},
+    {"-2147483648 2147483647", whole_vector},
+    {"-2147483649 1", real_vector},
+    {"-1 4294967295", real_vector + "IntOrUIntVector"},
+    {"-1 4294967296", real_vector},
+    {"1+2i 3", finite + any_vector + "ComplexVector FiniteNumericVector"},
+    {"1+Inf*i 3", any_vector},
+    {"1+NaN*i", any_vector + "Scalar"},
+    {"single 1x2: 1 2.5", single + any_vector + "SingleVector FiniteNumericVector"},
+    {"single 1x2: 1+2i 3", "FiniteSingleArray FiniteNumericArray Single2dMatrix "
+                           "FiniteNumeric2dMatrix SingleVector FiniteNumericVector " +
+                               any_vector},
+    // Deliberate: only double elements are looked at here.
+    {"single 2x2: 1 2; 3 NaN", "FiniteNumeric2dNonComplexMatrix"},
+    {"int8 1x2: 1 2", any_vector + "FiniteNumericVector FiniteNumericArray FiniteNumeric2dMatrix "
+                                   "FiniteNumeric2dNonComplexMatrix"},
+    {"logical 1x1: 1", "Vector Vector2D Scalar"},
+    {"char 1x2: 'ab'", "Vector Vector2D CharVector"},
+    {"char 2x3: 'abc'; 'def'", ""},
+    {"char 3x1: 'a'; 'b'; 'c'", "Vector Vector2D"},
+    {"char 1x0", "Vector Vector2D"},
+    {"sparse double 1x3: (0,0)=1", "Vector Vector2D"},
+    {"cell 1x1: {1}", "Vector Vector2D Scalar"},
+    {"lazy 1x3: 4", "Vector Vector2D"},
+    {"lazy 2x3: 4", ""},
+};
+
+class Predicates : public HostTest {
+    WithLayer layer_;
+};
+
+TEST_F(Predicates, Table) {
+    for (const auto &row : rows_of_table) {
+        SCOPED_TRACE(row.array);
+        const oxArray *a = arr(row.array);
+        const std::string expected = ' ' + row.passes + ' ';
+        for (const Predicate &p : predicates)
+            EXPECT_EQ(p.holds(a),
+                      expected.find(' ' + std::string(p.name) + ' ') != std::string::npos)
+                << p.name;
+    }
+}
+
+TEST_F(Predicates, OneArgumentIsOneInputAndAtMostOneOutput) {
+    EXPECT_RAISES_ENTRY(FMAXLHS, oxCheckOneArg(2, 2));
+    EXPECT_RAISES_ENTRY(FMAXRHS, oxCheckOneArg(1, 2));
+    EXPECT_RAISES_ENTRY(FMINRHS, oxCheckOneArg(1, 0));
+    oxCheckOneArg(0, 1);
+}
+
+TEST(ValueTests, KernelsAgreeWithPlainLoopsWhereverTheOddValueStands) {
+    Random random(20);
+    const double odd[] = {NAN, INFINITY, -INFINITY, 0.5, 0x1p31, -0x1p31 - 1, -0.0, 1e300};
+    for (int round = 0; round < 3000; ++round) {
+        const kwSize n = random.below(300);
+        std::vector<double> x(n);
+        for (double &v : x) v = static_cast<double>(random.between(-1000, 1000));
+        if (n && round % 8) random.pick(x) = random.pick(odd);
+        const std::vector<float> f(x.begin(), x.end());
+        bool all_finite_d = true, all_finite_f = true, nan = false, whole = true;
+        for (const double v : x) {
+            all_finite_d = all_finite_d && std::isfinite(v);
+            all_finite_f = all_finite_f && std::isfinite(static_cast<float>(v));
+            nan = nan || std::isnan(v);
+            whole = whole && v == std::floor(v) && v >= -0x1p31 && v <= 0x1p31 - 1;
+        }
+        EXPECT_EQ(all_finite(x.data(), n), all_finite_d);
+        EXPECT_EQ(all_finite(f.data(), n), all_finite_f);
+        EXPECT_EQ(any_nan(x.data(), n), nan);
+        EXPECT_EQ(all_whole_within(x.data(), n, -0x1p31, 0x1p31 - 1), whole);
+    }
+}
+
+} // namespace

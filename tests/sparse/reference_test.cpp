@@ -1,0 +1,216 @@
+// Sparse references against a full model, and the storage operations under them.
+#include "support/array_text.h"
+#include "support/expect.h"
+#include "support/faults.h"
+#include "support/host.h"
+#include "support/random.h"
+
+#include <core/array.h>
+#include <core/create.h>
+#include <ox.hpp>
+#include <sparse/reference.h>
+#include <sparse/storage/csc.h>
+
+#include <vector>
+
+namespace ox::test {
+namespace {
+
+using Positions = std::vector<kwIndex>;
+
+class SparseReferenceTest : public HostTest {
+protected:
+    // m-by-n with about `fill` of its elements stored, some of them zeros.
+    oxArray *random_sparse(kwSize m, kwSize n, double fill, bool complex = false) {
+        oxArray *full = oxCreateDoubleMatrix(m, n, complex ? oxCOMPLEX : oxREAL);
+        for (kwSize k = 0; k < m * n; ++k) {
+            if (!random.chance(fill)) continue;
+            oxGetPr(full)[k] = static_cast<double>(random.between(1, 99));
+            if (complex) oxGetPi(full)[k] = static_cast<double>(random.between(-9, 9));
+        }
+        oxArray *s = oxMustBeSparse(full);
+        for (kwSize k = 0; k < nonzeros(s); k += 7) oxGetPr(s)[k] = 0;
+        return s;
+    }
+    Positions random_positions(kwSize extent, kwSize most) {
+        Positions p(extent ? random.below(most + 1) : 0);
+        p.reserve(1); // an empty list is not a null one
+        for (kwIndex &x : p) x = random.below(extent);
+        if (random.chance(0.3)) std::sort(p.begin(), p.end());
+        return p;
+    }
+    Random random{11};
+};
+
+void expect_well_formed(const oxArray *a) {
+    EXPECT_EQ(broken_csc_rule(rows(a), cols(a), oxGetNzmax(a), oxGetJc(a), oxGetIr(a)), 0);
+}
+
+double at(const oxArray *full, kwSize i, kwSize j, bool imaginary = false) {
+    return (imaginary ? oxGetPi(full) : oxGetPr(full))[j * rows(full) + i];
+}
+
+TEST_F(SparseReferenceTest, RowsAndColumnsAgreeWithTheFullModel) {
+    for (int round = 0; round < 600; ++round) {
+        const kwSize m = random.below(round % 3 ? 40 : 400), n = random.below(12);
+        const bool complex = random.chance(0.3);
+        const oxArray *a = random_sparse(m, n, random.unit() * random.unit(), complex);
+        const oxArray *full = sparse_to_full(a);
+        const Positions r = random_positions(m, m / (1 + random.below(8)) + 2);
+        const Positions c = random_positions(n, 15);
+        const bool all_rows = random.chance(0.2), all_cols = random.chance(0.2);
+        const oxArray *b = oxSparseReference(a, all_rows ? nullptr : r.data(), r.size(),
+                                             all_cols ? nullptr : c.data(), c.size());
+        const oxArray *bf = sparse_to_full(b);
+        expect_well_formed(b);
+        ASSERT_EQ(rows(b), all_rows ? m : r.size());
+        ASSERT_EQ(cols(b), all_cols ? n : c.size());
+        for (kwSize j = 0; j < cols(b); ++j)
+            for (kwSize i = 0; i < rows(b); ++i)
+                for (int im = 0; im <= complex; ++im)
+                    ASSERT_EQ(at(bf, i, j, im),
+                              at(full, all_rows ? i : r[i], all_cols ? j : c[j], im))
+                        << "round " << round;
+        oxDestroyArray(const_cast<oxArray *>(full));
+        oxDestroyArray(const_cast<oxArray *>(bf));
+    }
+}
+
+TEST_F(SparseReferenceTest, LinearPositionsAgreeWithTheFullModel) {
+    for (int round = 0; round < 300; ++round) {
+        const kwSize m = 1 + random.below(20), n = 1 + random.below(20), count = m * n;
+        oxArray *a = random_sparse(m, n, 0.2, round % 2);
+        oxArray *full = sparse_to_full(a);
+        Subscript index;
+        Positions list = random_positions(count, 50);
+        list.push_back(0);
+        switch (round % 4) {
+        case 0:
+            index.set_all(count);
+            break;
+        case 1:
+            index.set_range(0, static_cast<int64_t>(1 + random.below(3)), count / 3);
+            break;
+        case 2:
+            index.set_range(count - 1, -1, count);
+            break;
+        default:
+            index.set_list(list.data(), list.size(), count);
+            break;
+        }
+        if (index.count == 0) continue;
+        oxArray *b = sparse_linear_reference(a, index, index.count, 1);
+        oxArray *bf = sparse_to_full(b);
+        expect_well_formed(b);
+        for (kwSize k = 0; k < index.count; ++k)
+            ASSERT_EQ(oxGetPr(bf)[k], oxGetPr(full)[index[k]]) << "round " << round;
+        for (oxArray *x : {full, b, bf}) oxDestroyArray(x);
+    }
+}
+
+// The factor of ten between rows, elements and request decides between an exact capacity and a
+// bound; the elements are the same.
+TEST_F(SparseReferenceTest, CapacityFollowsTheStrategy) {
+    const kwIndex rows_wanted[] = {7, 900}, one[] = {1, 1}, column[] = {0};
+    oxArray *tall = arr("sparse double 1000000x2: (7,0)=1 (8,0)=2 (900,1)=3");
+    oxArray *b = oxSparseReference(tall, rows_wanted, 2, nullptr, 0);
+    EXPECT_EQ(text(b), text(arr("sparse double 2x2 nzmax 3: (0,0)=1 (1,1)=3")));
+    EXPECT_EQ(oxGetNzmax(b), 3u); // min(2, 2) + min(1, 2)
+    oxArray *flat = arr("sparse double 20x2: (7,0)=1 (8,0)=2 (9,1)=3");
+    EXPECT_EQ(oxGetNzmax(oxSparseReference(flat, rows_wanted, 1, nullptr, 0)), 1u);
+    oxArray *repeated = oxSparseReference(arr("sparse double 5x5: (1,0)=4"), one, 2, column, 1);
+    EXPECT_EQ(text(repeated), text(arr("sparse double 2x1 nzmax 2: (0,0)=4 (1,0)=4")));
+    EXPECT_EQ(oxGetNzmax(oxSparseReference(flat, nullptr, 0, one, 0)), 1u);
+}
+
+TEST_F(SparseReferenceTest, PositionsBeyondTheArrayRaiseBeforeAnythingIsMade) {
+    oxArray *a = arr("sparse double 5x2: (1,0)=4");
+    const kwIndex bad_row[] = {0, 5}, bad_column[] = {2}, row[] = {0};
+    EXPECT_RAISES("VELTRO:badsubscript", "Index exceeds matrix dimensions.",
+                  oxSparseReference(a, bad_row, 2, nullptr, 0));
+    EXPECT_RAISES("VELTRO:badsubscript", "Index exceeds matrix dimensions.",
+                  oxSparseReference(a, row, 1, bad_column, 1));
+}
+
+TEST_F(SparseReferenceTest, KernelsAnswerWithAStatus) {
+    const oxArray *a = arr("sparse double 3x2: (0,0)=1 (2,1)=5");
+    oxArray *result = nullptr;
+    const auto ref2 = [&](const char *i, const char *j) {
+        const oxArray *subs[] = {arr(i), arr(j)};
+        return spRef2(a, subs, &result);
+    };
+    EXPECT_EQ(ref2("double 1x1: 0", "double 1x1: 1"), spZeroIndex);
+    EXPECT_EQ(ref2("double 1x1: 1.5", "double 1x1: 1"), spBadIndex);
+    EXPECT_EQ(ref2("double 1x1: NaN", "double 1x1: 1"), spBadIndex);
+    EXPECT_EQ(ref2("double 1x1: 4", "double 1x1: 1"), spOutOfBounds);
+    EXPECT_EQ(result, nullptr);
+    EXPECT_EQ(ref2("char 1x1: ':'", "double 1x1: 2"), spOK);
+    EXPECT_EQ(text(result), text(arr("sparse double 3x1: (2,0)=5")));
+    EXPECT_EQ(ref2("logical 1x3: 1 0 1", "char 1x1: ':'"), spOK);
+    EXPECT_EQ(text(result), text(arr("sparse double 2x2: (0,0)=1 (1,1)=5")));
+
+    const oxArray *three[] = {arr("double 1x1: 3"), arr("double 1x1: 2"), arr("double 1x2: 1 1")};
+    EXPECT_EQ(spRef3(a, three, &result), spOK);
+    EXPECT_EQ(text(result), text(arr("sparse double 1x2: (0,0)=5 (0,1)=5")));
+    const double good[] = {3, 2, 1}, far[] = {3, 2, 2};
+    EXPECT_EQ(spRef3Scalar(a, good, &result), spOK);
+    EXPECT_EQ(oxGetScalar(result), 5);
+    EXPECT_EQ(spRef3Scalar(a, far, &result), spOutOfBounds);
+    EXPECT_EQ(text(oxSparseColonReference(a)), text(arr("sparse double 6x1: (0,0)=1 (5,0)=5")));
+}
+
+// Both ways of reshaping give the same answer; the second never forms m * n.
+TEST_F(SparseReferenceTest, ReshapeOfHugeShapesAgreesWithTheDirectWay) {
+    kwIndex jc[] = {0, 1, 2}, ir[] = {3, 0}, new_jc[5] = {};
+    oxReshapeSparse(4, 2, jc, ir, 2, 4, new_jc);
+    EXPECT_EQ(Positions(ir, ir + 2), (Positions{1, 0}));
+    EXPECT_EQ(Positions(new_jc, new_jc + 5), (Positions{0, 0, 1, 2, 2}));
+
+    const kwSize m = kwSize{1} << 60;
+    kwIndex huge_jc[] = {0, 2, 3}, huge_ir[] = {5, m - 1, 7}, out[9];
+    oxReshapeSparse(m, 2, huge_jc, huge_ir, m / 4, 8, out);
+    EXPECT_EQ(Positions(huge_ir, huge_ir + 3), (Positions{5, m / 4 - 1, 7}));
+    EXPECT_EQ(Positions(out, out + 9), (Positions{0, 1, 1, 1, 2, 3, 3, 3, 3}));
+}
+
+TEST_F(SparseReferenceTest, TransposeTwiceIsTheArray) {
+    for (int round = 0; round < 50; ++round) {
+        oxArray *a = random_sparse(random.below(30), random.below(30), 0.2, round % 2);
+        oxArray *t = sparse_transpose(a), *tt = sparse_transpose(t);
+        expect_well_formed(t);
+        EXPECT_EQ(text(tt), text(a));
+        oxDestroyArray(t);
+        oxDestroyArray(tt);
+    }
+}
+
+TEST(SparseReferenceSweep, FailingAllocations) {
+    static const kwIndex r[] = {3, 0, 3}, c[] = {1, 0};
+    const std::vector<std::string> input{"sparse double 5x2: (0,0)=1 (3,1)=5+1i"};
+    const Sweep sweeps[] = {
+        {.name = "rows and columns",
+         .inputs = input,
+         .make = [](const Arrays &in) { return oxSparseReference(in[0], r, 3, c, 2); },
+         .act = nullptr,
+         .bare = false},
+        {.name = "columns",
+         .inputs = input,
+         .make = [](const Arrays &in) { return oxSparseReference(in[0], nullptr, 0, c, 2); },
+         .act = nullptr,
+         .bare = false},
+        {.name = "colon",
+         .inputs = input,
+         .make = [](const Arrays &in) { return oxSparseColonReference(in[0]); },
+         .act = nullptr,
+         .bare = false},
+        {.name = "create",
+         .inputs = {},
+         .make = [](const Arrays &) { return oxCreateSparse(3, 3, 4, oxCOMPLEX); },
+         .act = nullptr,
+         .silent = true},
+    };
+    for (const Sweep &s : sweeps) sweep(s);
+}
+
+} // namespace
+} // namespace ox::test
