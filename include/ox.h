@@ -3,6 +3,7 @@
 #define OX_H
 
 #include <ox/array_list.h>
+#include <ox/assign.h>
 #include <ox/catenate.h>
 #include <ox/cells.h>
 #include <ox/classes.h>
@@ -16,6 +17,7 @@
 #include <ox/names.h>
 #include <ox/permute.h>
 #include <ox/predicates.h>
+#include <ox/reference.h>
 #include <ox/sharing.h>
 #include <ox/sparse.h>
 #include <ox/structs.h>

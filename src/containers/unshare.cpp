@@ -39,20 +39,6 @@ void take_storage_of(oxArray *a, const oxArray *b, bool imaginary) {
     a->num.nzmax = b->num.nzmax;
 }
 
-// A slot block of its own with the same elements, each with one owner more.
-bool own_slots(oxArray *a) {
-    if (!a->cross_link) return true;
-    const kwSize n = a->cell.slots ? slot_count(a) : 0;
-    auto slots = RawArray<oxArray *>::make(n);
-    if (n > 0 && !slots) return false;
-    if (n > 0) std::memcpy(slots.get(), a->cell.slots, n * sizeof(oxArray *));
-    for_each_element(a, [](oxArray *element) { oxIncRefCount(element); });
-    a->cell.slots = slots.release();
-    hand_on_private_mark(a);
-    ring_unlink(a);
-    return true;
-}
-
 // The header to write to: a when nobody else refers to it, else a sharer in its place. Then its
 // storage is made its own; if that fails, a is as it was and the hook gets null.
 template<class Own> oxArray *sole_owner(oxArray *a, Own own) {
@@ -66,6 +52,19 @@ template<class Own> oxArray *sole_owner(oxArray *a, Own own) {
 }
 
 } // namespace
+
+bool own_slots(oxArray *a) {
+    if (!a->cross_link) return true;
+    const kwSize n = a->cell.slots ? slot_count(a) : 0;
+    auto slots = RawArray<oxArray *>::make(n);
+    if (n > 0 && !slots) return false;
+    if (n > 0) std::memcpy(slots.get(), a->cell.slots, n * sizeof(oxArray *));
+    for_each_element(a, [](oxArray *element) { oxIncRefCount(element); });
+    a->cell.slots = slots.release();
+    hand_on_private_mark(a);
+    ring_unlink(a);
+    return true;
+}
 
 bool own_storage(oxArray *a) {
     if (!a->cross_link) return true;

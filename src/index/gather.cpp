@@ -1,0 +1,89 @@
+// Gathering selected elements into a dense block: runs, strides, lists and masks.
+#include <core/dispatch.h>
+#include <core/tuning.h>
+#include <index/gather.h>
+#include <index/kernels.h>
+
+namespace ox {
+
+namespace {
+
+constexpr Axis single{1, 0, nullptr, 0};
+
+// A few elements are copied faster by a loop than by a call.
+template<class T> void copy_run(T *dst, const T *src, kwSize n) {
+    if (n * sizeof(T) >= 64) {
+        std::memcpy(dst, src, n * sizeof(T));
+        return;
+    }
+    for (kwSize k = 0; k < n; ++k) dst[k] = src[k];
+}
+
+template<class T> void copy_strided(T *dst, const T *src, int64_t step, kwSize n) {
+    if constexpr (sizeof(T) == 8)
+        if (step == 2 && n >= tuning::simd_min_elements / 4)
+            return take_every_second64(reinterpret_cast<uint64_t *>(dst),
+                                       reinterpret_cast<const uint64_t *>(src), n);
+    for (kwSize k = 0; k < n; ++k) dst[k] = src[static_cast<int64_t>(k) * step];
+}
+
+template<class T> void copy_list(T *dst, const T *src, const Axis &x) {
+    for (kwSize k = 0; k < x.count; ++k) dst[k] = src[x.list[k] * x.stride];
+}
+
+// dst = the elements on two axes, x fastest.
+template<class T> void gather_plane(T *dst, const T *src, const Axis &x, const Axis &y) {
+    const kwSize n = x.count;
+    if (x.list) {
+        if constexpr (std::is_same_v<T, uint64_t>)
+            if (x.stride == 1 && n >= tuning::simd_min_elements / 4)
+                return gather_list64(dst, src, x, y);
+        for (kwSize j = 0; j < y.count; ++j, dst += n) copy_list(dst, src + y.offset(j), x);
+    } else if (x.step == 1) {
+        for (kwSize j = 0; j < y.count; ++j, dst += n) copy_run(dst, src + y.offset(j), n);
+    } else {
+        for (kwSize j = 0; j < y.count; ++j, dst += n)
+            copy_strided(dst, src + y.offset(j), x.step, n);
+    }
+}
+
+template<class T> void gather_mask(T *dst, const T *src, const Subscript &s) {
+    const uint8_t *mask = s.mask;
+    if constexpr (std::is_same_v<T, uint64_t>) {
+        compress64(dst, src, mask, s.mask_size, s.count);
+    } else if constexpr (std::is_same_v<T, uint32_t>) {
+        compress32(dst, src, mask, s.mask_size, s.count);
+    } else { // without a branch; the last true byte ends the mask, so dst is not overrun
+        for (kwSize i = 0; i < s.mask_size; ++i) {
+            *dst = src[i];
+            dst += mask[i] != 0;
+        }
+    }
+}
+
+template<class T> void gather_all(T *dst, const T *src, const Selection &from) {
+    if (from.mask) return gather_mask(dst, src, *from.mask);
+    const Axis &x = from.axes() > 0 ? from.axis(0) : single;
+    const Axis &y = from.axes() > 1 ? from.axis(1) : single;
+    const kwSize plane = x.count * y.count;
+    from.for_each_plane([&](kwSize offset) {
+        gather_plane(dst, src + offset, x, y);
+        dst += plane;
+    });
+}
+
+} // namespace
+
+void gather(void *dst, const void *src, kwSize width, const Selection &from) {
+    if (from.count == 0) return;
+    if (from.is_block() && !from.mask) {
+        std::memcpy(dst, static_cast<const char *>(src) + from.base * width, from.count * width);
+        return;
+    }
+    visit_width(width, [&](auto tag) {
+        using T = typename decltype(tag)::type;
+        gather_all(static_cast<T *>(dst), static_cast<const T *>(src), from);
+    });
+}
+
+} // namespace ox

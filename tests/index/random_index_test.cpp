@@ -1,0 +1,273 @@
+// Random reference, assignment and deletion against the naive model: results, errors, and that
+// nothing else changes.
+#include <support/expect.h>
+#include <support/faults.h>
+#include <support/host.h>
+#include <support/naive_index.h>
+#include <support/random.h>
+
+#include <ut.hpp>
+
+#include <functional>
+#include <optional>
+
+using namespace ox::test;
+
+namespace {
+
+using Dims = std::vector<kwSize>;
+using Subs = std::vector<const oxArray *>;
+
+// OX_TEST_ROUNDS widens a run.
+int rounds(int usual) {
+    const char *wish = std::getenv("OX_TEST_ROUNDS");
+    return wish ? std::atoi(wish) : usual;
+}
+
+class RandomIndex : public HostTest {
+protected:
+    Random r{20240611};
+
+    static constexpr int number_classes[] = {3, 4, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+
+    Dims dims() {
+        Dims d(static_cast<size_t>(r.chance(0.6) ? 2 : r.between(3, 5)));
+        for (kwSize &x : d) x = r.chance(0.25) ? 1 : r.chance(0.07) ? 0 : r.below(5) + 1;
+        if (r.chance(0.05)) d.assign(2, 0);
+        return d;
+    }
+    int a_class() {
+        if (r.chance(0.15)) return oxCELL_CLASS;
+        return r.chance(0.1)   ? oxSTRUCT_CLASS
+               : r.chance(0.4) ? oxDOUBLE_CLASS
+                               : r.pick(number_classes);
+    }
+    Naive value(int cls, const Dims &d) {
+        Naive n{cls, d, {}, {}};
+        if (cls == oxSTRUCT_CLASS) n.fields = {"a", "b", "c"};
+        const bool numeric = cls >= oxDOUBLE_CLASS, complex = numeric && r.chance(0.2);
+        for (kwSize k = 0; k < n.numel(); ++k) {
+            Naive::Element e = n.zero();
+            for (double &x : e)
+                x = static_cast<double>(cls == oxLOGICAL_CLASS ? r.below(2) : 1 + r.below(100));
+            if (cls == oxCELL_CLASS && r.chance(0.2)) e[0] = -1;
+            if (e.size() == 2 && (!complex || r.chance(0.5))) e[1] = 0;
+            n.elements.push_back(e);
+        }
+        return n;
+    }
+
+    oxArray *numbers(int cls, const Dims &d, const std::vector<double> &x) {
+        Naive n{cls, d, {}, {}};
+        for (double v : x) n.elements.push_back({v, 0});
+        return n.make();
+    }
+    // Positions up to a little beyond the extent when it may grow or fail.
+    double position(kwSize extent, bool beyond) {
+        const kwSize top = extent + (beyond && r.chance(0.15) ? 2 : 0);
+        return top ? static_cast<double>(1 + r.below(top)) : 1;
+    }
+    oxArray *list(kwSize extent, bool beyond) {
+        const kwSize n = extent == 0 && !beyond ? 0 : r.chance(0.3) ? 1 : r.below(6);
+        std::vector<double> x;
+        for (kwSize k = 0; k < n; ++k) x.push_back(position(extent, beyond));
+        if (n > 0 && r.chance(0.03)) x[0] = r.chance(0.5) ? 0 : r.chance(0.5) ? -1 : 1.5;
+        Dims d{1, n};
+        if (r.chance(0.3)) d = {n, 1};
+        if (n == 4 && r.chance(0.5)) d = {2, 2};
+        if (n == 4 && r.chance(0.2)) d = {2, 1, 2};
+        if (n == 0 && r.chance(0.5)) d = {0, 0};
+        const bool whole = n == 0 || x[0] == static_cast<double>(static_cast<int>(x[0]));
+        const int cls = r.chance(0.6) || !whole || (n && x[0] < 1) ? 6 : r.pick(number_classes);
+        return numbers(cls == oxLOGICAL_CLASS ? 6 : cls, d, x);
+    }
+    oxArray *mask(const Dims &shape) {
+        std::vector<double> x;
+        kwSize n = 1;
+        for (kwSize d : shape) n *= d;
+        const double p = r.chance(0.1) ? 0 : r.chance(0.1) ? 1 : 0.5;
+        for (kwSize k = 0; k < n; ++k) x.push_back(r.chance(p));
+        oxArray *m = numbers(oxLOGICAL_CLASS, shape, x);
+        return r.chance(0.25) && shape.size() == 2 ? oxMustBeSparse(m) : m;
+    }
+    const oxArray *subscript(kwSize extent, bool beyond) {
+        switch (r.below(7)) {
+        case 0:
+        case 1:
+            return numbers(oxCHAR_CLASS, {1, 1}, {':'});
+        case 2: {
+            const double a = position(extent, beyond), b = position(extent, beyond);
+            return oxCreateColonObject(a, r.pick(steps), b,
+                                       r.chance(0.7) ? oxDOUBLE_CLASS : oxINT32_CLASS);
+        }
+        case 3:
+            return mask(r.chance(0.5) ? Dims{1, extent} : Dims{extent, 1});
+        case 4:
+            return numbers(oxDOUBLE_CLASS, {1, 1}, {position(extent, beyond)});
+        default:
+            return list(extent, beyond);
+        }
+    }
+    static constexpr double steps[] = {1, 1, 2, -1, -2, 3};
+
+    Subs subscripts(const Dims &d, bool beyond) {
+        const kwSize n = r.chance(0.35)  ? 1
+                         : r.chance(0.7) ? d.size()
+                         : r.chance(0.8) ? 1 + r.below(6)
+                                         : 11 + r.below(2);
+        Subs s;
+        for (kwSize k = 0; k < n; ++k) {
+            kwSize extent = k < d.size() ? d[k] : 1;
+            for (kwSize i = n; k + 1 == n && i < d.size(); ++i) extent *= d[i];
+            if (n == 1 && r.chance(0.2))
+                s.push_back(mask(d));
+            else
+                s.push_back(subscript(extent, beyond));
+        }
+        return s;
+    }
+    // What fits the subscripts, with ones in between now and then; or not.
+    Dims rhs_dims(const Naive &a, const Subs &s) {
+        if (r.chance(0.3)) return {1, 1};
+        if (r.chance(0.1)) return dims();
+        Dims d;
+        for (kwSize k = 0; k < s.size(); ++k) {
+            kwSize extent = k < a.dims.size() ? a.dims[k] : 1, count = 0, max;
+            for (kwSize i = s.size(); k + 1 == s.size() && i < a.dims.size(); ++i)
+                extent *= a.dims[i];
+            kwIndex *list = nullptr;
+            try {
+                const oxArray *sub = s[k];
+                oxConvertToIndex(&sub, extent, 0, &count, &max, &list);
+            } catch (const ut::simple_exception &) {
+                return {1, 1};
+            }
+            if (list) oxFree(list);
+            if (count != 1 || r.chance(0.6)) d.push_back(count);
+        }
+        while (d.size() < 2) d.insert(d.begin() + static_cast<long>(r.below(d.size() + 1)), 1);
+        while (d.size() > 2 && d.back() == 1) d.pop_back();
+        return d;
+    }
+
+    std::string describe_all(const Naive &a, const Subs &s) {
+        std::string t = a.text();
+        for (const oxArray *x : s) {
+            t += "\n  sub " + Naive::read(x).text();
+            if (x->has_flag(oxFLAG_COLON)) t += " (colon object)";
+        }
+        return t;
+    }
+
+    // Runs both sides: either both fail alike and a is unchanged, or `result` is what is expected.
+    void compare(const Naive &before, const Subs &s, const std::function<Naive()> &expected,
+                 const oxArray *a, const std::function<const oxArray *()> &call) {
+        SCOPED_TRACE(describe_all(before, s));
+        std::optional<NaiveError> error;
+        Naive want;
+        try {
+            want = expected();
+        } catch (const NaiveError &e) {
+            error = e;
+        }
+        if (error) {
+            EXPECT_TRUE(raises(error->id.c_str(), error->text.c_str(), [&] { call(); }));
+            EXPECT_EQ(Naive::read(a), before);
+            return;
+        }
+        const oxArray *result = nullptr;
+        try {
+            result = call();
+        } catch (const ut::simple_exception &e) {
+            FAIL() << "raised " << e.message() << "\nexpected " << want.text();
+        }
+        const Naive got = Naive::read(result);
+        EXPECT_TRUE(got == want) << "got      " << got.text() << "\nexpected " << want.text();
+        EXPECT_EQ(oxIsComplex(result), want.complex());
+        EXPECT_EQ(oxIsScalarDoubleFlagSet(result), want.cls == oxDOUBLE_CLASS && want.numel() == 1);
+    }
+
+    // Runs n cases, each in contexts of its own, until one fails.
+    void repeat(int n, const std::function<void()> &one) {
+        for (int i = 0; i < n && !HasFailure(); ++i) {
+            SCOPED_TRACE("case " + std::to_string(i) + ", seed " + std::to_string(r.seed()));
+            const Contexts contexts;
+            one();
+        }
+    }
+};
+
+TEST_F(RandomIndex, ReferenceAgreesWithTheModel) {
+    repeat(rounds(40000), [&] {
+        const Naive a = value(a_class(), dims());
+        Subs s = subscripts(a.dims, r.chance(0.3));
+        oxArray *x = a.make();
+        compare(
+            a, s, [&] { return naive_reference(a, s); }, x,
+            [&] { return oxSubscriptedReference(x, s.size(), s.data()); });
+        EXPECT_EQ(Naive::read(x), a);
+    });
+}
+
+TEST_F(RandomIndex, AssignmentAgreesWithTheModelAndLeavesSharersAlone) {
+    repeat(rounds(40000), [&] {
+        const Naive a = value(a_class(), dims());
+        Subs s = subscripts(a.dims, true);
+        const bool same = a.cls <= oxSTRUCT_CLASS || r.chance(0.6);
+        const int cls = same ? a.cls : r.chance(0.5) ? 6 : 9;
+        const Naive rhs = r.chance(0.05) ? a : value(cls, rhs_dims(a, s));
+        const Naive filler = value(static_cast<int>(r.between(6, 15)), {1, 1});
+        const bool fills = a.cls != oxSTRUCT_CLASS && r.chance(0.3);
+        oxArray *x = a.make(), *sharer = r.chance(0.3) ? oxCreateSharedDataCopy(x) : nullptr;
+        const oxArray *y = rhs == a ? x : rhs.make(), *f = fills ? filler.make() : nullptr;
+        if (r.chance(0.02) && oxIsDouble(x)) s[0] = x;
+        compare(
+            a, s,
+            [&] {
+                Naive want = a;
+                naive_assign(want, s, rhs, fills ? &filler : nullptr);
+                return want;
+            },
+            x,
+            [&] {
+                oxSubscriptedAssignmentWithFiller(x, s.size(), s.data(), y, f, false);
+                return x;
+            });
+        if (sharer) {
+            EXPECT_EQ(Naive::read(sharer), a);
+        }
+        if (y != x) {
+            EXPECT_EQ(Naive::read(y), rhs);
+        }
+    });
+}
+
+TEST_F(RandomIndex, DeletionAgreesWithTheModelAndLeavesSharersAlone) {
+    repeat(rounds(40000), [&] {
+        const Naive a = value(a_class(), dims());
+        Subs s = subscripts(a.dims, r.chance(0.1));
+        const kwSize keep = r.below(s.size());
+        for (kwSize k = 0; k < s.size(); ++k)
+            if (k != keep && r.chance(0.97)) s[k] = numbers(oxCHAR_CLASS, {1, 1}, {':'});
+        oxArray *x = a.make(), *sharer = r.chance(0.3) ? oxCreateSharedDataCopy(x) : nullptr;
+        const bool scalar = oxIsScalarDoubleFlagSet(x);
+        compare(
+            a, s,
+            [&] {
+                Naive want = a;
+                naive_delete(want, s);
+                return want;
+            },
+            x,
+            [&] {
+                oxSubscriptedDelete(x, s.size(), s.data());
+                if (scalar && oxGetNumberOfElements(x) == 1) oxSetScalarDoubleFlag(x);
+                return x;
+            });
+        if (sharer) {
+            EXPECT_EQ(Naive::read(sharer), a);
+        }
+    });
+}
+
+} // namespace
