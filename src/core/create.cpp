@@ -37,7 +37,9 @@ bool attach_storage(oxArray *a, kwSize count, bool complex, Candidates reuse, Al
     if (reuse.count > 0 && take_reusable(a, complex, reuse)) return true;
     const kwSize size = element_size(a);
     a->num.pdata = allocate(count, size);
-    if (!a->num.pdata) return false;
+    // A class without elements asks for no bytes; only the zeroing creators take that for a
+    // failure.
+    if (!a->num.pdata) return size == 0 && allocate == checked_uninit;
     if (complex) a->num.pimag = allocate(count, size);
     return !complex || a->num.pimag;
 }

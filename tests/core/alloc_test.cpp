@@ -245,20 +245,4 @@ TEST_F(Alloc, TheManagerChoosesTheAllocatorOnce) {
     EXPECT_FALSE(uses_utility_allocator());
 }
 
-TEST_F(Alloc, Guards) {
-    auto a = RawArray<double>::zeroed(4);
-    ASSERT_TRUE(a);
-    a[3] = 5;
-    EXPECT_FALSE(oxIsOnAllocList(a.get()));
-    RawArray<double> b = std::move(a);
-    EXPECT_FALSE(a); // NOLINT: moved from on purpose
-    ASSERT_TRUE(b.resize(1000));
-    EXPECT_EQ(b[3], 5);
-    EXPECT_FALSE(b.resize(all / 8 + 1)) << "the byte count would wrap";
-    EXPECT_EQ(b[3], 5);
-    EXPECT_FALSE(RawArray<double>::make(all / 4));
-    EXPECT_FALSE(RawArray<double>::make(0));
-    oxFreeEx(b.release());
-}
-
 } // namespace
