@@ -26,6 +26,13 @@ oxArray *with_units(oxArray *a, oxChar *block, kwSize n) {
     return a;
 }
 
+// The units of an ASCII text, which most are, in one pass over it; null for any other.
+oxChar *widen_ascii(const char *str, kwSize n) {
+    if (!utIsAsciiSuperset(nullptr)) return nullptr;
+    auto block = RawArray<oxChar>::make(n);
+    return block && utWidenAscii(block.get(), str, n) == n ? block.release() : nullptr;
+}
+
 // Row i of an m-row matrix.
 void scatter(oxChar *matrix, kwSize m, kwSize i, const oxChar *row, kwSize n) {
     for (kwSize j = 0; j < n; ++j) matrix[i + j * m] = row[j];
@@ -65,6 +72,7 @@ oxArray *make_string(const char *str, kwSize n) {
     const int32_t length = converter_length(n);
     oxArray *a = make_header(oxCHAR_CLASS, 0, 0);
     if (!a || n == 0) return a;
+    if (oxChar *block = widen_ascii(str, n)) return with_units(a, block, n);
     oxChar buffer[tuning::text_buffer];
     auto k = static_cast<int32_t>(tuning::text_buffer);
     lcp_to_utf16_n(buffer, &k, str, length);

@@ -270,8 +270,15 @@ TEST_F(TextTest, FailedAllocations) {
     static const char *strs[] = {"ab", "c"};
     static const oxChar *strs16[] = {u"ab", u"c"};
     const Sweep table[] = {
-        {"string", {}, [](auto &) { return oxCreateString("abc"); }},
-        {"long", {}, [](auto &) { return oxCreateString(long_ascii.c_str()); }},
+        {.name = "ascii",
+         .make = [](auto &) { return oxCreateString("abc"); },
+         .may_survive = true}, // a second block is asked for
+        {.name = "string",
+         .make = [](auto &) { return oxCreateString("\xC3\xA9"); },
+         .may_survive = true},
+        {.name = "long",
+         .make = [](auto &) { return oxCreateString((long_ascii + "\xC3\xA9").c_str()); },
+         .may_survive = true},
         {"utf16", {}, [](auto &) { return oxCreateString_UTF16(u"abc"); }},
         {"matrix", {}, [](auto &) { return oxCreateCharMatrixFromStrings_UTF8(2, strs); }},
         {"matrix16", {}, [](auto &) { return oxCreateCharMatrixFromStrings_UTF16(2, strs16); }},
