@@ -59,6 +59,18 @@ OX_API spStatus spRef6(const oxArray *a, const oxArray *const *subs, oxArray **r
 OX_API spStatus spRef3Scalar(const oxArray *a, const double *subs, oxArray **result);
 OX_API spStatus spRef6Scalar(const oxArray *a, const double *subs, oxArray **result);
 
+/* Assignment into a, which grows as the subscripts ask; a target that is not sparse is made so, one
+   of no class takes b's. b is converted to a's class and, when it is a temporary, destroyed after
+   success. A null b, or a 0-by-0 one flagged as an empty bracket, deletes instead. All answer spOK,
+   or why a subscript or the sides do not fit; spAss4 assigns (deletes) the columns before the first
+   bad index. They raise VELTRO:nomem or "Indices are too large to convert to linear index." when no
+   capacity suffices, and error 18. */
+OX_API spStatus spAss3(oxArray *a, oxArray *b, const oxArray *rows,
+                       const oxArray *cols);                          /* A(I,J) */
+OX_API spStatus spAss4(oxArray *a, oxArray *b, const oxArray *cols);  /* A(:,J) */
+OX_API spStatus spAss5(oxArray *a, oxArray *b, const oxArray *rows);  /* A(I,:) */
+OX_API spStatus spAss6(oxArray *a, oxArray *b, const oxArray *index); /* A(I) */
+
 /* Raises the error that a kernel's status stands for; returns for success and unknown numbers. */
 OX_API void oxHandleSparseSubscriptError(spStatus status);
 

@@ -14,16 +14,6 @@
 namespace ox {
 namespace {
 
-constexpr kwIndex absent = ~kwIndex{0};
-
-// Where the element of a linear position is stored, or absent.
-kwIndex find_element(const oxArray *a, kwSize m, kwIndex position) {
-    const kwIndex row = position % m, *jc = a->num.jc + position / m;
-    const kwIndex *begin = a->num.ir + jc[0], *end = a->num.ir + jc[1];
-    const kwIndex *at = std::lower_bound(begin, end, row);
-    return at != end && *at == row ? static_cast<kwIndex>(at - a->num.ir) : absent;
-}
-
 // Calls f(q, k) for every q with I[q] stored as element k, by increasing q. A range of steps other
 // than 0 is met by its stored elements, so that its length does not matter.
 template<class F> void for_each_stored(const oxArray *a, const Subscript &index, F &&f) {
@@ -32,8 +22,8 @@ template<class F> void for_each_stored(const oxArray *a, const Subscript &index,
         (index.kind == Subscript::Kind::range && index.step == 0)) {
         kwSize q = 0;
         index.for_each([&](kwIndex position) {
-            const kwIndex k = find_element(a, m, position);
-            if (k != absent) f(q, k);
+            const kwIndex k = find_stored(a, position);
+            if (k != not_stored) f(q, k);
             ++q;
         });
         return;

@@ -173,6 +173,21 @@ TEST_F(SparseReferenceTest, ReshapeOfHugeShapesAgreesWithTheDirectWay) {
     EXPECT_EQ(Positions(out, out + 9), (Positions{0, 1, 1, 1, 2, 3, 3, 3, 3}));
 }
 
+TEST_F(SparseReferenceTest, ResizeTakesTemporariesAndCopiesTheRest) {
+    const kwSize shape[] = {2, 4};
+    for (bool temporary : {true, false}) {
+        oxArray *src = arr("sparse double 4x2: (3,0)=7 (0,1)=8"),
+                *dst = oxCreateSparse(0, 0, 1, oxREAL);
+        if (!temporary) oxSetArrayScope(src, 0);
+        oxSetDimensions(dst, shape, 2);
+        ox_inResizeSparseArray(dst, src);
+        EXPECT_EQ(text(dst), text(arr("sparse double 2x4: (1,1)=7 (0,2)=8")));
+        if (temporary) continue;
+        EXPECT_EQ(text(src), text(arr("sparse double 4x2: (3,0)=7 (0,1)=8")));
+        oxDestroyArray(src);
+    }
+}
+
 TEST_F(SparseReferenceTest, TransposeTwiceIsTheArray) {
     for (int round = 0; round < 50; ++round) {
         oxArray *a = random_sparse(random.below(30), random.below(30), 0.2, round % 2);

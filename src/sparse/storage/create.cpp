@@ -4,6 +4,7 @@
 #include <core/class_table.h>
 #include <core/create.h>
 #include <core/destroy.h>
+#include <core/imaginary.h>
 #include <ox/sparse.h>
 #include <sparse/storage/csc.h>
 
@@ -56,7 +57,7 @@ bool set_capacity(oxArray *a, kwSize nzmax) {
     const kwSize size = class_info(a->class_code).element_size;
     void *ir = a->num.ir;
     bool done = resize_block(&a->num.pdata, capacity, size);
-    if (done && is_numeric(a) && a->num.pimag) done = resize_block(&a->num.pimag, capacity, size);
+    if (done && has_imag_block(a)) done = resize_block(&a->num.pimag, capacity, size);
     if (done) done = resize_block(&ir, capacity, sizeof(kwIndex));
     a->num.ir = static_cast<kwIndex *>(ir);
     if (done || capacity < a->num.nzmax) a->num.nzmax = capacity; // a half-done cut counts as cut

@@ -1,12 +1,24 @@
 // Compressed columns: the storage cores over the layout whose rules core/csc_rules.h states.
 #pragma once
 #include <core/array.h>
+
+#include <algorithm>
 #include <core/csc_rules.h>
 
 namespace ox {
 
 // Stored elements.
 inline kwSize nonzeros(const oxArray *a) { return a->num.jc[cols(a)]; }
+
+// Where the element of a linear position (row + column * m) is stored, or not_stored. a has rows.
+inline constexpr kwIndex not_stored = ~kwIndex{0};
+inline kwIndex find_stored(const oxArray *a, kwIndex position) {
+    const kwSize m = rows(a), row = position % m;
+    const kwIndex *jc = a->num.jc + position / m;
+    const kwIndex *begin = a->num.ir + jc[0], *end = a->num.ir + jc[1];
+    const kwIndex *at = std::lower_bound(begin, end, row);
+    return at != end && *at == row ? static_cast<kwIndex>(at - a->num.ir) : not_stored;
+}
 
 // An m-by-n array without stored elements and with capacity max(nzmax, 1). Null without memory and
 // for classes without elements. Touches no hook.

@@ -1,0 +1,111 @@
+// Deleting columns, rows and positions of sparse arrays.
+#include <core/alloc.h>
+#include <errors/raise.h>
+#include <sparse/assign.h>
+#include <sparse/filter.h>
+#include <sparse/operands.h>
+#include <sparse/storage/csc.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace ox {
+namespace {
+
+// Sorted distinct positions of a subscript below an extent.
+struct Deleted {
+    RawArray<kwIndex> list;
+    kwSize count = 0;
+
+    Deleted(Subscript &s, kwSize extent) {
+        if (!s.mask_to_list()) raise_out_of_memory();
+        list = RawArray<kwIndex>::make(s.count + 1);
+        if (!list) raise_out_of_memory();
+        s.copy_positions(list.get());
+        kwIndex *end = list.get() + s.count;
+        std::sort(list.get(), end);
+        end = std::unique(list.get(), end);
+        count = static_cast<kwSize>(std::lower_bound(list.get(), end, extent) - list.get());
+    }
+    // Positions of the list below p; hit tells whether p is on it.
+    kwSize below(kwIndex p, bool *hit) const {
+        const kwIndex *begin = list.get(), *end = begin + count;
+        const kwIndex *at = std::lower_bound(begin, end, p);
+        *hit = at != end && *at == p;
+        return static_cast<kwSize>(at - begin);
+    }
+};
+
+// An m * n array as one column of its positions.
+void to_column(oxArray *a, kwSize count) {
+    auto *jc = static_cast<kwIndex *>(oxCallocEx(2, sizeof(kwIndex)));
+    if (!jc) raise_out_of_memory();
+    reshape_indices(rows(a), cols(a), a->num.jc, a->num.ir, count, 1, jc);
+    oxFreeEx(a->num.jc);
+    a->num.jc = jc;
+    store_mn(a, count, 1);
+}
+
+void column_to_row(oxArray *a) {
+    oxArray *row = sparse_transpose(a);
+    if (!row) raise_out_of_memory();
+    std::swap(a->words, row->words);
+    store_mn(a, 1, rows(a));
+    store_mn(row, rows(row), 1);
+    oxDestroyArray(row);
+}
+
+} // namespace
+
+// Taking the columns out one by one, renumbering the rest each time, is the same as taking out
+// every column that is named: a repeated index finds its column gone, one beyond a finds none.
+spStatus sparse_delete_columns(oxArray *a, const ColumnIndices &columns) {
+    make_sparse_target(a, nullptr);
+    const kwSize n = cols(a);
+    auto gone = RawArray<bool>::zeroed(n + 1);
+    if (!gone) raise_out_of_memory();
+    spStatus status = spOK;
+    kwIndex j;
+    for (kwSize k = 0; k < columns.count; ++k) {
+        status = columns.column(k, &j);
+        if (status != spOK) break;
+        if (j < n) gone[j] = true;
+    }
+    filter_elements(a, [&](kwIndex, kwSize column) { return !gone[column]; });
+    kwSize kept = 0;
+    for (kwSize c = 0; c < n; ++c)
+        if (!gone[c]) a->num.jc[++kept] = a->num.jc[c + 1];
+    store_mn(a, rows(a), kept);
+    finish_target(a);
+    return status;
+}
+
+void sparse_delete_rows(oxArray *a, Subscript &row) {
+    make_sparse_target(a, nullptr);
+    if (row.is_all()) {
+        filter_elements(a, [](kwIndex, kwSize) { return false; });
+        store_mn(a, 0, cols(a));
+    } else {
+        const Deleted gone(row, rows(a));
+        filter_elements(a, [&](kwIndex &r, kwSize) {
+            bool hit;
+            r -= gone.below(r, &hit);
+            return !hit;
+        });
+        store_mn(a, rows(a) - gone.count, cols(a));
+    }
+    finish_target(a);
+}
+
+void sparse_delete_linear(oxArray *a, Subscript &index) {
+    make_sparse_target(a, nullptr);
+    const kwSize m = rows(a), n = cols(a);
+    kwSize count;
+    if (__builtin_mul_overflow(m, n, &count) || count > max_size) oxErrMsg(FPMAXSIZE);
+    const bool column = n == 1 && m != 1;
+    if (!column) to_column(a, count);
+    sparse_delete_rows(a, index);
+    if (!column) column_to_row(a);
+}
+
+} // namespace ox

@@ -1,0 +1,266 @@
+// Sparse assignment and deletion against a full model, the growth rule, and statuses.
+#include "support/array_text.h"
+#include "support/expect.h"
+#include "support/faults.h"
+#include "support/host.h"
+#include "support/random.h"
+
+#include <core/array.h>
+#include <ox.hpp>
+#include <sparse/assign.h>
+#include <sparse/growth.h>
+#include <sparse/storage/csc.h>
+
+#include <algorithm>
+#include <map>
+#include <vector>
+
+namespace ox::test {
+namespace {
+
+// Element (i, j) of a matrix that grows; absent ones are zero.
+using Model = std::map<std::pair<kwSize, kwSize>, double>;
+
+class SparseAssignTest : public HostTest {
+protected:
+    oxArray *sparse_of(kwSize m, kwSize n, const Model &model) {
+        oxArray *s = oxCreateSparse(m, n, model.size(), oxREAL);
+        kwSize k = 0;
+        for (kwSize j = 0; j < n; ++j) {
+            for (kwSize i = 0; i < m; ++i)
+                if (auto e = model.find({i, j}); e != model.end()) {
+                    oxGetIr(s)[k] = i;
+                    oxGetPr(s)[k++] = e->second;
+                }
+            oxGetJc(s)[j + 1] = k;
+        }
+        return s;
+    }
+    Model random_model(kwSize m, kwSize n, double fill) {
+        Model model;
+        for (kwSize j = 0; j < n; ++j)
+            for (kwSize i = 0; i < m; ++i)
+                if (random.chance(fill)) model[{i, j}] = static_cast<double>(random.between(1, 9));
+        return model;
+    }
+    oxArray *subscript(const std::vector<kwSize> &zero_based) {
+        oxArray *a = oxCreateDoubleMatrix(1, zero_based.size(), oxREAL);
+        for (kwSize k = 0; k < zero_based.size(); ++k)
+            oxGetPr(a)[k] = static_cast<double>(zero_based[k] + 1);
+        return a;
+    }
+    std::vector<kwSize> positions(kwSize extent, kwSize most) {
+        std::vector<kwSize> p(1 + random.below(most));
+        for (kwSize &x : p) x = random.below(extent);
+        return p;
+    }
+    void expect_equal(const oxArray *a, const Model &model, const char *what, int round) {
+        EXPECT_EQ(broken_csc_rule(rows(a), cols(a), oxGetNzmax(a), oxGetJc(a), oxGetIr(a)), 0);
+        EXPECT_GE(oxGetNzmax(a), 1u);
+        Model found;
+        for (kwSize j = 0; j < cols(a); ++j)
+            for (kwIndex k = oxGetJc(a)[j]; k < oxGetJc(a)[j + 1]; ++k)
+                if (oxGetPr(a)[k] != 0) found[{oxGetIr(a)[k], j}] = oxGetPr(a)[k];
+        Model wanted;
+        for (const auto &[at, x] : model)
+            if (x != 0) wanted[at] = x;
+        EXPECT_EQ(found, wanted) << what << " round " << round;
+    }
+    static double value(const Model &b, kwSize i, kwSize j) {
+        const auto e = b.find({i, j});
+        return e == b.end() ? 0 : e->second;
+    }
+    Random random{23};
+};
+
+TEST_F(SparseAssignTest, BlocksAgreeWithTheModel) {
+    for (int round = 0; round < 500; ++round) {
+        const kwSize m = 1 + random.below(9), n = 1 + random.below(9);
+        Model model = random_model(m, n, 0.3);
+        oxArray *a = sparse_of(m, n, model);
+        const bool all_rows = random.chance(0.4), scalar = random.chance(0.3);
+        std::vector<kwSize> r = positions(m + 3, 6);
+        const std::vector<kwSize> c = positions(n + 4, round % 2 ? 3 : 14);
+        if (all_rows) {
+            r.resize(m);
+            for (kwSize i = 0; i < m; ++i) r[i] = i;
+        }
+        const Model b = scalar ? random_model(1, 1, 0.7) : random_model(r.size(), c.size(), 0.4);
+        oxArray *rhs =
+            scalar ? oxCreateDoubleScalar(value(b, 0, 0)) : sparse_of(r.size(), c.size(), b);
+        for (kwSize k = 0; k < c.size(); ++k)
+            for (kwSize i = 0; i < r.size(); ++i)
+                model[{r[i], c[k]}] = scalar ? value(b, 0, 0) : value(b, i, k);
+        const spStatus status =
+            all_rows ? spAss4(a, rhs, subscript(c)) : spAss3(a, rhs, subscript(r), subscript(c));
+        ASSERT_EQ(status, spOK);
+        expect_equal(a, model, "block", round);
+    }
+}
+
+TEST_F(SparseAssignTest, LinearPositionsAgreeWithTheModel) {
+    for (int round = 0; round < 300; ++round) {
+        const kwSize m = 1 + random.below(7), n = 1 + random.below(7);
+        Model model = random_model(m, n, 0.3);
+        oxArray *a = sparse_of(m, n, model);
+        const std::vector<kwSize> p = positions(m * n, 12);
+        const Model b = random_model(1, p.size(), 0.6);
+        const bool scalar = round % 3 == 0;
+        for (kwSize k = 0; k < p.size(); ++k)
+            model[{p[k] % m, p[k] / m}] = scalar ? 4 : value(b, 0, k);
+        oxArray *rhs = scalar ? oxCreateDoubleScalar(4) : sparse_of(1, p.size(), b);
+        ASSERT_EQ(spAss6(a, rhs, subscript(p)), spOK);
+        expect_equal(a, model, "linear", round);
+    }
+}
+
+TEST_F(SparseAssignTest, DeletionAgreesWithTheModel) {
+    for (int round = 0; round < 300; ++round) {
+        const kwSize m = 1 + random.below(8), n = 1 + random.below(8);
+        const Model model = random_model(m, n, 0.4);
+        oxArray *a = sparse_of(m, n, model);
+        const bool by_rows = round % 2;
+        const std::vector<kwSize> p = positions(by_rows ? m : n + 2, 4);
+        const auto gone = [&](kwSize x) { return std::find(p.begin(), p.end(), x) != p.end(); };
+        const auto lowered = [&](kwSize x) {
+            kwSize below = 0;
+            for (kwSize y = 0; y < x; ++y) below += gone(y);
+            return x - below;
+        };
+        ASSERT_EQ(by_rows ? spAss5(a, nullptr, subscript(p)) : spAss4(a, nullptr, subscript(p)),
+                  spOK);
+        Model left;
+        for (const auto &[at, x] : model)
+            if (!gone(by_rows ? at.first : at.second))
+                left[by_rows ? std::pair{lowered(at.first), at.second}
+                             : std::pair{at.first, lowered(at.second)}] = x;
+        expect_equal(a, left, "deletion", round);
+        EXPECT_EQ(by_rows ? rows(a) : cols(a), lowered(by_rows ? m : n));
+    }
+}
+
+// One column at a time and many in one rebuild leave the same elements and the same capacity.
+TEST_F(SparseAssignTest, ManyColumnsAtOnceEqualOneByOne) {
+    for (int round = 0; round < 200; ++round) {
+        const kwSize m = 1 + random.below(6), n = 1 + random.below(6);
+        const Model model = random_model(m, n, 0.5);
+        const std::vector<kwSize> c = positions(n + 9, 30);
+        const Model b = random_model(m, c.size(), 0.5);
+        oxArray *at_once = sparse_of(m, n, model), *one_by_one = sparse_of(m, n, model);
+        ASSERT_EQ(spAss4(at_once, sparse_of(m, c.size(), b), subscript(c)), spOK);
+        for (kwSize k = 0; k < c.size(); ++k) {
+            Model column;
+            for (kwSize i = 0; i < m; ++i)
+                if (b.count({i, k})) column[{i, 0}] = value(b, i, k);
+            ASSERT_EQ(spAss4(one_by_one, sparse_of(m, 1, column), subscript({c[k]})), spOK);
+        }
+        ASSERT_EQ(text(at_once), text(one_by_one)) << round;
+        ASSERT_EQ(oxGetNzmax(at_once), oxGetNzmax(one_by_one)) << round;
+    }
+}
+
+TEST_F(SparseAssignTest, GrowthRule) {
+    struct Row {
+        kwSize nzmax, q, delta, m, n, expected;
+        bool possible;
+    };
+    const kwSize huge = kwSize{1} << 40;
+    const Row rows[] = {
+        {10, 2, 2, 100, 100, 20, true}, // five columns' worth of room
+        {10, 2, 2, 4, 3, 12, true},     // but no more than all elements
+        {max_size - 6, 1, 1, huge, huge, max_size - 1, true},
+        {max_size - 5, 1, 1, huge, huge, max_size - 4, true}, // 2^48 - 1 refused: the exact need
+        {max_size - 1, 1, 1, huge, huge, max_size, true},     // 2^48 - 1 accepted here
+        {max_size, 1, 1, 1 << 20, 1 << 20, kwSize{1} << 40, true},
+        {max_size, 1, 1, huge, huge, 0, false},
+    };
+    for (const Row &r : rows) {
+        const Growth g = grown_capacity(r.nzmax, r.q, r.delta, r.m, r.n);
+        EXPECT_EQ(g.possible, r.possible);
+        EXPECT_EQ(g.possible ? g.nzmax : 0, r.expected);
+    }
+}
+
+TEST_F(SparseAssignTest, StatusesAndWhatStaysAssigned) {
+    oxArray *a = arr("sparse double 3x2: (0,0)=1"), *seven = oxCreateDoubleScalar(7);
+    oxSetArrayScope(seven, 0); // no temporary, so that it is not consumed
+    const auto assign = [&](const char *cols, oxArray *b) { return spAss4(a, b, arr(cols)); };
+    EXPECT_EQ(assign("double 1x1: 0", seven), spZeroIndex);
+    EXPECT_EQ(assign("double 1x1: 1.5", seven), spBadIndex);
+    EXPECT_EQ(assign("double 1x1: NaN", seven), spBadIndex);
+    EXPECT_EQ(assign("double 1x1: -1", seven), spZeroIndex);
+    EXPECT_EQ(assign("double 1x1: 1", arr("double 2x1: 1; 2")), spDimMismatch);
+    EXPECT_EQ(assign("double 1x1: 1", arr("double 2x2x2: 1 2; 3 4 | 5 6; 7 8")), spDimMismatch);
+    EXPECT_EQ(text(a), text(arr("sparse double 3x2: (0,0)=1")));
+    // The columns before a bad index stay, and the array stays wide.
+    EXPECT_EQ(assign("double 1x3: 4 0 1", seven), spZeroIndex);
+    EXPECT_EQ(text(a), text(arr("sparse double 3x4: (0,0)=1 (0,3)=7 (1,3)=7 (2,3)=7")));
+    EXPECT_EQ(assign("double 1x1: 4", oxCreateDoubleScalar(0)), spOK);
+    EXPECT_EQ(oxGetNumNonZeroEl(a), 1u);
+    oxDestroyArray(seven);
+}
+
+TEST_F(SparseAssignTest, TargetsAndSourcesOfOtherKinds) {
+    struct Row {
+        const char *target, *columns, *source, *expected;
+    };
+    const Row rows[] = {
+        {"double 0x0", "double 1x1: 2", "double 2x1: 5; 0", "sparse double 2x2: (0,1)=5"},
+        {"double 2x2: 1 0; 0 2", "double 1x1: 1", "double 2x1: 0; 3",
+         "sparse double 2x2: (1,0)=3 (1,1)=2"},
+        {"sparse double 3x1", "double 1x1: 1", "double 1x3: 1 0 2",
+         "sparse double 3x1: (0,0)=1 (2,0)=2"},
+        {"sparse double 2x2: (0,0)=1", "logical 1x2: 0 1", "int8 2x1: 4; 5",
+         "sparse double 2x2: (0,0)=1 (0,1)=4 (1,1)=5"},
+        {"sparse logical 2x1", "char 1x1: ':'", "double 1x1: 3",
+         "sparse logical 2x1: (0,0)=1 (1,0)=1"},
+        {"sparse double 2x1: (0,0)=1", "double 1x1: 2", "double 2x1: 0 ; 1+2i",
+         "sparse double 2x2: (0,0)=1+0i (1,1)=1+2i"},
+        {"sparse double 2x2: (0,0)=1+2i (1,1)=3+0i", "double 1x1: 1", "double 1x1: 0",
+         "sparse double 2x2: (1,1)=3"},
+        {"sparse double 2x0", "char 1x1: ':'", "double 2x3: 1 0 0; 0 0 2",
+         "sparse double 2x3: (0,0)=1 (1,2)=2"},
+    };
+    for (const Row &r : rows) {
+        oxArray *a = arr(r.target);
+        ASSERT_EQ(spAss4(a, arr(r.source), arr(r.columns)), spOK) << r.target;
+        EXPECT_TRUE(oxAreMatricesEqual(a, arr(r.expected))) << text(a) << " is not " << r.expected;
+    }
+    oxArray *a = arr("sparse double 2x2: (0,0)=1 (1,0)=2");
+    ASSERT_EQ(spAss4(a, a, arr("double 1x2: 2 1")), spOK);
+    EXPECT_EQ(text(a), text(arr("sparse double 2x2: (0,1)=1 (1,1)=2")));
+    // A member of a ring gets storage of its own first.
+    oxArray *shared = oxCreateSharedDataCopy(a);
+    ASSERT_EQ(spAss4(shared, arr("double 1x1: 9"), arr("double 1x1: 2")), spOK);
+    EXPECT_EQ(text(a), text(arr("sparse double 2x2: (0,1)=1 (1,1)=2")));
+}
+
+TEST(SparseAssignSweep, FailingAllocations) {
+    const auto ok = [](spStatus s) { return s == spOK; };
+    const std::vector<std::string> inputs{"sparse double 3x2: (0,0)=1", "double 1x1: 4"};
+    const auto complex_value = [] {
+        oxArray *b = oxCreateDoubleMatrix(1, 1, oxCOMPLEX); // a temporary, which success consumes
+        *oxGetPr(b) = *oxGetPi(b) = 1;
+        return b;
+    };
+    using Act = std::function<bool(const Arrays &)>;
+    const std::pair<const char *, Act> calls[] = {
+        {"columns", [&](const Arrays &in) { return ok(spAss4(in[0], complex_value(), in[1])); }},
+        {"rows", [&](const Arrays &in) { return ok(spAss5(in[0], complex_value(), in[1])); }},
+        {"positions", [&](const Arrays &in) { return ok(spAss6(in[0], complex_value(), in[1])); }},
+        {"block",
+         [&](const Arrays &in) { return ok(spAss3(in[0], complex_value(), in[1], in[1])); }},
+        {"deletion", [&](const Arrays &in) { return ok(spAss4(in[0], nullptr, in[1])); }},
+    };
+    for (const auto &[name, act] : calls)
+        sweep({.name = name,
+               .inputs = inputs,
+               .make = nullptr,
+               .act = act,
+               .bare = false,
+               .changes_inputs = true,
+               .setup = nullptr});
+}
+
+} // namespace
+} // namespace ox::test
