@@ -1,0 +1,174 @@
+// Transposes: kernels of every width against the formula, and arrays with their storage.
+#include <containers/check_array.h>
+#include <core/imaginary.h>
+#include <core/stream_copy.h>
+#include <index/transpose_kernels.h>
+#include <ox.hpp>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/fake_layer.h>
+#include <support/faults.h>
+#include <support/host.h>
+
+#include <cstring>
+#include <numeric>
+
+#include "each_target.h"
+
+namespace ox::test {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes numbered(kwSize n) {
+    Bytes b(n);
+    for (kwSize i = 0; i < n; ++i) b[i] = static_cast<unsigned char>(i * 167 + (i >> 8) * 13);
+    return b;
+}
+
+// dst(i, j) = src(j, i) byte by byte; bytes between the rows of dst keep their 0xEE.
+Bytes model(const Bytes &src, kwSize m, kwSize n, kwSize lds, kwSize ldd, kwSize w) {
+    Bytes dst(m * ldd * w, 0xEE);
+    for (kwSize i = 0; i < m; ++i)
+        for (kwSize j = 0; j < n; ++j)
+            std::memcpy(&dst[(i * ldd + j) * w], &src[(i + j * lds) * w], w);
+    return dst;
+}
+
+// Sides below, at and above every tile size and the staging run, also no multiples of a line.
+constexpr kwSize sides[][2] = {{1, 1},   {3, 5},   {16, 16},  {17, 33},    {64, 64},   {33, 70},
+                               {8, 600}, {600, 8}, {65, 600}, {130, 1100}, {129, 128}, {257, 95}};
+
+TEST(TransposeKernels, AgreeWithTheFormulaForEveryWidthAndPitch) {
+    for_each_target([] {
+        for (kwSize w : {1, 2, 4, 8, 32})
+            for (auto [m, n] : sides)
+                for (kwSize extra : {0, 3}) {
+                    const kwSize lds = m + extra, ldd = n + extra;
+                    const Bytes src = numbered(lds * n * w), want = model(src, m, n, lds, ldd, w);
+                    for (const TransposeKernels *k : {scalar_transpose(w), vector_transpose(w)})
+                        for (TransposeKernel kernel : {k->cached, k->streaming}) {
+                            Bytes dst(want.size() + 64, 0xEE);
+                            kernel(dst.data() + w, ldd, src.data(), lds, m, n);
+                            stream_fence();
+                            ASSERT_EQ(std::memcmp(dst.data() + w, want.data(), want.size()), 0)
+                                << "width " << w << ", " << m << " by " << n << " + " << extra;
+                        }
+                }
+    });
+    EXPECT_EQ(vector_transpose(3), nullptr);
+}
+
+TEST(TransposeKernels, SquaresAreTransposedWhereTheyAre) {
+    for_each_target([] {
+        for (kwSize w : {1, 2, 4, 8, 32})
+            for (kwSize n : {1, 2, 7, 16, 31, 64, 65, 150}) {
+                const Bytes src = numbered(n * n * w);
+                for (const TransposeKernels *k : {scalar_transpose(w), vector_transpose(w)}) {
+                    Bytes block = src;
+                    k->in_place(block.data(), n);
+                    ASSERT_EQ(block, model(src, n, n, n, n, w)) << "width " << w << ", n " << n;
+                }
+            }
+    });
+}
+
+class Transpose : public HostTest {
+    WithLayer layer_;
+};
+
+// clang-format off
+const char *const pairs[][2] = {
+    {"1+1i 2-2i 3", "1+1i; 2-2i; 3"}, // not conjugated
+    {"1 2 3; 4 5 6", "1 4; 2 5; 3 6"},
+    {"double 0x3", "double 3x0"},
+    {"1+1i 2; 3 4-4i", "1+1i 3; 2 4-4i"},
+    {"int64 2x2: 1 2; 3 4", "int64 2x2: 1 3; 2 4"},
+    {"single 2x1: 1; 2", "single 1x2: 1 2"},
+    {"logical 2x2: 1 0; 1 1", "logical 2x2: 1 1; 0 1"},
+    {"char 2x3: 'abc'; 'def'", "char 3x2: 'ad'; 'be'; 'cf'"},
+    {"int16 2x2: 1 2; 3 4", "int16 2x2: 1 3; 2 4"},
+    {"cell 2x2: {1} {2} {} {char 1x1: 'x'}", "cell 2x2: {1} {} {2} {char 1x1: 'x'}"},
+    {"cell 1x2: {1} {2}", "cell 2x1: {1} {2}"},
+    {"sparse double 2x3: (1,0)=2 (0,2)=1+1i", "sparse double 3x2: (2,0)=1+1i (0,1)=2"},
+    {"function_handle 2x2: 1 2 3 4", "function_handle 2x2: 1 3 2 4"},
+};
+// clang-format on
+
+TEST_F(Transpose, EveryClass) {
+    for (auto [in, out] : pairs) {
+        oxArray *a = arr(in), *b = oxTranspose(a);
+        EXPECT_EQ(text(b), text(arr(out))) << in;
+        EXPECT_EQ(text(a), text(arr(in)));
+        EXPECT_FALSE(check_array(b)) << in;
+    }
+    EXPECT_EQ(text(oxTranspose(arr("struct 2x2 a,b: {1} {2} {3} {4} {5} {6} {7} {8}"))),
+              text(arr("struct 2x2 a,b: {1} {2} {5} {6} {3} {4} {7} {8}")));
+}
+
+TEST_F(Transpose, ARealVectorSharesItsData) {
+    for (const char *in : {"1 2 3 4 5", "int8 3x1: 1; 2; 3", "cell 1x2: {1} {2}"}) {
+        oxArray *a = arr(in), *b = oxTranspose(a);
+        EXPECT_TRUE(a->num.pdata == b->num.pdata && a->cross_link == b) << in;
+        EXPECT_TRUE(oxGetM(a) == oxGetN(b) && oxGetN(a) == oxGetM(b));
+    }
+    oxArray *a = arr("1+1i 2"), *b = oxTranspose(a);
+    EXPECT_TRUE(a->num.pdata != b->num.pdata && !a->cross_link);
+}
+
+TEST_F(Transpose, AReusableSquareIsTransposedInItsOwnBlock) {
+    oxArray *a = arr("1+5i 2; 3 4+6i");
+    a->set_reusable(true);
+    void *block = a->num.pdata;
+    oxArray *b = oxTranspose(a);
+    EXPECT_EQ(b->num.pdata, block);
+    EXPECT_EQ(text(b), text(arr("1+5i 3; 2 4+6i")));
+    EXPECT_EQ(text(a), text(b));
+    EXPECT_FALSE(b->has_flag(oxFLAG_REUSABLE));
+    oxArray *wide = arr("1 2 3; 4 5 6");
+    wide->set_reusable(true);
+    EXPECT_NE(oxTranspose(wide)->num.pdata, wide->num.pdata);
+}
+
+TEST_F(Transpose, RefusesWhatIsNoMatrixOfElements) {
+    EXPECT_RAISES("VELTRO:transpose:notImplemented", "Transpose on ND array is not defined",
+                  oxTranspose(arr("double 1x2x2: 1 2 | 3 4")));
+    for (const char *in : {"opaque 2x2: 1 2 3 4", "object Point 2x2 px: {1} {2} {3} {4}"})
+        EXPECT_RAISES("VELTRO:transpose:notImplemented",
+                      "Transpose on arbitrary element size is not implemented",
+                      oxTranspose(arr(in)));
+}
+
+TEST_F(Transpose, BlocksByClass) {
+    for (const char *in : {"int16 2x3: 1 2 3; 4 5 6", "1 2 3; 4 5 6", "uint8 2x3: 1 2 3; 4 5 6"}) {
+        oxArray *a = arr(in), *b = oxCreateDeepCopy(a), *want = oxTranspose(a);
+        oxInPlaceBlockTranspose(b, oxGetData(b), 2, 3);
+        oxSetM(b, 3), oxSetN(b, 2);
+        EXPECT_EQ(text(b), text(want));
+        oxTransposeArray(a, oxGetData(a), oxGetData(b), 2, 3);
+        EXPECT_EQ(text(b), text(want));
+    }
+    oxArray *c = arr("cell 2x2: {1} {2} {} {}");
+    oxInPlaceBlockTranspose(c, oxGetData(c), 2, 2); // nothing
+    EXPECT_EQ(text(c), text(arr("cell 2x2: {1} {2} {} {}")));
+}
+
+TEST_F(Transpose, FailingAllocations) {
+    const auto make = [](const Arrays &in) { return oxTranspose(in[0]); };
+    for (const char *in :
+         {"1 2 3", "1+1i 2; 3 4", "cell 2x2: {1} {} {2} {3}", "sparse double 2x2: (0,1)=1"})
+        sweep({.name = in, .inputs = {in}, .make = make, .act = nullptr});
+    sweep({.name = "in place",
+           .inputs = {"1 2 3; 4 5 6"},
+           .make = nullptr,
+           .act =
+               [](const Arrays &in) {
+                   oxInPlaceBlockTranspose(in[0], oxGetData(in[0]), 2, 3);
+                   return true;
+               },
+           .bare = false,
+           .changes_inputs = true});
+}
+
+} // namespace
+} // namespace ox::test
