@@ -152,12 +152,11 @@ bool is_lazy(const oxArray *a) { return a->is_indexing_opaque(); }
 
 oxArray *make_lazy(Scanner &in) {
     const Dims dims = read_dims(in);
-    in.expect(':');
-    const double number = std::strtod(std::string(in.number()).c_str(), nullptr);
-    oxArray *a = make_header(oxOPAQUE_CLASS, 0, 0);
-    a->set_flag(oxFLAG_INDEXING_OPAQUE, true);
-    a->opaque.info = lazy_class();
-    a->opaque.giblet = new_payload(number, dims[0], dims[1]);
+    oxArray *a = lazy_class()->empty_copy();
+    if (in.accept(':')) {
+        const double number = std::strtod(std::string(in.number()).c_str(), nullptr);
+        a->opaque.giblet = new_payload(number, dims[0], dims[1]);
+    }
     return hand_over(a);
 }
 

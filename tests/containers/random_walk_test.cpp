@@ -1,0 +1,395 @@
+// A random walk over everything that shares: creates, copies, contains, unshares, writes, moves
+// between contexts and destroys, and compares each array with what its handle must show.
+//
+// The model of a value is its text. What a write must give is found by writing to a fresh array of
+// that text, which shares nothing with anyone.
+#include <containers/check_array.h>
+#include <core/array_list.h>
+#include <ox.hpp>
+#include <support/array_text.h>
+#include <support/fake_layer.h>
+#include <support/host.h>
+#include <support/random.h>
+
+#include <algorithm>
+
+using namespace ox;
+using namespace ox::test;
+
+namespace {
+
+constexpr int unlisted = -1;
+
+// One owner of an array: home is the context whose list has it, or `unlisted`.
+struct Handle {
+    oxArray *a;
+    std::string value;
+    int home;
+};
+
+struct Level {
+    int index; // what entering the context returned
+    std::vector<Handle> handles;
+};
+
+const char *const leaves[] = {
+    "1",
+    "double 2x2: 1 2; 3 4",
+    "double 1x2: 1+2i 3",
+    "double 1x2x2: 1 2 | 3 4",
+    "double 0x2",
+    "sparse double 3x2 nzmax 8: (0,0)=1 (2,1)=5",
+    "sparse logical 2x1: (1,0)=1",
+    "single 1x1: 2",
+    "int16 2x1: 4; 5",
+    "logical 1x2: 1 0",
+    "char 1x2: 'ab'",
+    "cell 1x2: {1} {}",
+    "cell 1x1x2: {char 1x1: 'x'} {cell 1x1: {2}}",
+    "cell 0x1",
+    "struct 1x1 a,b: {1} {}",
+    "struct 1x2 a: {1 2} {3}",
+    "object Point 1x1 a: {cell 1x1: {7}}",
+    "opaque 1x2: 5 6",
+    "lazy 2x3: 7",
+    "function_handle 1x1: 8",
+};
+
+// A change of one value, the same whichever array of that value it is made to.
+struct Change {
+    uint64_t where;
+    int number;
+    std::string element; // to store; empty: write below, or take the element away
+    bool shallow;
+};
+
+void change_slots(oxArray *a, const Change &c);
+
+// a is nobody else's; false when this kind cannot be written to.
+void change(oxArray *a, const Change &c) {
+    const kwSize n = is_sparse(a) ? a->num.jc[cols(a)] : a->get_number_of_elements();
+    if (is_container(a)) return change_slots(a, c);
+    if (n == 0 || a->is_indexing_opaque()) return;
+    const kwSize k = c.where % n;
+    if (a->class_code == oxOPAQUE_CLASS)
+        *static_cast<double *>(data<void *>(a)[k]) = c.number;
+    else if (a->class_code == oxFUNCTION_CLASS)
+        *data<double *>(a)[0] = c.number;
+    else if (a->is_char())
+        data<oxChar>(a)[k] = static_cast<oxChar>('a' + c.number);
+    else if (c.where % 5 == 0 && !is_sparse(a))
+        oxSetDimensions_730(a, std::vector<kwSize>{n, 1}.data(), 2);
+    else
+        store_number(a, k, {oxIsLogical(a) ? "1" : std::to_string(c.number), {}});
+}
+
+void change_slots(oxArray *a, const Change &c) {
+    const kwSize n = is_struct_like(a)
+                         ? a->get_number_of_elements() * static_cast<kwSize>(oxGetNumberOfFields(a))
+                         : a->get_number_of_elements();
+    if (is_struct_like(a) && c.where % 7 == 0) {
+        if (oxAddField(a, "added") > 2) oxRemoveField(a, 0);
+        return;
+    }
+    if (n == 0) return;
+    oxArray *&slot = a->cell.slots[c.where % n];
+    if (slot && c.element.empty() && c.where % 3) { // the element becomes ours, and is changed
+        slot = c.shallow ? oxUnshareShallow(slot) : oxUnshare(slot);
+        return change(slot, {c.where / n, c.number, {}, c.shallow});
+    }
+    oxDestroyArray(slot);
+    slot = c.element.empty() ? nullptr : contained(arr(c.element));
+}
+
+class Walk {
+public:
+    explicit Walk(uint64_t seed) : random_(seed) { levels_.push_back({0, {}}); }
+
+    void step() {
+        if (current().size() < 3 || (total() < 14 && random_.chance(0.2)))
+            add(arr(random_.pick(leaves)));
+        else
+            make_a_move();
+        verify();
+    }
+
+    void leave_all() {
+        while (levels_.size() > 1) leave();
+        for (const Handle &h : current())
+            if (h.home == unlisted) oxDestroyArray(h.a);
+    }
+
+    uint64_t seed() const { return random_.seed(); }
+
+private:
+    Random random_;
+    std::vector<Level> levels_;
+
+    std::vector<Handle> &current() { return levels_.back().handles; }
+    int here() const { return static_cast<int>(levels_.size()) - 1; }
+    kwSize total() const {
+        kwSize n = 0;
+        for (const Level &l : levels_) n += l.handles.size();
+        return n;
+    }
+    Handle &any() {
+        Level &level = random_.pick(levels_);
+        return random_.pick(level.handles.empty() ? current() : level.handles);
+    }
+    kwSize mine() { return random_.below(current().size()); }
+
+    void add(oxArray *a, std::string value, int home) { current().push_back({a, value, home}); }
+    void add(oxArray *a) { add(a, text(a), here()); }
+    void forget(kwSize i) { current().erase(current().begin() + static_cast<std::ptrdiff_t>(i)); }
+
+    static bool plain(const Handle &h) { return h.value[0] != 'u' && h.value.back() != 'a'; }
+    static bool alone(const Handle &h) { return !oxIsSharedArray(h.a); }
+    static bool counted(const Handle &h) { return oxGetReferenceCount(h.a) > 0; }
+
+    void own(Handle &h, bool shallow) {
+        oxArray *mine = shallow ? oxUnshareShallow(h.a) : oxUnshareEx(h.a);
+        if (mine != h.a) h.home = oxIsTemp(mine) ? here() : unlisted;
+        h.a = mine;
+        EXPECT_FALSE(oxIsSharedArray(h.a));
+    }
+
+    void expect_changed(Handle &h, const Change &c) {
+        oxArray *fresh = arr(h.value);
+        change(fresh, c);
+        h.value = text(fresh);
+        oxDestroyArray(fresh);
+    }
+
+    // --- Copies ------------------------------------------------------------------------------
+
+    void share() {
+        const Handle h = any();
+        add(random_.chance(0.5) ? oxCreateSharedDataCopy(h.a) : oxCreateSharedCopy(h.a), h.value,
+            here());
+    }
+    void refer() {
+        const Handle h = any();
+        add(oxCreateReference(h.a), h.value, h.home);
+    }
+    void copy_deeply() {
+        const Handle h = any();
+        add(oxCreateDeepCopy(h.a), h.value, here());
+    }
+    void copy_unlisted() {
+        const Handle h = any();
+        add(oxCreateSharedCopyNotOnArrayList(h.a), h.value, unlisted);
+    }
+    void copy_empty() {
+        add(oxCreateEmptyCopy(any().a));
+        EXPECT_TRUE(oxIsEmpty(current().back().a));
+    }
+    void claim() {
+        Handle &h = current()[mine()];
+        const std::string value = h.value;
+        const bool reusable = alone(h);
+        if (reusable) h.a->set_reusable(true);
+        oxArray *copy = oxCreateClaimedDataCopy(h.a);
+        if (reusable) h.value = "unknown 0x0";
+        add(copy, value, here());
+    }
+    void reuse() {
+        const Handle h = current()[mine()];
+        if (!alone(h) || !oxIsDouble(h.a) || is_sparse(h.a) || h.a->ndims > 2) return;
+        h.a->set_reusable(true);
+        oxArray *a = oxCreateDoubleMatrixWithReuse(oxGetM(h.a), oxGetN(h.a),
+                                                   oxIsComplex(h.a) ? oxCOMPLEX : oxREAL, 1, &h.a);
+        EXPECT_TRUE(oxIsEmpty(a) || a->cross_link == h.a);
+        add(a, h.value, here());
+    }
+
+    // --- Writing -----------------------------------------------------------------------------
+
+    void write() {
+        Handle &h = current()[mine()];
+        if (!plain(h)) return;
+        const Change c{random_.bits(), static_cast<int>(random_.below(9)),
+                       random_.chance(0.3) ? random_.pick(leaves) : "", random_.chance(0.5)};
+        own(h, false);
+        expect_changed(h, c);
+        change(h.a, c);
+    }
+    void leave_storage() { EXPECT_EQ(oxUnshareOtherArrays(any().a), 0); }
+    void empty_others() {
+        const Handle h = any();
+        std::vector<Handle *> sharers;
+        for (oxArray *p = h.a->cross_link; p && p != h.a; p = p->cross_link) {
+            const kwSize before = sharers.size();
+            for (Level &l : levels_)
+                for (Handle &s : l.handles)
+                    if (s.a == p) sharers.push_back(&s);
+            // What is, or may be, an element of something must keep its value.
+            if (sharers.size() == before || p->scope == oxSCOPE_CONTAINED) return;
+        }
+        oxUnshareAndEmptyOtherArrays(h.a);
+        for (Handle *s : sharers) {
+            EXPECT_TRUE(oxIsEmpty(s->a));
+            s->value = text(s->a);
+        }
+    }
+    void move_onto() {
+        const kwSize i = mine(), j = mine();
+        Handle &dst = current()[i];
+        if (counted(dst) || dst.a == current()[j].a) return;
+        dst.value = current()[j].value;
+        if (random_.chance(0.5)) return oxMoveCopyOntoHeader(dst.a, current()[j].a);
+        oxMoveArrayOntoHeader(dst.a, current()[j].a);
+        forget(j);
+    }
+
+    // --- Owners ------------------------------------------------------------------------------
+
+    // Stores a value of its own, or a copy of one that stays.
+    void store() {
+        const kwSize i = mine(), j = mine();
+        Handle &dst = current()[i];
+        const Handle src = current()[j];
+        if (!plain(dst) || !plain(src) || dst.value.size() + src.value.size() > 250) return;
+        if (!is_container(dst.a) || oxGetNumberOfElements(dst.a) == 0) return;
+        if (is_struct_like(dst.a) && !oxGetNumberOfFields(dst.a)) return;
+        if (i == j) return;
+        own(dst, random_.chance(0.5));
+        oxArray *&slot = dst.a->cell.slots[0];
+        oxArray *fresh = arr(dst.value);
+        oxDestroyArray(std::exchange(fresh->cell.slots[0], contained(arr(src.value))));
+        dst.value = text(fresh);
+        oxDestroyArray(fresh);
+        oxDestroyArray(std::exchange(slot, nullptr));
+        if (random_.chance(0.5)) return oxSetCopyInCell(dst.a, 0, src.a);
+        oxSetCell_730(dst.a, 0, src.a);
+        forget(j);
+    }
+    void take_element() {
+        const Handle h = any();
+        if (!is_container(h.a) || !h.a->cell.slots) return;
+        oxArray *e = h.a->cell.slots[0];
+        if (!e) return;
+        if (random_.chance(0.5))
+            add(oxCreateReference(e), text(e), unlisted);
+        else
+            add(oxCreateSharedCopy(e));
+    }
+    void make_property() {
+        Handle &h = current()[mine()];
+        h.a = oxPreparePropertyValueForContainment(h.a);
+        h.home = unlisted;
+    }
+    void protect() {
+        Handle &h = current()[mine()];
+        if (counted(h)) return;
+        Protected_oxArray p(h.a, true);
+        EXPECT_FALSE(array_list_contains(h.a));
+        if (random_.chance(0.5)) p.Unshare();
+        h.a = p.Unprotect();
+        h.home = here();
+    }
+    void change_scope() {
+        Handle &h = current()[mine()];
+        if (counted(h)) return;
+        const bool listed = random_.chance(0.5);
+        oxSetArrayScope(h.a, listed ? oxSCOPE_TEMPORARY : 9);
+        h.home = listed ? here() : unlisted;
+    }
+    void destroy_one() {
+        const kwSize i = mine();
+        oxDestroyArray(current()[i].a);
+        forget(i);
+    }
+
+    // --- Contexts ----------------------------------------------------------------------------
+
+    void enter() {
+        if (levels_.size() < 4) levels_.push_back({oxEnterNewArrayListContext(), {}});
+    }
+    void leave() {
+        if (levels_.size() < 2) return;
+        Level level = std::move(levels_.back());
+        levels_.pop_back();
+        const int left = here() + 1;
+        const bool fold = random_.chance(0.3);
+        std::vector<oxArray *> kept;
+        for (const Handle &h : level.handles)
+            if (h.home == left && random_.chance(0.3)) kept.push_back(h.a);
+        for (Handle &h : level.handles) {
+            const bool stays = fold || std::count(kept.begin(), kept.end(), h.a);
+            if (h.home == left && stays)
+                current().push_back({h.a, h.value, here()});
+            else if (h.home != left && h.home == unlisted && stays)
+                current().push_back(h);
+            else if (h.home != left)
+                oxDestroyArray(h.a);
+        }
+        if (fold)
+            oxExitAndFoldArrayListContext(level.index);
+        else
+            oxExitArrayListContext(level.index, kept.data(), static_cast<int>(kept.size()), true);
+    }
+    void take_from_previous() {
+        if (levels_.size() < 2) return;
+        std::vector<Handle> &previous = levels_[levels_.size() - 2].handles;
+        if (previous.empty()) return;
+        const kwSize i = random_.below(previous.size());
+        const Handle h = previous[i];
+        if (counted(h) || h.home != here() - 1) return;
+        previous.erase(previous.begin() + static_cast<std::ptrdiff_t>(i));
+        oxMoveArrayFromPreviousContext(levels_.back().index, h.a);
+        add(h.a, h.value, here());
+    }
+
+    void make_a_move() {
+        static constexpr void (Walk::*moves[])() = {
+            &Walk::share,         &Walk::share,
+            &Walk::refer,         &Walk::copy_deeply,
+            &Walk::copy_unlisted, &Walk::copy_empty,
+            &Walk::claim,         &Walk::reuse,
+            &Walk::write,         &Walk::write,
+            &Walk::write,         &Walk::leave_storage,
+            &Walk::empty_others,  &Walk::move_onto,
+            &Walk::store,         &Walk::store,
+            &Walk::take_element,  &Walk::make_property,
+            &Walk::protect,       &Walk::change_scope,
+            &Walk::destroy_one,   &Walk::destroy_one,
+            &Walk::destroy_one,   &Walk::enter,
+            &Walk::leave,         &Walk::take_from_previous,
+        };
+        (this->*random_.pick(moves))();
+    }
+
+    void verify() {
+        for (const Level &l : levels_) {
+            for (const Handle &h : l.handles) {
+                const Finding f = check_array(h.a);
+                ASSERT_FALSE(f) << text(f.array) << ": not so: " << check_rule_text(f.rule);
+                ASSERT_EQ(text(h.a), h.value);
+                ASSERT_EQ(array_list_contains(h.a), h.home != unlisted);
+            }
+        }
+    }
+};
+
+class RandomWalk : public HostTest {
+    WithLayer layer_;
+};
+
+// OX_WALK_STEPS makes it longer.
+TEST_F(RandomWalk, EveryHandleShowsItsValueAfterEveryStep) {
+    const char *given = std::getenv("OX_WALK_STEPS");
+    const uint64_t steps = given ? std::strtoull(given, nullptr, 10) : 100000;
+    constexpr uint64_t episode = 2000;
+    for (uint64_t n = 0; n < steps && !HasFatalFailure(); n += episode) {
+        Walk walk(1 + n / episode);
+        for (uint64_t k = 0; k < episode; ++k) {
+            walk.step();
+            ASSERT_FALSE(HasFailure()) << "seed " << walk.seed() << ", step " << k;
+        }
+        walk.leave_all();
+        oxExitArrayListContext(0, nullptr, 0, true);
+        oxEnterNewArrayListContext();
+    }
+}
+
+} // namespace
