@@ -38,10 +38,26 @@ void own_handles(Bytes32 *handles, kwSize n) {
     }
 }
 
+// A class releases whole arrays, so the payloads are shown to it as one.
+void release_payloads(xxInfo *info, void *payloads, kwSize n) {
+    if (!info || n == 0) return;
+    oxArray shown{};
+    shown.class_code = oxOPAQUE_CLASS;
+    shown.ndims = 2;
+    shown.mn[0] = 1;
+    shown.mn[1] = n;
+    shown.opaque.giblet = payloads;
+    shown.opaque.info = info;
+    info->release(&shown);
+}
+
 void own_payloads(xxInfo *info, void **payloads, kwSize n) {
     if (!info) return;
     for (kwSize i = 0; i < n; ++i)
-        if (payloads[i] && !info->copy_element(&payloads[i], payloads[i])) raise_out_of_memory();
+        if (payloads[i] && !info->copy_element(&payloads[i], payloads[i])) {
+            release_payloads(info, payloads, i);
+            raise_out_of_memory();
+        }
 }
 
 } // namespace
@@ -61,6 +77,8 @@ void release_elements(const oxArray *a, void *data, kwSize n) {
     } else if (a->class_code == oxFUNCTION_CLASS) {
         if (const auto release = object_layer().fh_release_element)
             for (kwSize i = 0; i < n; ++i) release(static_cast<Bytes32 *>(data) + i);
+    } else if (a->class_code == oxOPAQUE_CLASS) {
+        release_payloads(a->opaque.info, data, n);
     }
 }
 

@@ -2,19 +2,38 @@
 #include <core/destroy.h>
 #include <core/header_copy.h>
 #include <errors/raise.h>
-#include <index/reference.h>
+#include <index/operands/shapes.h>
 #include <index/sparse_route.h>
 #include <ox.h>
+#include <sparse/reference.h>
 #include <sparse/storage/csc.h>
 
 namespace ox {
 
+namespace {
+
+oxArray *reference_linear(const oxArray *a, const oxArray *sub) {
+    kwSize extent;
+    if (__builtin_mul_overflow(rows(a), cols(a), &extent)) extent = ~kwSize{0};
+    Subscript s;
+    Extents dims;
+    s.read_or_raise(sub, extent);
+    if (!s.inside(extent)) oxHandleSubscriptError(2);
+    linear_reference_shape(a, sub, s, dims);
+    kwSize n = dims[1];
+    for (kwSize k = 2; k < dims.size(); ++k) n *= dims[k];
+    return sparse_linear_reference(a, s, dims[0], n);
+}
+
+} // namespace
+
 oxArray *reference_sparse(const oxArray *a, kwSize nsubs, const oxArray *const *subs) {
-    const ArrayGuard full(sparse_to_full(a));
-    if (!full) raise_out_of_memory();
-    const ArrayGuard selected(reference(full.get(), nsubs, subs));
-    oxArray *result = full_to_sparse(selected.get());
-    if (!result) raise_out_of_memory();
+    oxArray *result = nullptr;
+    if (nsubs == 1)
+        result = reference_linear(a, subs[0]);
+    else
+        oxHandleSparseSubscriptError(sparse_reference(a, nsubs, subs, &result));
+    oxFreeImagIfZero(result);
     return result;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 #include <core/array.h>
 #include <index/operands/subscript.h>
+#include <ox/sparse.h>
 
 namespace ox {
 
@@ -11,6 +12,11 @@ namespace ox {
 // beyond A before anything is allocated, and error 18.
 oxArray *sparse_reference(const oxArray *a, const kwIndex *rows, kwSize nrows, const kwIndex *cols,
                           kwSize ncols);
+
+// B = A(subs) by two or more subscripts; those beyond the second address dimensions of extent 1. The
+// result is handed to no hook. Raises error 18.
+spStatus sparse_reference(const oxArray *a, kwSize nsubs, const oxArray *const *subs,
+                          oxArray **result);
 
 // B = A(I) as an m-by-n array, m * n = I.count, I inside A. Raises error 18.
 oxArray *sparse_linear_reference(const oxArray *a, Subscript &index, kwSize m, kwSize n);

@@ -43,27 +43,6 @@ struct PositionList {
     }
 };
 
-// Subscripts beyond the second address dimensions of extent 1.
-spStatus reference(const oxArray *a, kwSize nsubs, const oxArray *const *subs, oxArray **result) {
-    Subscript row, column;
-    spStatus status = read(row, subs[0], rows(a));
-    if (status == spOK) status = read(column, subs[1], cols(a));
-    kwSize times = 1;
-    for (kwSize k = 2; k < nsubs && status == spOK; ++k) {
-        Subscript single;
-        status = read(single, subs[k], 1);
-        times = saturating_multiply(times, single.count);
-    }
-    if (status != spOK) return status;
-    PositionList row_list, column_list;
-    if (!row.is_all()) row_list.take(row);
-    if (!column.is_all() || times != 1) column_list.take(column);
-    if (times != 1) column_list.repeat(times);
-    *result = hand_over(sparse_reference(a, row_list.block.get(), row_list.count,
-                                         column_list.block.get(), column_list.count));
-    return spOK;
-}
-
 spStatus scalar_position(double x, kwSize extent, kwIndex *position) {
     if (x == 0) return spZeroIndex;
     const kwSize p = double_to_size(x);
@@ -79,6 +58,38 @@ spStatus reference_scalar(const oxArray *a, kwSize nsubs, const double *subs, ox
     for (kwSize k = 2; k < nsubs && status == spOK; ++k)
         status = scalar_position(subs[k], 1, &ignored);
     if (status == spOK) *result = hand_over(sparse_reference(a, &row, 1, &column, 1));
+    return status;
+}
+
+} // namespace
+
+// Subscripts beyond the second address dimensions of extent 1.
+spStatus sparse_reference(const oxArray *a, kwSize nsubs, const oxArray *const *subs,
+                          oxArray **result) {
+    Subscript row, column;
+    spStatus status = read(row, subs[0], rows(a));
+    if (status == spOK) status = read(column, subs[1], cols(a));
+    kwSize times = 1;
+    for (kwSize k = 2; k < nsubs && status == spOK; ++k) {
+        Subscript single;
+        status = read(single, subs[k], 1);
+        times = saturating_multiply(times, single.count);
+    }
+    if (status != spOK) return status;
+    PositionList row_list, column_list;
+    if (!row.is_all()) row_list.take(row);
+    if (!column.is_all() || times != 1) column_list.take(column);
+    if (times != 1) column_list.repeat(times);
+    *result = sparse_reference(a, row_list.block.get(), row_list.count, column_list.block.get(),
+                               column_list.count);
+    return spOK;
+}
+
+namespace {
+
+spStatus reference(const oxArray *a, kwSize nsubs, const oxArray *const *subs, oxArray **result) {
+    const spStatus status = sparse_reference(a, nsubs, subs, result);
+    if (status == spOK) hand_over(*result);
     return status;
 }
 

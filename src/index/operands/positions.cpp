@@ -27,11 +27,11 @@ kwSize double_positions(const double *x, kwSize n, kwIndex *out, double *low, do
     const auto magic = hn::Set(d, 4503599627370496.0);
     const auto bias = hn::Set(du, uint64_t{0x4330000000000001});
     auto least = hn::Set(d, 1.0), most = hn::Set(d, 1.0);
-    auto fraction = hn::FirstN(d, 0);
+    auto whole = hn::Eq(least, least);
     kwSize k = 0;
     for (; k + lanes <= n; k += lanes) {
         const auto v = hn::LoadU(d, x + k), shifted = hn::Add(v, magic);
-        fraction = hn::Or(fraction, hn::Ne(hn::Sub(shifted, magic), v));
+        whole = hn::And(whole, hn::Eq(hn::Sub(shifted, magic), v)); // false for NaN
         least = hn::Min(least, v);
         most = hn::Max(most, v);
         hn::StoreU(hn::Sub(hn::BitCast(du, shifted), bias), du,
@@ -39,7 +39,7 @@ kwSize double_positions(const double *x, kwSize n, kwIndex *out, double *low, do
     }
     *low = hn::GetLane(hn::MinOfLanes(d, least));
     *high = hn::GetLane(hn::MaxOfLanes(d, most));
-    return hn::AllFalse(d, fraction) ? k : n + 1;
+    return hn::AllTrue(d, whole) ? k : n + 1;
 }
 
 } // namespace ox::HWY_NAMESPACE

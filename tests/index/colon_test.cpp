@@ -1,0 +1,262 @@
+// Ranges: operands, counts, values, and colon objects.
+#include "subs.h"
+
+#include <support/expect.h>
+#include <support/faults.h>
+#include <support/host.h>
+#include <support/random.h>
+
+#include <cmath>
+#include <limits>
+
+using namespace ox::test;
+
+namespace {
+
+class Colon : public HostTest {};
+
+constexpr double inf = std::numeric_limits<double>::infinity(), nan = NAN;
+
+TEST_F(Colon, CountsWithATolerance) {
+    const struct {
+        double first, step, last, count;
+    } rows[] = {
+        {1, 1, 0, 0},
+        {5, -1, 1, 5},
+        {1, 0, 5, 0},
+        {0, 0.1, 1, 11},
+        {0, 0.1, 0.95, 10},
+        {1, -0.1, 0, 11},
+        {0.1 + 0.2, 0.1, 0.3, 0},
+        {1, 2, 6, 3},
+        {-1, 0.1, 1, 21},
+        {0, 1, inf, inf},
+        {0, inf, 5, 1},
+        {-0x1p60, 0x1p60, 0x1p60, 3},
+        {-1e308, 1e308, 1e308, 3},
+        {3, 1, 3, 1},
+    };
+    for (const auto &r : rows)
+        EXPECT_EQ(oxColonop_size(r.first, r.step, r.last, oxDOUBLE_CLASS), r.count)
+            << r.first << ':' << r.step << ':' << r.last;
+    EXPECT_TRUE(std::isnan(oxColonop_size(1, nan, 3, oxDOUBLE_CLASS)));
+    EXPECT_EQ(oxColonop_size(0, 0.1F, 1, oxSINGLE_CLASS), 11);
+    EXPECT_EQ(oxColonop_size(-0x1p63, 1, 0x1p63, oxINT64_CLASS), 0x1p64 + 1);
+}
+
+TEST_F(Colon, ExpandsToArrays) {
+    const struct {
+        double first, step, last;
+        oxClassID cls;
+        const char *result;
+    } rows[] = {
+        {0, 0.25, 1, oxDOUBLE_CLASS, "double 1x5: 0 0.25 0.5 0.75 1"},
+        {1, 1, 0, oxDOUBLE_CLASS, "double 1x0"},
+        {1, nan, 3, oxDOUBLE_CLASS, "double 1x1: NaN"},
+        {1, 1, 3, oxSINGLE_CLASS, "single 1x3: 1 2 3"},
+        {5, -2, 0, oxINT8_CLASS, "int8 1x3: 5 3 1"},
+        {97, 2, 101, oxCHAR_CLASS, "char 1x3: 'ace'"},
+        {9223372036854774784.0, 512, 0x1p63, oxINT64_CLASS,
+         "int64 1x3: 9223372036854774784 9223372036854775296 9223372036854775807"},
+        {0, 0.5, 1, oxUINT64_CLASS, "uint64 1x3: 0 1 1"},
+    };
+    for (const auto &r : rows) EXPECT_EQ(text(oxColonop(r.first, r.step, r.last, r.cls)), r.result);
+    EXPECT_TRUE(oxIsScalarDoubleFlagSet(oxColonop(4, 1, 4, oxDOUBLE_CLASS)));
+    EXPECT_EQ(text(oxIntColonop(1, 1, 2, oxUINT8_CLASS)), "uint8 1x2: 1 2");
+    EXPECT_RAISES_ENTRY(FPMAXSIZE, oxColonop(0, 1, 1e300, oxDOUBLE_CLASS));
+    EXPECT_RAISES_ENTRY(FPMAXSIZE, oxColonop(0, 1, inf, oxDOUBLE_CLASS));
+    EXPECT_EQ(oxColonop(1, 1, 2, oxCELL_CLASS), nullptr);
+}
+
+TEST_F(Colon, ReversedRangesAreMirrorsAndEndExactly) {
+    Random r{5};
+    for (int i = 0; i < 3000; ++i) {
+        const double step = r.real(0.001, 2), first = r.real(-10, 10);
+        const kwSize n = 1 + r.below(200);
+        const double last = first + static_cast<double>(n - 1) * step;
+        SCOPED_TRACE(testing::Message() << first << ':' << step << ':' << last);
+        const oxArray *x = oxColonop(first, step, last, oxDOUBLE_CLASS);
+        const oxArray *y = oxColonop(last, -step, first, oxDOUBLE_CLASS);
+        ASSERT_EQ(oxGetN(x), n);
+        ASSERT_EQ(oxGetN(y), n);
+        EXPECT_EQ(oxGetPr(x)[0], first);
+        EXPECT_EQ(oxGetPr(x)[n - 1], last);
+        for (kwSize k = 0; k < n; ++k) {
+            ASSERT_EQ(oxGetPr(x)[k], oxGetPr(y)[n - 1 - k]) << k;
+            ASSERT_NEAR(oxGetPr(x)[k], first + static_cast<double>(k) * step, 1e-12) << k;
+        }
+    }
+    double centre[21];
+    oxColonop_fill_with_doubles(centre, 21, -1, 0.1, 1);
+    EXPECT_EQ(centre[10], 0); // not a rounding error
+}
+
+TEST_F(Colon, SignedPositions) {
+    kwSize n = 9;
+    int64_t *p = oxSignedIndexColonop(3, -2, -2, &n);
+    ASSERT_EQ(n, 3u);
+    EXPECT_EQ(std::vector<int64_t>(p, p + n), (std::vector<int64_t>{3, 1, -1}));
+    oxFree(p);
+    EXPECT_EQ(oxSignedIndexColonop(3, 1, 2, &n), nullptr);
+    EXPECT_EQ(n, 0u);
+}
+
+TEST_F(Colon, ObjectsKeepStepFirstLast) {
+    const struct {
+        oxClassID cls;
+        kwSize width;
+        double first, last, stored_first, stored_last;
+    } rows[] = {
+        {oxDOUBLE_CLASS, 3, 1.5, 9.5, 1.5, 9.5}, {oxSINGLE_CLASS, 4, 1.5, 9, 1.5, 9},
+        {oxINT8_CLASS, 10, -1.7, 9.9, -1, 9},    {oxUINT8_CLASS, 10, 300, 9, 44, 9},
+        {oxCHAR_CLASS, 6, 97, 101, 97, 101},     {oxUINT16_CLASS, 6, nan, 7, 0, 7},
+        {oxINT32_CLASS, 4, -3, 7, -3, 7},        {oxINT64_CLASS, 3, 1, 7, 0, 0},
+    };
+    for (const auto &r : rows) {
+        const oxArray *a = oxCreateColonObject(r.first, 2, r.last, r.cls);
+        double v[3];
+        oxGetColonObjValues(a, v);
+        EXPECT_EQ(oxGetN(a), r.width) << r.cls;
+        EXPECT_EQ(v[0], r.stored_first) << r.cls;
+        EXPECT_EQ(v[2], r.stored_last) << r.cls;
+        // Records of the 64-bit classes are left to the caller, step included.
+        EXPECT_EQ(v[1], r.cls == oxINT64_CLASS ? 0 : 2) << r.cls;
+    }
+    oxArray *u = oxCreateColonObject(0, 1, 0, oxUINT64_CLASS);
+    static_cast<uint64_t *>(oxGetData(u))[2] = ~uint64_t{0};
+    double v[3];
+    oxGetColonObjValues(u, v);
+    EXPECT_EQ(v[2], 0x1p64);
+    EXPECT_EQ(oxCreateColonObject(1, 1, 2, oxLOGICAL_CLASS), nullptr);
+}
+
+TEST_F(Colon, ObjectsAreCounted) {
+    const struct {
+        double first, step, last;
+        kwSize real, index;
+    } rows[] = {{1, 1, 0, 0, 0},    {5, -1, 1, 5, 5},
+                {1, 0, 5, 0, 0},    {1, 2, 6, 3, 3},
+                {-9, 1, 2, 12, 12}, {1, 1, 1e300, 281474976710655, 281474976710655}};
+    for (const auto &r : rows) {
+        const oxArray *a = oxCreateColonObj(r.first, r.step, r.last);
+        EXPECT_EQ(oxCountColonObj(a), r.real);
+        EXPECT_EQ(oxCountIntColonObj(a), r.index);
+    }
+    EXPECT_EQ(oxCountColonObj(oxCreateColonObj(1, nan, 2)), 1u);
+    EXPECT_EQ(oxCountColonObj(sub("2x3: 1 2 3; 4 5 6")), 6u);
+    EXPECT_RAISES("VELTRO:colon:nonFiniteEndpoint", nullptr,
+                  oxCountIntColonObj(oxCreateColonObj(0.5, inf, 2)));
+    EXPECT_WARNS("VELTRO:colon:nonIntegerIndex",
+                 "Integer operands are required for colon operator when used as index",
+                 oxCountIntColonObj(oxCreateColonObj(0, 0.5, 2)));
+}
+
+TEST_F(Colon, ObjectsExpandInTheirHeader) {
+    oxArray *a = oxCreateColonObj(1, 2, 5), *sharer = oxCreateSharedDataCopy(a);
+    oxSetUserBits(a, 7);
+    EXPECT_EQ(oxExpandColonObj(a), a);
+    EXPECT_EQ(text(a), "double 1x3: 1 3 5");
+    EXPECT_EQ(oxGetUserBits(a), 7);
+    EXPECT_FALSE(oxIsSharedArray(sharer));
+    EXPECT_EQ(oxCountColonObj(sharer), 3u);
+    EXPECT_EQ(oxExpandColonObj(a), a); // an ordinary array by now
+}
+
+struct ArgsRow {
+    std::vector<std::string> args;
+    oxClassID cls;
+    std::vector<double> out;
+};
+
+TEST_F(Colon, ArgumentsGiveClassAndValues) {
+    const ArgsRow rows[] = {
+        {{"1", "5"}, oxDOUBLE_CLASS, {1, 1, 5, 0}},
+        {{"1", "0.5", "2"}, oxDOUBLE_CLASS, {1, 0.5, 2, 0}},
+        {{"1 2", "5 6"}, oxDOUBLE_CLASS, {1, 1, 5, 0}}, // not scalar, but all double
+        {{"int8 1x1: 3", "9"}, oxINT8_CLASS, {3, 1, 9, 0}},
+        {{"char 1x1: 'a'", "2", "char 1x1: 'e'"}, oxCHAR_CLASS, {97, 2, 101, 0}},
+        {{"0x0", "5"}, oxDOUBLE_CLASS, {0, 0, 0, 1}},
+        {{"sparse double 1x1:", "5"}, oxDOUBLE_CLASS, {0, 1, 5, 0}},
+        {{"int64 1x1: 3", "9223372036854775808"}, oxINT64_CLASS, {3, 1, 0x1p63, 0}},
+        {{"uint8 1x1: 1", "300", "9"}, oxUINT8_CLASS, {1, 300, 9, 0}}, // any step
+    };
+    for (const ArgsRow &row : rows) {
+        Subs args = subs(row.args);
+        std::vector<double> out(4, -1);
+        oxClassID cls = oxUNKNOWN_CLASS;
+        EXPECT_NO_WARNING(
+            cls = oxGetColonArgs(static_cast<int>(args.size()), args.data(), out.data()));
+        EXPECT_EQ(cls, row.cls);
+        EXPECT_EQ(out, row.out) << row.args[0];
+    }
+}
+
+struct ComplaintRow {
+    std::vector<std::string> args;
+    const char *id, *text;
+};
+
+oxClassID colon_args(const std::vector<std::string> &texts) {
+    Subs args = subs(texts);
+    double out[4];
+    return oxGetColonArgs(static_cast<int>(args.size()), args.data(), out);
+}
+
+TEST_F(Colon, ArgumentsThatRaise) {
+    constexpr const char *range = "Colon operands must be in range of the data type.";
+    const ComplaintRow rows[] = {
+        {{"char 1x1: 'a'", "5"},
+         "mixedCharOperands",
+         "For colon operator with char operands, first and last operands must be char."},
+        {{"char 1x1: 'a'", "int8 1x1: 1", "char 1x1: 'b'"},
+         "mixedCharOperands",
+         "For colon operator with char operands, second operand must be char or real scalar "
+         "double."},
+        {{"int8 1x1: 1", "int16 1x1: 2"},
+         "mixedNonDoubleOperands",
+         "Colon operands must be all the same type, or mixed with real scalar doubles."},
+        {{"logical 1x1: 1", "int8 1x1: 2"}, "mixedNonDoubleOperands", nullptr},
+        {{"int8 1x1: 1", "1 2"},
+         "nonDoubleOperandsNotRealScalar",
+         "Colon operands must be real scalars."},
+        {{"single 1x1: 1+2i", "4"}, "nonDoubleOperandsNotRealScalar", nullptr},
+        {{"char 1x1: 'a'", "0.5", "char 1x1: 'e'"},
+         "scalarDoubleMustBeIntegerValued",
+         "Double operands interacting with char operands must have integer values."},
+        {{"int8 1x1: 1", "0.5", "4"},
+         "scalarDoubleMustBeIntegerValued",
+         "Double operands interacting with integer operands must have integer values."},
+        {{"int8 1x1: 100", "int8 1x1: 1", "200"}, "OutOfRange", range},
+        {{"uint8 1x1: 1", "-1"}, "OutOfRange", range},
+        {{"single 1x1: 1", "1e300"}, "OutOfRange", range},
+        {{"uint64 1x1: 1", "-1"}, "OutOfRange", range},
+    };
+    for (const ComplaintRow &row : rows)
+        EXPECT_RAISES((std::string("VELTRO:colon:") + row.id).c_str(), row.text,
+                      colon_args(row.args))
+            << row.args[0];
+}
+
+TEST_F(Colon, ArgumentsThatWarn) {
+    const Warning logical{"VELTRO:colon:logicalInput", "Colon operands should not be logical."};
+    const Warning scalar{"VELTRO:colon:operandsNotRealScalar",
+                         "Colon operands must be real scalars."};
+    EXPECT_TRUE(warns({logical, logical}, [] {
+        colon_args({"logical 1x1: 1", "logical 1x1: 1"});
+    }));
+    EXPECT_TRUE(warns({scalar}, [] { colon_args({"1+1i", "2+1i"}); }));
+    EXPECT_TRUE(warns({scalar}, [] { colon_args({"int8 0x0", "0x0"}); }));
+    EXPECT_TRUE(warns({scalar}, [] { colon_args({"char 1x2: 'ab'", "char 1x1: 'e'"}); }));
+}
+
+TEST_F(Colon, SurvivesFailingAllocations) {
+    sweep({.name = "colon", .make = [](auto &) { return oxColonop(1, 1, 9, oxDOUBLE_CLASS); }});
+    sweep({.name = "object", .make = [](auto &) { return oxCreateColonObj(1, 1, 9); }});
+    sweep({.name = "expand",
+           .act = [](auto &in) { return oxExpandColonObj(in[0]) != nullptr; },
+           .bare = false,
+           .changes_inputs = true,
+           .setup = [] { return Arrays{oxCreateColonObj(1, 1, 9)}; }});
+}
+
+} // namespace
