@@ -18,9 +18,12 @@ void *checked_uninit(kwSize count, kwSize size) { return oxMallocExCheck(count *
 
 kwSize element_size(const oxArray *a) { return class_info(a->class_code).element_size; }
 
+// Only blocks of numbers, characters and truth values change hands: the slots of a container own
+// what they point at.
 bool can_lend(const oxArray *c, bool complex, kwSize count, kwSize size) {
-    if (!c || !c->has_flag(oxFLAG_REUSABLE) || is_sparse(c) || c->is_indexing_opaque() ||
-        c->is_imag_marked() || is_complex(c) != complex)
+    if (!c || !c->has_flag(oxFLAG_REUSABLE) || is_sparse(c) || c->is_imag_marked() ||
+        c->class_code < oxLOGICAL_CLASS || c->class_code > oxUINT64_CLASS ||
+        is_complex(c) != complex)
         return false;
     const kwSize *dims = c->get_dimensions();
     kwSize trailing;

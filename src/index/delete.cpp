@@ -159,8 +159,9 @@ void delete_slices(oxArray *a, kwSize nsubs, kwSize k, kwSize extent, const Kept
 
 void erase(oxArray *a, kwSize nsubs, const oxArray *const *subs) {
     const kwSize k = find_subscript(nsubs, subs);
+    if (k != nsubs && has_no_data(subs[k])) return;
+    if (is_sparse(a)) return delete_sparse(a, nsubs, k, k == nsubs ? nullptr : subs[k]);
     if (k == nsubs) return delete_everything(a, nsubs, k);
-    if (has_no_data(subs[k])) return;
     const kwSize extent = effective_extent(a->get_dimensions(), a->ndims, k, nsubs);
     Subscript s;
     s.read_or_raise(subs[k], extent);
@@ -185,7 +186,6 @@ using namespace ox;
 void oxSubscriptedDelete(oxArray *a, kwSize nsubs, const oxArray *subs[]) {
     if (nsubs == 0) raise_no_subscripts();
     if (a->class_code == oxUNKNOWN_CLASS) oxErrMsg(FBADNULLINDEX);
-    if (is_sparse(a)) return delete_sparse(a, nsubs, subs);
     if (a->is_indexing_opaque()) {
         if (!a->opaque.info) raise_layer_missing("opaque");
         return a->opaque.info->erase(a, nsubs, subs);

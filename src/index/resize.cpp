@@ -8,6 +8,7 @@
 #include <index/elements.h>
 #include <index/growth.h>
 #include <index/operands/convert.h>
+#include <index/sparse_route.h>
 #include <ox.h>
 #include <sparse/storage/csc.h>
 
@@ -244,12 +245,11 @@ void resize_array(oxArray *a, const Extents &dims, const oxArray *filler) {
 
 using namespace ox;
 
-// Sparse arrays are resized by the sparse kernels.
 void oxResizeArray(oxArray *a, kwSize ndims, const kwSize *dims) {
     Extents e(dims, ndims);
     if (ndims == 0) e.assign(kwSize{0}, 0);
     if (ndims == 1) e.assign(dims[0], 1);
-    resize_array(a, e, nullptr);
+    is_sparse(a) ? resize_sparse(a, e.get(), e.size()) : resize_array(a, e, nullptr);
 }
 
 void oxResize(oxArray *a, kwSize m, kwSize n) {

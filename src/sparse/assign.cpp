@@ -61,6 +61,12 @@ private:
     ColumnIndices indices_{nullptr, nullptr, 0};
 };
 
+// A right-hand side that is a temporary goes with a successful assignment.
+spStatus consume(const oxArray *a, oxArray *b, spStatus status) {
+    if (status == spOK && b != a && oxIsTemp(b)) oxDestroyArray(b);
+    return status;
+}
+
 // The columns that ':' means for an assignment: those of b when a has none.
 kwSize colon_extent(const oxArray *a, const oxArray *b) {
     const kwSize n = cols(a);
@@ -87,7 +93,6 @@ spStatus sparse_assign_columns(oxArray *a, oxArray *b, const ColumnIndices &colu
         if (status == spOK) status = assign_columns(a, columns, from);
     }
     finish_target(a);
-    if (status == spOK) source.consume();
     return status;
 }
 
@@ -102,14 +107,14 @@ spStatus spAss4(oxArray *a, oxArray *b, const oxArray *cols_sub) {
     const spStatus status = columns.read(cols_sub, colon_extent(a, b));
     if (status != spOK) return status;
     if (is_deletion(b)) return sparse_delete_columns(a, columns.indices());
-    return sparse_assign_columns(a, b, columns.indices());
+    return consume(a, b, sparse_assign_columns(a, b, columns.indices()));
 }
 
 spStatus spAss3(oxArray *a, oxArray *b, const oxArray *rows_sub, const oxArray *cols_sub) {
     Subscript row, column;
     spStatus status = status_of(row.read(rows_sub, rows(a)));
     if (status == spOK) status = status_of(column.read(cols_sub, colon_extent(a, b)));
-    return status == spOK ? sparse_assign_block(a, b, row, column) : status;
+    return status == spOK ? consume(a, b, sparse_assign_block(a, b, row, column)) : status;
 }
 
 spStatus spAss5(oxArray *a, oxArray *b, const oxArray *rows_sub) {
@@ -121,7 +126,7 @@ spStatus spAss5(oxArray *a, oxArray *b, const oxArray *rows_sub) {
         return spOK;
     }
     column.set_all(colon_extent(a, b));
-    return sparse_assign_block(a, b, row, column);
+    return consume(a, b, sparse_assign_block(a, b, row, column));
 }
 
 spStatus spAss6(oxArray *a, oxArray *b, const oxArray *index_sub) {
@@ -133,7 +138,7 @@ spStatus spAss6(oxArray *a, oxArray *b, const oxArray *index_sub) {
         sparse_delete_linear(a, index);
         return spOK;
     }
-    return sparse_assign_linear(a, b, index);
+    return consume(a, b, sparse_assign_linear(a, b, index));
 }
 
 } // extern "C"

@@ -248,7 +248,6 @@ template<class F> spStatus with_sides(oxArray *a, oxArray *b, F &&assign) {
     AssignSource source(a, b);
     const spStatus status = assign(source);
     finish_target(a);
-    if (status == spOK) source.consume();
     return status;
 }
 

@@ -67,7 +67,7 @@ spStatus reserve_target(oxArray *a, const ColumnSource &source, kwSize columns) 
     return spOK;
 }
 
-AssignSource::AssignSource(const oxArray *a, oxArray *b) : given_(b == a ? nullptr : b), b_(b) {
+AssignSource::AssignSource(const oxArray *a, oxArray *b) : b_(b) {
     if (b == a) {
         converted_.reset(or_raise(deep_copy(b)));
         b_ = converted_.get();
@@ -119,10 +119,6 @@ ColumnSource AssignSource::as_columns(kwSize rows, kwSize columns) {
     }
     source.columns = b_;
     return source;
-}
-
-void AssignSource::consume() {
-    if (given_ && oxIsTemp(given_)) oxDestroyArray(given_);
 }
 
 } // namespace ox

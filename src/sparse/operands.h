@@ -34,11 +34,8 @@ public:
     bool fits(kwSize rows, kwSize columns) const;
     // The source for assigning rows-by-columns: a value, or columns of exactly that shape.
     ColumnSource as_columns(kwSize rows, kwSize columns);
-    // Destroys the caller's b when it is a temporary.
-    void consume();
 
 private:
-    oxArray *given_; // the caller's b, null when it is the target itself
     ArrayGuard converted_, sparse_, shaped_;
     const oxArray *b_;
     kwSize m_, n_; // without the dimensions that are 1 between them
