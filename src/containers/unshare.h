@@ -15,8 +15,8 @@ bool unshare_opaque(oxArray *a);
 // If a is in a ring: private storage for a, which then leaves the ring. False without memory, a
 // then still in its ring.
 bool own_storage(oxArray *a);
-// The same for a container, but only the slot block is copied: the elements stay, each with one owner
-// more.
+// The same for a container, but only the slot block is copied: the elements stay, each with one
+// owner more.
 bool own_slots(oxArray *a);
 
 } // namespace ox

@@ -13,8 +13,8 @@ namespace ox {
 oxArray *sparse_reference(const oxArray *a, const kwIndex *rows, kwSize nrows, const kwIndex *cols,
                           kwSize ncols);
 
-// B = A(subs) by two or more subscripts; those beyond the second address dimensions of extent 1. The
-// result is handed to no hook. Raises error 18.
+// B = A(subs) by two or more subscripts; those beyond the second address dimensions of extent 1.
+// The result is handed to no hook. Raises error 18.
 spStatus sparse_reference(const oxArray *a, kwSize nsubs, const oxArray *const *subs,
                           oxArray **result);
 
