@@ -18,8 +18,10 @@
 #include <ox/permute.h>
 #include <ox/predicates.h>
 #include <ox/reference.h>
+#include <ox/serialize.h>
 #include <ox/sharing.h>
 #include <ox/sparse.h>
+#include <ox/stream.h>
 #include <ox/structs.h>
 #include <ox/subscripts.h>
 #include <ox/text.h>

@@ -46,6 +46,8 @@ void array_list_append(oxArray *a) {
     a->set_flag(oxFLAG_LIST_MARK, false);
 }
 
+bool array_list_has_room() { return arrays.has_room(); }
+
 // Deliberate: when the oldest array of the context goes first, the whole context is reversed for
 // good, so that the arrays that follow it are found at once; also when the mark then keeps it.
 void array_list_remove(oxArray *a) {

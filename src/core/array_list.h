@@ -24,7 +24,9 @@ inline oxArray *hand_over(oxArray *a) {
 inline oxArray *contained(oxArray *a) { return array_hooks.contain ? array_hooks.contain(a) : a; }
 
 void array_list_append(oxArray *a); // clears the list mark; raises 18 when the list cannot grow
-void array_list_remove(oxArray *a); // current context only; silent when it is not there
+// Whether the next append cannot fail, which makes room for it; raises nothing.
+bool array_list_has_room();
+void array_list_remove(oxArray *a);       // current context only; silent when it is not there
 void set_array_list_initialized(bool on); // what oxIsArrayListInitialized answers
 bool array_list_installed();              // whether scope changes touch the list
 

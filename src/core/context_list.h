@@ -13,10 +13,12 @@ public:
     // False when the vector cannot grow and the checked layer did not raise. Growth may raise, and
     // a raise may free this list's current context, so no cursor is cached across it.
     bool append(T *item) {
-        if (top_ == capacity_ && !grow()) return false;
+        if (top_ == capacity_ && !grow(oxMallocExCheck, oxReallocExCheck)) return false;
         items_[top_++] = item;
         return true;
     }
+    // Makes the next append certain; false when the vector cannot grow. Never raises.
+    bool has_room() { return top_ < capacity_ || grow(oxMallocEx, oxReallocEx); }
     // Takes the most recent entry for item off the current context; false when it is not there.
     bool remove(const void *item) {
         for (kwSize i = top_; i-- > start_;) {
@@ -53,10 +55,10 @@ public:
     }
 
 private:
-    bool grow() {
+    bool grow(void *(*allocate)(kwSize), void *(*reallocate)(void *, kwSize)) {
         const kwSize wanted = items_ ? 2 * capacity_ : first_capacity;
-        void *block = items_ ? oxReallocExCheck(items_, wanted * sizeof(T *))
-                             : oxMallocExCheck(wanted * sizeof(T *));
+        void *block =
+            items_ ? reallocate(items_, wanted * sizeof(T *)) : allocate(wanted * sizeof(T *));
         if (!block) return false;
         items_ = static_cast<T **>(block);
         capacity_ = wanted;

@@ -41,4 +41,13 @@ inline constexpr kwSize converter_units = pick(0x3fffffff, 3);
 // Slots behind each slot in which the structure checker looks for the same element.
 inline constexpr kwSize check_slot_window = 64;
 
+// Streams: bytes gathered before they go to a carrier, and fetched at a time; what is larger than a
+// piece goes straight from or to its place. Claims that the carrier cannot be asked about are
+// believed for the first so many bytes, and then for twice what has arrived.
+inline constexpr kwSize staging_bytes = pick(64 << 10, 512);
+inline constexpr kwSize direct_bytes = pick(16 << 10, 128);
+inline constexpr kwSize believed_bytes = pick(64 << 10, 64);
+// A claim of at least so many bytes is compared with the length of a file that can tell it.
+inline constexpr kwSize ask_length_bytes = pick(1 << 20, 256);
+
 } // namespace ox::tuning

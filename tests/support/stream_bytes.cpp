@@ -1,0 +1,162 @@
+// Streams in tests.
+#include <support/stream_bytes.h>
+
+#include <cctype>
+#include <cstring>
+#include <stdexcept>
+
+namespace ox::test {
+namespace {
+
+constinit std::size_t asked = 0, failing = 0;
+
+bool strikes() { return ++asked == failing; }
+
+size_t read_less(void *dst, size_t size, size_t n, FILE *f) {
+    return fread(dst, size, strikes() && n > 0 ? n - 1 : n, f);
+}
+size_t write_less(const void *src, size_t size, size_t n, FILE *f) {
+    return fwrite(src, size, strikes() && n > 0 ? n - 1 : n, f);
+}
+int seek_or_not(FILE *f, int64_t offset, int whence) {
+    return strikes() ? -1 : oiFseek64(f, offset, whence);
+}
+int64_t tell_or_not(FILE *f) { return strikes() ? -1 : oiFtell64(f); }
+
+int32_t room_or_not(oiStreamRec_tag *, kwSize n, kwSize *offset, kwSize *capacity) {
+    *capacity = *offset + n;
+    return strikes() ? oiREFUSED : oiSUCCESS;
+}
+
+} // namespace
+
+Bytes hex(std::string_view text) {
+    Bytes out;
+    int half = -1;
+    for (std::size_t k = 0; k < text.size(); ++k) {
+        const char c = text[k];
+        if (c == '(') {
+            k = text.find(')', k);
+        } else if (c == 'z') {
+            out.insert(out.end(), std::stoul(std::string(text.substr(k + 1, 2))), 0);
+            k += 2;
+        } else if (std::isxdigit(static_cast<unsigned char>(c))) {
+            const int digit = std::isdigit(c) ? c - '0' : std::tolower(c) - 'a' + 10;
+            if (half >= 0) out.push_back(static_cast<unsigned char>(half * 16 + digit));
+            half = half >= 0 ? -1 : digit;
+        } else if (!std::isspace(static_cast<unsigned char>(c))) {
+            throw std::invalid_argument("not hex: " + std::string(text));
+        }
+    }
+    return out;
+}
+
+std::string to_hex(const Bytes &bytes) {
+    std::string out;
+    char two[4];
+    for (std::size_t k = 0; k < bytes.size(); ++k) {
+        std::snprintf(two, sizeof two, "%02x", bytes[k]);
+        out += two;
+        out += k % 16 == 15 ? '\n' : ' ';
+    }
+    return out;
+}
+
+Bytes patched(Bytes bytes, std::size_t at, std::string_view text) {
+    const Bytes patch = hex(text);
+    std::copy(patch.begin(), patch.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
+    return bytes;
+}
+
+Bytes bytes_of(const oxArray *a) {
+    const auto *p = static_cast<const unsigned char *>(oxGetData(a));
+    return Bytes(p, p + oxGetNumberOfElements(a));
+}
+
+std::string name_of(const StreamForm &f) {
+    static constexpr const char *carriers[] = {"buffer", "file", "sequential"};
+    std::string name = carriers[static_cast<int>(f.carrier)];
+    if (f.swapped) name += " swapped";
+    if (f.options & oiWIDE) name += " wide";
+    if (f.options & oiCOMPRESS) name += " compressed";
+    if (f.options & oiOPTION16) name += " option16";
+    return name;
+}
+
+TestStream::TestStream(StreamForm form, const Bytes &contents) : form_(form) {
+    const uint16_t version = form.swapped ? oiSWAPPED_VERSION : 0;
+    const uint16_t indicator = form.swapped ? oiSWAPPED_INDICATOR : 0;
+    if (form.carrier == Carrier::buffer) {
+        void *buffer = oxMallocEx(contents.size());
+        if (buffer) std::memcpy(buffer, contents.data(), contents.size());
+        s_ = oiCreateBufferStream(buffer, version, indicator, nullptr, nullptr, nullptr,
+                                  contents.size(), form.options);
+        if (!s_) oxFreeEx(buffer);
+        return;
+    }
+    file_ = std::tmpfile();
+    fwrite(contents.data(), 1, contents.size(), file_);
+    rewind(file_);
+    const auto room = [](oiStreamRec_tag *, kwSize n, kwSize *offset, kwSize *capacity) -> int32_t {
+        *capacity = *offset + n;
+        return oiSUCCESS;
+    };
+    s_ = form.carrier == Carrier::file
+             ? oiCreateFileStream(file_, version, indicator, room, 0, nullptr, nullptr, nullptr,
+                                  nullptr, form.options)
+             : oiCreateSequentialStream(file_, version, indicator, room, 0, nullptr, nullptr,
+                                        form.options);
+}
+
+TestStream::~TestStream() {
+    if (form_.carrier == Carrier::buffer)
+        oiDisposeBufferStream(s_);
+    else
+        oiDisposeFileStream(s_);
+    if (file_) fclose(file_);
+}
+
+Bytes TestStream::contents() const {
+    if (form_.carrier == Carrier::buffer) {
+        const auto *p = static_cast<const unsigned char *>(s_->handle);
+        return p ? Bytes(p, p + std::max(s_->capacity, s_->offset)) : Bytes();
+    }
+    const long at = ftell(file_);
+    fseek(file_, 0, SEEK_END);
+    Bytes out(static_cast<std::size_t>(ftell(file_)));
+    rewind(file_);
+    if (fread(out.data(), 1, out.size(), file_) != out.size()) out.clear();
+    fseek(file_, at, SEEK_SET);
+    return out;
+}
+
+std::unique_ptr<TestStream> TestStream::reopened() const {
+    return std::make_unique<TestStream>(form_, contents());
+}
+
+int32_t TestStream::put(const oxArray *a, const char *name) {
+    const oiItem_tag item = {oiMATRIX, 0, const_cast<oxArray *>(a),
+                             reinterpret_cast<uintptr_t>(name)};
+    return oiPutItemAtCurrentOffsetWrapper(s_, &item);
+}
+
+int32_t TestStream::put(int32_t type, const Bytes &data) {
+    const oiItem_tag item = {type, data.size(), const_cast<unsigned char *>(data.data()), 0};
+    return oiPutItem(s_, &item, nullptr);
+}
+
+BrokenCarrier::BrokenCarrier(std::size_t n) {
+    asked = 0;
+    failing = n;
+}
+BrokenCarrier::~BrokenCarrier() { failing = 0; }
+std::size_t BrokenCarrier::calls() { return asked; }
+
+oiStreamRec_tag *BrokenCarrier::stream(FILE *f, bool sequential, uint16_t options) {
+    return sequential
+               ? oiCreateSequentialStream(f, 0, 0, room_or_not, 0, read_less, write_less, options)
+               : oiCreateFileStream(f, 0, 0, room_or_not, 0, read_less, write_less, seek_or_not,
+                                    tell_or_not, options);
+}
+
+} // namespace ox::test

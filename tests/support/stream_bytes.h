@@ -1,0 +1,68 @@
+// Streams in tests: bytes as hex text, streams over every carrier in every form, and a carrier that
+// breaks.
+#pragma once
+#include <ox.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ox::test {
+
+using Bytes = std::vector<unsigned char>;
+
+// "0e 00 (comment) 38" without its comments and spaces; "z08" stands for 8 zero bytes.
+Bytes hex(std::string_view text);
+std::string to_hex(const Bytes &bytes);
+// Replaces what a text of hex says, at an offset.
+Bytes patched(Bytes bytes, std::size_t at, std::string_view text);
+
+// The bytes of a uint8 array.
+Bytes bytes_of(const oxArray *a);
+
+enum class Carrier { buffer, file, sequential };
+struct StreamForm {
+    Carrier carrier = Carrier::buffer;
+    bool swapped = false;
+    uint16_t options = 0; // oiCOMPRESS, oiOPTION16, oiWIDE
+};
+std::string name_of(const StreamForm &form);
+
+// A stream over a temporary file or a buffer of its own.
+class TestStream {
+public:
+    explicit TestStream(StreamForm form, const Bytes &contents = {});
+    ~TestStream();
+    TestStream(const TestStream &) = delete;
+    TestStream &operator=(const TestStream &) = delete;
+
+    oiStreamRec_tag *operator->() const { return s_; }
+    oiStreamRec_tag *get() const { return s_; }
+    // What the carrier holds: of a buffer, what has been written.
+    Bytes contents() const;
+    // The same bytes in a new stream of the same form, at its first element.
+    std::unique_ptr<TestStream> reopened() const;
+
+    int32_t put(const oxArray *a, const char *name = nullptr);
+    int32_t put(int32_t type, const Bytes &data);
+
+private:
+    StreamForm form_;
+    FILE *file_ = nullptr;
+    oiStreamRec_tag *s_ = nullptr;
+};
+
+// While it lives, the n-th call of a file carrier's primitives fails (1 is the next; 0: none):
+// reads and writes move one byte less than asked, seeks and tells fail, the reserve callback
+// refuses.
+class BrokenCarrier {
+public:
+    explicit BrokenCarrier(std::size_t n);
+    ~BrokenCarrier();
+    static std::size_t calls();
+    static oiStreamRec_tag *stream(FILE *f, bool sequential, uint16_t options);
+};
+
+} // namespace ox::test
