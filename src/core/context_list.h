@@ -23,8 +23,7 @@ public:
     bool remove(const void *item) {
         for (kwSize i = top_; i-- > start_;) {
             if (items_[i] != item) continue;
-            std::memmove(items_ + i, items_ + i + 1, (top_ - i - 1) * sizeof(T *));
-            --top_;
+            if (i != --top_) std::memmove(items_ + i, items_ + i + 1, (top_ - i) * sizeof(T *));
             return true;
         }
         return false;

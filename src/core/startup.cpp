@@ -2,7 +2,7 @@
 #include <core/array.h>
 #include <core/startup.h>
 
-#include <cstring>
+#include <cstdint>
 #include <fl.hpp>
 #include <new>
 
@@ -72,6 +72,23 @@ namespace {
 
 namespace ox {
 
+namespace {
+
+// Word by word in vectors: of this size a memset becomes a string instruction, whose start alone
+// costs more than the stores.
+oxArray *cleared(void *header) {
+    typedef uint64_t Pair __attribute__((vector_size(16), aligned(8), may_alias));
+    constexpr std::size_t pairs = sizeof(oxArray) / sizeof(Pair);
+    auto *p = static_cast<Pair *>(header);
+    p[0] = p[1] = p[2] = p[3] = p[4] = p[5] = Pair{};
+    static_assert(pairs == 6 && sizeof(oxArray) == pairs * sizeof(Pair) + sizeof(uint64_t));
+    auto *a = static_cast<oxArray *>(header);
+    a->dim32 = nullptr;
+    return a;
+}
+
+} // namespace
+
 // Another module's initialiser may create arrays before ours ran.
 oxArray *allocate_header() {
     if (!header_pool) [[unlikely]] {
@@ -79,7 +96,7 @@ oxArray *allocate_header() {
         if (!header_pool) return nullptr;
     }
     void *header = header_pool->allocate();
-    return header ? static_cast<oxArray *>(std::memset(header, 0, sizeof(oxArray))) : nullptr;
+    return header ? cleared(header) : nullptr;
 }
 
 void free_header(oxArray *a) {
