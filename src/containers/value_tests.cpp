@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 #ifndef OX_VALUE_TESTS_RULES
@@ -23,9 +24,11 @@ struct Finite {
 struct NotNaN {
     bool operator()(double x) const { return x == x; }
 };
-struct WholeWithin {
+struct WholeWithin { // bounds inside the range of int64_t
     double low, high;
-    bool operator()(double x) const { return x >= low && x <= high && x == std::trunc(x); }
+    bool operator()(double x) const {
+        return x >= low && x <= high && x == static_cast<double>(static_cast<int64_t>(x));
+    }
 };
 
 } // namespace ox

@@ -7,7 +7,7 @@ namespace ox {
 bool all_finite(const double *x, kwSize n);
 bool all_finite(const float *x, kwSize n);
 bool any_nan(const double *x, kwSize n);
-// Every element is a whole number in [low, high]; NaN is not.
+// Every element is a whole number in [low, high], which lies in the range of int64_t; NaN is not.
 bool all_whole_within(const double *x, kwSize n, double low, double high);
 
 } // namespace ox
