@@ -31,18 +31,6 @@ TEST_F(Cells, SizesAndLimits) {
     EXPECT_TRUE(oxIsTemp(c));
 }
 
-TEST_F(Cells, AStoredTemporaryBelongsToTheCell) {
-    oxArray *c = arr("cell 1x2: {} {}"), *v = arr("1 2");
-    const kwSize listed = array_list_length();
-    oxSetCell_730(c, 0, v);
-    EXPECT_EQ(oxGetCell_730(c, 0), v);
-    EXPECT_EQ(oxGetArrayScopeField(v), oxSCOPE_CONTAINED);
-    EXPECT_EQ(array_list_length(), listed - 1);
-    oxSetCell_730(c, 1, nullptr);
-    oxSetCopyInCell(c, 1, nullptr);
-    EXPECT_EQ(text(c), "cell 1x2: {double 1x2: 1 2} {}");
-}
-
 TEST_F(Cells, OneArrayInTwoCellsIsSharedNotMoved) {
     oxArray *c = arr("cell 1x1: {}"), *d = arr("cell 1x1: {}"), *v = arr("1 2");
     oxSetCopyInCell(c, 0, v);

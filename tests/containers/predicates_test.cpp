@@ -44,8 +44,7 @@ const Predicate predicates[] = {
     {"Real2dMatrix", oxIsReal2dMatrix},
     {"Complex2dMatrix", oxIsComplex2dMatrix},
     {"FiniteNumeric2dMatrix", oxIsFiniteNumeric2dMatrix},
-    {"FiniteNumeric2dNonComplexMatrix", oxIsFiniteNumeric2dNonComplexMatrix},
-};
+    {"FiniteNumeric2dNonComplexMatrix", oxIsFiniteNumeric2dNonComplexMatrix}};
 
 // What every finite double of two dimensions is, and its real vectors of whole numbers.
 const std::string finite = "FiniteDoubleArray FiniteNumericArray Double2dMatrix Complex2dMatrix "

@@ -4,6 +4,7 @@
 // The model of a value is its text. What a write must give is found by writing to a fresh array of
 // that text, which shares nothing with anyone.
 #include <containers/check_array.h>
+#include <containers/slots.h>
 #include <core/array_list.h>
 #include <ox.hpp>
 #include <support/array_text.h>
@@ -32,29 +33,6 @@ struct Level {
     std::vector<Handle> handles;
 };
 
-const char *const leaves[] = {
-    "1",
-    "double 2x2: 1 2; 3 4",
-    "double 1x2: 1+2i 3",
-    "double 1x2x2: 1 2 | 3 4",
-    "double 0x2",
-    "sparse double 3x2 nzmax 8: (0,0)=1 (2,1)=5",
-    "sparse logical 2x1: (1,0)=1",
-    "single 1x1: 2",
-    "int16 2x1: 4; 5",
-    "logical 1x2: 1 0",
-    "char 1x2: 'ab'",
-    "cell 1x2: {1} {}",
-    "cell 1x1x2: {char 1x1: 'x'} {cell 1x1: {2}}",
-    "cell 0x1",
-    "struct 1x1 a,b: {1} {}",
-    "struct 1x2 a: {1 2} {3}",
-    "object Point 1x1 a: {cell 1x1: {7}}",
-    "opaque 1x2: 5 6",
-    "lazy 2x3: 7",
-    "function_handle 1x1: 8",
-};
-
 // A change of one value, the same whichever array of that value it is made to.
 struct Change {
     uint64_t where;
@@ -65,7 +43,7 @@ struct Change {
 
 void change_slots(oxArray *a, const Change &c);
 
-// a is nobody else's; false when this kind cannot be written to.
+// a is nobody else's.
 void change(oxArray *a, const Change &c) {
     const kwSize n = is_sparse(a) ? a->num.jc[cols(a)] : a->get_number_of_elements();
     if (is_container(a)) return change_slots(a, c);
@@ -84,13 +62,11 @@ void change(oxArray *a, const Change &c) {
 }
 
 void change_slots(oxArray *a, const Change &c) {
-    const kwSize n = is_struct_like(a)
-                         ? a->get_number_of_elements() * static_cast<kwSize>(oxGetNumberOfFields(a))
-                         : a->get_number_of_elements();
     if (is_struct_like(a) && c.where % 7 == 0) {
         if (oxAddField(a, "added") > 2) oxRemoveField(a, 0);
         return;
     }
+    const kwSize n = slot_count(a);
     if (n == 0) return;
     oxArray *&slot = a->cell.slots[c.where % n];
     if (slot && c.element.empty() && c.where % 3) { // the element becomes ours, and is changed
@@ -107,7 +83,7 @@ public:
 
     void step() {
         if (current().size() < 3 || (total() < 14 && random_.chance(0.2)))
-            add(arr(random_.pick(leaves)));
+            add(arr(leaf()));
         else
             make_a_move();
         verify();
@@ -136,14 +112,19 @@ private:
         Level &level = random_.pick(levels_);
         return random_.pick(level.handles.empty() ? current() : level.handles);
     }
+    const char *leaf() {
+        const char *const others[] = {"double 0x2", "lazy 2x3: 7"};
+        return random_.chance(0.1) ? random_.pick(others) : random_.pick(one_of_each);
+    }
     kwSize mine() { return random_.below(current().size()); }
 
-    void add(oxArray *a, std::string value, int home) { current().push_back({a, value, home}); }
+    void add(oxArray *a, const std::string &value, int home) {
+        current().push_back({a, value, home});
+    }
     void add(oxArray *a) { add(a, text(a), here()); }
     void forget(kwSize i) { current().erase(current().begin() + static_cast<std::ptrdiff_t>(i)); }
 
     static bool plain(const Handle &h) { return h.value[0] != 'u' && h.value.back() != 'a'; }
-    static bool alone(const Handle &h) { return !oxIsSharedArray(h.a); }
     static bool counted(const Handle &h) { return oxGetReferenceCount(h.a) > 0; }
 
     void own(Handle &h, bool shallow) {
@@ -153,69 +134,55 @@ private:
         EXPECT_FALSE(oxIsSharedArray(h.a));
     }
 
-    void expect_changed(Handle &h, const Change &c) {
-        oxArray *fresh = arr(h.value);
-        change(fresh, c);
-        h.value = text(fresh);
-        oxDestroyArray(fresh);
-    }
-
     // --- Copies ------------------------------------------------------------------------------
 
-    void share() {
+    void copy() {
         const Handle h = any();
-        add(random_.chance(0.5) ? oxCreateSharedDataCopy(h.a) : oxCreateSharedCopy(h.a), h.value,
-            here());
-    }
-    void refer() {
-        const Handle h = any();
-        add(oxCreateReference(h.a), h.value, h.home);
-    }
-    void copy_deeply() {
-        const Handle h = any();
-        add(oxCreateDeepCopy(h.a), h.value, here());
-    }
-    void copy_unlisted() {
-        const Handle h = any();
-        add(oxCreateSharedCopyNotOnArrayList(h.a), h.value, unlisted);
-    }
-    void copy_empty() {
-        add(oxCreateEmptyCopy(any().a));
-        EXPECT_TRUE(oxIsEmpty(current().back().a));
+        switch (random_.below(7)) {
+        case 0:
+            return add(oxCreateReference(h.a), h.value, h.home);
+        case 1:
+            return add(oxCreateDeepCopy(h.a), h.value, here());
+        case 2:
+            return add(oxCreateSharedCopyNotOnArrayList(h.a), h.value, unlisted);
+        case 3:
+            add(oxCreateEmptyCopy(h.a));
+            EXPECT_TRUE(oxIsEmpty(current().back().a));
+            return;
+        case 4:
+            return add(oxCreateSharedCopy(h.a), h.value, here());
+        default:
+            return add(oxCreateSharedDataCopy(h.a), h.value, here());
+        }
     }
     void claim() {
         Handle &h = current()[mine()];
         const std::string value = h.value;
-        const bool reusable = alone(h);
+        const bool reusable = !oxIsSharedArray(h.a);
         if (reusable) h.a->set_reusable(true);
         oxArray *copy = oxCreateClaimedDataCopy(h.a);
         if (reusable) h.value = "unknown 0x0";
         add(copy, value, here());
     }
-    void reuse() {
-        const Handle h = current()[mine()];
-        if (!alone(h) || !oxIsDouble(h.a) || is_sparse(h.a) || h.a->ndims > 2) return;
-        h.a->set_reusable(true);
-        oxArray *a = oxCreateDoubleMatrixWithReuse(oxGetM(h.a), oxGetN(h.a),
-                                                   oxIsComplex(h.a) ? oxCOMPLEX : oxREAL, 1, &h.a);
-        EXPECT_TRUE(oxIsEmpty(a) || a->cross_link == h.a);
-        add(a, h.value, here());
-    }
-
     // --- Writing -----------------------------------------------------------------------------
 
     void write() {
         Handle &h = current()[mine()];
         if (!plain(h)) return;
         const Change c{random_.bits(), static_cast<int>(random_.below(9)),
-                       random_.chance(0.3) ? random_.pick(leaves) : "", random_.chance(0.5)};
+                       random_.chance(0.3) ? leaf() : "", random_.chance(0.5)};
         own(h, false);
-        expect_changed(h, c);
+        oxArray *fresh = arr(h.value);
+        change(fresh, c);
+        h.value = text(fresh);
+        oxDestroyArray(fresh);
         change(h.a, c);
     }
-    void leave_storage() { EXPECT_EQ(oxUnshareOtherArrays(any().a), 0); }
-    void empty_others() {
+    // Leaves the storage to one array: the others get a copy, or, if all are known, nothing.
+    void others() {
         const Handle h = any();
+        const void *block = h.a->num.pdata;
+        bool known = random_.chance(0.5);
         std::vector<Handle *> sharers;
         for (oxArray *p = h.a->cross_link; p && p != h.a; p = p->cross_link) {
             const kwSize before = sharers.size();
@@ -223,7 +190,12 @@ private:
                 for (Handle &s : l.handles)
                     if (s.a == p) sharers.push_back(&s);
             // What is, or may be, an element of something must keep its value.
-            if (sharers.size() == before || p->scope == oxSCOPE_CONTAINED) return;
+            known = known && sharers.size() > before && p->scope != oxSCOPE_CONTAINED;
+        }
+        if (!known) {
+            EXPECT_EQ(oxUnshareOtherArrays(h.a), 0);
+            EXPECT_TRUE(!h.a->cross_link && h.a->num.pdata == block);
+            return;
         }
         oxUnshareAndEmptyOtherArrays(h.a);
         for (Handle *s : sharers) {
@@ -249,9 +221,7 @@ private:
         Handle &dst = current()[i];
         const Handle src = current()[j];
         if (!plain(dst) || !plain(src) || dst.value.size() + src.value.size() > 250) return;
-        if (!is_container(dst.a) || oxGetNumberOfElements(dst.a) == 0) return;
-        if (is_struct_like(dst.a) && !oxGetNumberOfFields(dst.a)) return;
-        if (i == j) return;
+        if (i == j || !is_container(dst.a) || slot_count(dst.a) == 0) return;
         own(dst, random_.chance(0.5));
         oxArray *&slot = dst.a->cell.slots[0];
         oxArray *fresh = arr(dst.value);
@@ -263,15 +233,10 @@ private:
         oxSetCell_730(dst.a, 0, src.a);
         forget(j);
     }
-    void take_element() {
+    void element() {
         const Handle h = any();
         if (!is_container(h.a) || !h.a->cell.slots) return;
-        oxArray *e = h.a->cell.slots[0];
-        if (!e) return;
-        if (random_.chance(0.5))
-            add(oxCreateReference(e), text(e), unlisted);
-        else
-            add(oxCreateSharedCopy(e));
+        if (oxArray *e = h.a->cell.slots[0]) add(oxCreateReference(e), text(e), unlisted);
     }
     void make_property() {
         Handle &h = current()[mine()];
@@ -287,14 +252,7 @@ private:
         h.a = p.Unprotect();
         h.home = here();
     }
-    void change_scope() {
-        Handle &h = current()[mine()];
-        if (counted(h)) return;
-        const bool listed = random_.chance(0.5);
-        oxSetArrayScope(h.a, listed ? oxSCOPE_TEMPORARY : 9);
-        h.home = listed ? here() : unlisted;
-    }
-    void destroy_one() {
+    void let_go() {
         const kwSize i = mine();
         oxDestroyArray(current()[i].a);
         forget(i);
@@ -314,49 +272,39 @@ private:
         std::vector<oxArray *> kept;
         for (const Handle &h : level.handles)
             if (h.home == left && random_.chance(0.3)) kept.push_back(h.a);
-        for (Handle &h : level.handles) {
-            const bool stays = fold || std::count(kept.begin(), kept.end(), h.a);
-            if (h.home == left && stays)
-                current().push_back({h.a, h.value, here()});
-            else if (h.home != left && h.home == unlisted && stays)
-                current().push_back(h);
-            else if (h.home != left)
+        for (const Handle &h : level.handles) {
+            if (h.home != left)
                 oxDestroyArray(h.a);
+            else if (fold || std::count(kept.begin(), kept.end(), h.a))
+                add(h.a, h.value, here());
         }
         if (fold)
             oxExitAndFoldArrayListContext(level.index);
         else
             oxExitArrayListContext(level.index, kept.data(), static_cast<int>(kept.size()), true);
     }
-    void take_from_previous() {
+    void previous() {
         if (levels_.size() < 2) return;
-        std::vector<Handle> &previous = levels_[levels_.size() - 2].handles;
-        if (previous.empty()) return;
-        const kwSize i = random_.below(previous.size());
-        const Handle h = previous[i];
+        std::vector<Handle> &outer = levels_[levels_.size() - 2].handles;
+        if (outer.empty()) return;
+        const kwSize i = random_.below(outer.size());
+        const Handle h = outer[i];
         if (counted(h) || h.home != here() - 1) return;
-        previous.erase(previous.begin() + static_cast<std::ptrdiff_t>(i));
+        outer.erase(outer.begin() + static_cast<std::ptrdiff_t>(i));
         oxMoveArrayFromPreviousContext(levels_.back().index, h.a);
         add(h.a, h.value, here());
     }
 
     void make_a_move() {
-        static constexpr void (Walk::*moves[])() = {
-            &Walk::share,         &Walk::share,
-            &Walk::refer,         &Walk::copy_deeply,
-            &Walk::copy_unlisted, &Walk::copy_empty,
-            &Walk::claim,         &Walk::reuse,
-            &Walk::write,         &Walk::write,
-            &Walk::write,         &Walk::leave_storage,
-            &Walk::empty_others,  &Walk::move_onto,
-            &Walk::store,         &Walk::store,
-            &Walk::take_element,  &Walk::make_property,
-            &Walk::protect,       &Walk::change_scope,
-            &Walk::destroy_one,   &Walk::destroy_one,
-            &Walk::destroy_one,   &Walk::enter,
-            &Walk::leave,         &Walk::take_from_previous,
-        };
-        (this->*random_.pick(moves))();
+        static constexpr std::pair<int, void (Walk::*)()> moves[] = {
+            {5, &Walk::copy},    {1, &Walk::claim},         {3, &Walk::write},
+            {2, &Walk::others},  {1, &Walk::move_onto},     {2, &Walk::store},
+            {1, &Walk::element}, {1, &Walk::make_property}, {1, &Walk::protect},
+            {3, &Walk::let_go},  {1, &Walk::enter},         {1, &Walk::leave},
+            {1, &Walk::previous}};
+        auto dice = static_cast<int>(random_.below(23));
+        for (const auto &[weight, move] : moves)
+            if ((dice -= weight) < 0) return (this->*move)();
     }
 
     void verify() {

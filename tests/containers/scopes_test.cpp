@@ -72,38 +72,6 @@ TEST_F(Scopes, ASharerThatDiffersDoesNot) {
     }
 }
 
-TEST_F(Scopes, ACountedArrayGivesAWayACopyOfIts) {
-    oxArray *a = oxCreateReference(arr("1 2"));
-    const kwSize listed = array_list_length();
-    oxArray *copy = oxPreparePropertyValueForContainment(a);
-    EXPECT_TRUE(copy != a && copy->cross_link == a && copy->scope == oxSCOPE_PROPERTY);
-    EXPECT_TRUE(oxGetReferenceCount(a) == 0 && oxIsTemp(a));
-    EXPECT_EQ(array_list_length(), listed); // the copy never was on the list
-    oxDestroyArray(copy);
-}
-
-TEST_F(Scopes, ACopyInPlaceOfAnArrayHasItsScope) {
-    for (const int scope : {4, 3, 0, 11}) {
-        oxArray *a = oxCreateReference(arr("1 2"));
-        oxSetArrayScope(a, scope);
-        oxArray *copy = oxUnreference(a);
-        EXPECT_TRUE(copy != a && copy->cross_link == a && copy->scope == scope);
-        EXPECT_EQ(array_list_contains(copy), scope == 4);
-        EXPECT_EQ(oxUnreference(copy), copy);
-        oxDestroyArray(a);
-        oxDestroyArray(copy);
-    }
-}
-
-TEST_F(Scopes, TemporaryCopiesAreListedAndOthersAreNot) {
-    oxArray *a = arr("1 2");
-    oxArray *temporary = oxCreateSharedCopy(a), *own = oxCreateSharedCopyNotOnArrayList(a);
-    EXPECT_TRUE(oxIsTemp(temporary) && array_list_contains(temporary));
-    EXPECT_TRUE(own->scope == oxSCOPE_NONE && !array_list_contains(own));
-    EXPECT_EQ(oxCreateSharedCopy(nullptr), nullptr);
-    oxDestroyArray(own);
-}
-
 // Deliberate: what an enclosing context listed stays on its list, unless it is moved first.
 TEST_F(Scopes, AnArrayOfAnEnclosingContextIsMovedBeforeItIsContained) {
     oxArray *a = arr("1"), *b = arr("2");
@@ -117,18 +85,6 @@ TEST_F(Scopes, AnArrayOfAnEnclosingContextIsMovedBeforeItIsContained) {
     oxSetArrayScope(b, 4); // enters it a second time
     array_list_remove(b);  // and off again; the first entry goes with the context
     oxDestroyArray(a);
-}
-
-TEST_F(Scopes, LeavingAContextFreesElementsWithTheirContainersWhateverTheCounts) {
-    const int outer = oxEnterNewArrayListContext();
-    oxArray *c = arr("cell 1x2: {1} {2}"), *kept = oxCreateSharedCopy(c);
-    oxSetReferenceCount(c, 3);
-    oxArray *e = oxCreateReference(oxGetCell_730(c, 0));
-    oxExitArrayListContext(outer, &kept, 1, true);
-    EXPECT_FALSE(kept->cross_link);
-    oxDestroyArray(kept);
-    EXPECT_EQ(oxGetScalar(e), 1);
-    oxDestroyArray(e);
 }
 
 TEST(ScopesAtLoad, ChangesTouchNoList) {

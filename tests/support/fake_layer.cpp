@@ -12,6 +12,25 @@ namespace ox::test {
 
 constinit LayerCalls layer_calls{};
 
+const std::vector<const char *> one_of_each = {
+    "1",
+    "double 2x2: 1 2; 3 4",
+    "double 1x2: 1+2i 3",
+    "double 1x2x2: 1 2 | 3 4",
+    "sparse double 3x2 nzmax 8: (0,0)=1 (2,1)=5",
+    "sparse double 2x2: (0,0)=1+2i",
+    "sparse logical 2x1: (1,0)=1",
+    "int16 2x1: 4; 5",
+    "logical 1x2: 1 0",
+    "char 2x2: 'ab'; 'cd'",
+    "cell 1x3: {1} {} {cell 1x1: {2}}",
+    "cell 1x1x2: {char 1x1: 'c'} {2}",
+    "struct 1x2 a,b: {1 2} {} {3} {sparse double 1x1: (0,0)=1}",
+    "object Point 1x1 a: {cell 1x1: {7}}",
+    "opaque 1x3: 5 6 7",
+    "function_handle 1x1: 8",
+};
+
 namespace {
 
 // What a payload is: a raw block, so that failing and leaking allocations show.

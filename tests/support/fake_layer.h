@@ -3,6 +3,8 @@
 #pragma once
 #include <core/array.h>
 
+#include <vector>
+
 namespace ox::test {
 
 struct LayerCalls {
@@ -13,6 +15,9 @@ extern LayerCalls layer_calls;
 
 xxInfo *opaque_class(); // a payload of its own for each element
 xxInfo *lazy_class();   // indexing-opaque: copies share one payload, which knows the dimensions
+
+// Texts of one array of each kind, with data; the layer must be installed.
+extern const std::vector<const char *> one_of_each;
 
 // Installed during its life; the counts start at 0.
 class WithLayer {
