@@ -8,6 +8,7 @@
 #include <ox/cells.h>
 #include <ox/classes.h>
 #include <ox/compare.h>
+#include <ox/compat.h>
 #include <ox/convert.h>
 #include <ox/create.h>
 #include <ox/errors.h>

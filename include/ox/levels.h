@@ -1,7 +1,8 @@
 /* The two API levels: which form an unsuffixed name of a two-level function means.
    OX_API_LEVEL 730 (the default) selects 64-bit sizes, 700 selects int sizes. Suffixed names are
-   always declared. This is the one list of two-level functions: the exports of the 32-bit level
-   are generated from its lines. */
+   always declared. This is the one list of two-level functions: a test holds the exported symbols
+   against its lines. A few more functions have a second form at level 700 only (<ox/compat.h>);
+   modules of that level include <ox.h>. */
 #ifndef OX_LEVELS_H
 #define OX_LEVELS_H
 

@@ -62,6 +62,17 @@ std::string oxArrayToUTF8StdString(const oxArray *a) {
     return a ? a->to_utf8_string() : std::string();
 }
 
+#if defined(__ELF__) && _GLIBCXX_USE_CXX11_ABI
+// The same under the names that compilers without ABI tags look for.
+#define UNTAGGED(name, untagged, tagged)                                                           \
+    extern "C" OX_API decltype(oxArrayToStdString) name __asm__(untagged)                          \
+        __attribute__((alias(tagged)));
+UNTAGGED(untagged_local, "_Z18oxArrayToStdStringPK11oxArray_tag",
+         "_Z18oxArrayToStdStringB5cxx11PK11oxArray_tag")
+UNTAGGED(untagged_utf8, "_Z22oxArrayToUTF8StdStringPK11oxArray_tag",
+         "_Z22oxArrayToUTF8StdStringB5cxx11PK11oxArray_tag")
+#endif
+
 extern "C" {
 
 char *oxCreateCStrFromArray(const oxArray *a, void *(*alloc)(kwSize)) {

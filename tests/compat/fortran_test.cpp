@@ -1,0 +1,215 @@
+// The Fortran entry points, called as a Fortran compiler calls them.
+#include "fortran_names.h"
+
+#include <core/array.h>
+#include <ox.h>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/host.h>
+
+#include <cmath>
+#include <cstring>
+#include <string>
+
+using namespace ox;
+using namespace ox::fortran;
+using namespace ox::fortran::wide_sizes;
+using namespace ox::test;
+
+namespace {
+
+using Fortran = HostTest;
+const int zero = 0, one = 1, two = 2, three = 3, minus = -1;
+const kwSize one_w = 1, two_w = 2, three_w = 3;
+
+TEST_F(Fortran, CreatorsOfBothWidths) {
+    const int real_class = oxINT16_CLASS, any = 7;
+    const int dims[] = {2, 3};
+    const kwSize dims_w[] = {2, 3};
+    const char names[] = "a  bc ";
+    const struct {
+        oxArray *made;
+        const char *expected;
+    } table[] = {
+        {OXCREATEDOUBLEMATRIX(&one, &two, &any), "double 1x2: 0+0i 0+0i"},
+        {OXCREATEDOUBLEMATRIX730(&one_w, &two_w, &zero), "double 1x2: 0 0"},
+        {OXCREATENUMERICMATRIX730(&two_w, &one_w, &real_class, &zero), "int16 2x1: 0; 0"},
+        {OXCREATENUMERICARRAY(&two, dims, &real_class, &zero), "int16 2x3: 0 0 0; 0 0 0"},
+        {OXCREATECELLARRAY730(&two_w, dims_w), "cell 2x3: {} {} {} {} {} {}"},
+        {OXCREATESTRUCTMATRIX(&one, &one, &two, names, 3), "struct 1x1 a,bc: {} {}"},
+        {OXCREATESTRUCTARRAY730(&one_w, dims_w, &zero, nullptr, 0), "struct 2x1 :"},
+        {OXCREATESPARSE730(&two_w, &two_w, &three_w, &zero), "sparse double 2x2 nzmax 3:"},
+        {OXCREATESPARSELOGICALMATRIX(&two, &two, &one), "sparse logical 2x2:"},
+        {OXCREATECHARMATRIXFROMSTRINGS(&two, names, 3), "char 2x2: 'a\\u0000'; 'bc'"},
+        {OXCREATESTRING("hi there  ", 10), "char 1x8: 'hi there'"},
+        {OXCREATESTRING("   ", 3), "char 0x0"},
+    };
+    for (const auto &r : table) EXPECT_EQ(text(r.made), text(arr(r.expected)));
+    EXPECT_RAISES_ENTRY(FP64BITSIZE, OXCREATEDOUBLEMATRIX(&minus, &two, &zero));
+}
+
+TEST_F(Fortran, DataSizesAndElements) {
+    oxArray *a = arr("double 2x2: 1 2; 3 4"), *sparse = arr("sparse double 2x2: (0,0)=1 (1,1)=2");
+    EXPECT_EQ(OXGETPR(&a), oxGetPr(a));
+    EXPECT_EQ(OXGETPI(&a), nullptr);
+    EXPECT_EQ(OXGETSCALAR(&a), 1);
+    EXPECT_EQ(OXGETM(&a) * 10 + OXGETN(&a), 22);
+    EXPECT_EQ(OXGETNUMBEROFELEMENTS730(&a), 4u);
+    EXPECT_EQ(OXGETDIMENSIONS(&a)[1], 2);
+    EXPECT_EQ(OXGETDIMENSIONS730(&a)[1], 2u);
+    EXPECT_EQ(OXGETIR730(&sparse)[1], 1u);
+    EXPECT_EQ(OXGETNZMAX(&sparse), 2);
+    EXPECT_RAISES("VELTRO:matrix:ERR_SPARSE_64BIT_OBSOLETE", nullptr, OXGETIR(&sparse));
+    auto *pi = static_cast<double *>(oxCalloc(4, sizeof(double)));
+    OXSETPI(&a, &pi);
+    EXPECT_EQ(OXISCOMPLEX(&a), 1);
+
+    oxArray *cell = arr("cell 1x1: {}"), *s = OXCREATESTRUCTMATRIX(&one, &one, &one, "f", 1);
+    oxArray *v = arr("5");
+    OXSETCELL(&cell, &zero, &v);
+    v = arr("6");
+    EXPECT_EQ(OXADDFIELD(&s, "g  ", 3), 1);
+    OXSETFIELD(&s, &zero, "g  ", &v, 3);
+    EXPECT_EQ(OXGETSCALAR(OXGETCELL(&cell, &zero) ? &v : nullptr), 6);
+    EXPECT_EQ(oxGetScalar(OXGETFIELD(&s, &zero, "g ", 2)), 6);
+    EXPECT_EQ(OXGETFIELDNUMBER(&s, "none", 4), -1);
+    char name[4];
+    OXGETFIELDNAMEBYNUMBER(name, 4, &s, &one);
+    EXPECT_EQ(std::string(name, 4), "g   ");
+}
+
+TEST_F(Fortran, PredicatesFillTheWholeResult) {
+    // A predicate of the C interface leaves the upper bytes of the register to chance.
+    oxArray *a = oxCreateString("x"), *l = arr("logical 1x1: 1");
+    const double nan = std::nan(""), big = HUGE_VAL;
+    EXPECT_EQ(OXISCHAR(&a), 1);
+    EXPECT_EQ(OXISDOUBLE(&a), 0);
+    EXPECT_EQ(OXISLOGICAL(&l), 1);
+    EXPECT_EQ(OXISEMPTY(&a), 0);
+    EXPECT_EQ(OXISFROMGLOBALWS(&a), 0);
+    EXPECT_EQ(OXISNAN(&nan) * 100 + OXISINF(&big) * 10 + OXISFINITE(&big), 110);
+    EXPECT_EQ(OXISCLASS(&a, "char  ", 6), 1);
+    EXPECT_EQ(OXISCLASS(&a, "char", 3), 0);
+    EXPECT_EQ(OXCLASSIDFROMCLASSNAME("INT8 ", 5), oxINT8_CLASS);
+    EXPECT_EQ(OXGETCLASSID(&a), oxCHAR_CLASS);
+    char name[6];
+    OXGETCLASSNAME(name, 6, &a);
+    EXPECT_EQ(std::string(name, 6), "char  ");
+    OXGETCLASSNAME(name, 2, &l);
+    EXPECT_EQ(std::string(name, 2), "lo");
+}
+
+TEST_F(Fortran, GetStringPadsAndTellsOfCuts) {
+    const struct {
+        const char *array;
+        int length, result;
+        const char *buffer;
+    } table[] = {
+        {"char 1x4: 'four'", 10, 0, "four      "},
+        {"char 1x4: 'four'", 4, 0, "four"},
+        {"char 1x4: 'four'", 3, 1, "fou"},
+        {"char 1x4: 'four'", 0, 1, ""},
+        {"char 0x0", 3, 0, "   "},
+        {"double 1x1: 1", 3, 1, "???"},
+        {"char 2x2: 'ab'; 'cd'", 5, 0, "acbd "},
+    };
+    for (const auto &r : table) {
+        std::string buffer(std::strlen(r.buffer), '?');
+        oxArray *a = arr(r.array);
+        EXPECT_EQ(OXGETSTRING(&a, buffer.data(), &r.length, buffer.size()), r.result) << r.array;
+        EXPECT_EQ(buffer, r.buffer) << r.array;
+    }
+    oxArray *none = nullptr;
+    EXPECT_EQ(OXGETSTRING(&none, nullptr, &three, 3), 1);
+    std::string buffer = "????"; // what follows a NUL is blank, not left as it was
+    oxArray *a = arr("char 1x3: 'a\\u0000b'");
+    EXPECT_EQ(OXGETSTRING(&a, buffer.data(), &three, 3), 0);
+    EXPECT_EQ(buffer, std::string("a\0 ?", 4));
+    const kwSize vast[] = {kwSize{1} << 31, 1};
+    oxSetDimensions(a, vast, 2);
+    EXPECT_RAISES_ENTRY(FP64BITSIZE, OXGETSTRING(&a, buffer.data(), &three, 3));
+    oxSetN(a, 0);
+}
+
+TEST_F(Fortran, CopiesTakeThePointerFirstInBothDirections) {
+    double block[] = {1, 2, 3}, buffer[] = {7, 8, 9};
+    void *p = block;
+    OXCOPYPTRTOREAL8(&p, buffer, &two);
+    EXPECT_EQ(std::vector<double>(buffer, buffer + 3), (std::vector<double>{1, 2, 9}));
+    OXCOPYREAL8TOPTR730(&p, buffer + 1, &two_w);
+    EXPECT_EQ(std::vector<double>(block, block + 3), (std::vector<double>{2, 9, 3}));
+    EXPECT_RAISES_ENTRY(FP64BITSIZE, OXCOPYPTRTOREAL8(&p, buffer, &minus));
+
+    // Each kind moves its own element size: three elements, of which the fourth must not change.
+    const struct {
+        void (*in)(void *const *, const void *, const int *);
+        void (*out)(void *const *, void *, const int *);
+        kwSize size;
+    } kinds[] = {
+        {OXCOPYINTEGER1TOPTR, OXCOPYPTRTOINTEGER1, 1},
+        {OXCOPYINTEGER2TOPTR, OXCOPYPTRTOINTEGER2, 2},
+        {OXCOPYINTEGER4TOPTR, OXCOPYPTRTOINTEGER4, 4},
+        {OXCOPYREAL4TOPTR, OXCOPYPTRTOREAL4, 4},
+        {OXCOPYINTEGER8TOPTR, OXCOPYPTRTOINTEGER8, 8},
+        {OXCOPYKWINDEXTOPTR, OXCOPYPTRTOKWINDEX, 8},
+        {nullptr, OXCOPYPTRTOPTRARRAY, 8},
+    };
+    for (const auto &kind : kinds) {
+        std::string from(32, 'f'), to(32, 't');
+        void *at = from.data();
+        kind.out(&at, to.data(), &three);
+        EXPECT_EQ(to, std::string(3 * kind.size, 'f') + std::string(32 - 3 * kind.size, 't'));
+        if (!kind.in) continue;
+        kind.in(&at, std::string(32, 'x').data(), &three);
+        EXPECT_EQ(from, std::string(3 * kind.size, 'x') + std::string(32 - 3 * kind.size, 'f'));
+    }
+}
+
+TEST_F(Fortran, ComplexCopiesLeaveImaginaryHalvesWithoutABlock) {
+    double re[] = {1, 2}, im[] = {3, 4}, y[] = {0, 0, 0, 0};
+    double *pr = re, *pi = im, *none = nullptr;
+    OXCOPYPTRTOCOMPLEX16(&pr, &pi, y, &two);
+    EXPECT_EQ(std::vector<double>(y, y + 4), (std::vector<double>{1, 3, 2, 4}));
+    y[0] = 5;
+    OXCOPYCOMPLEX16TOPTR730(&pr, &none, y, &two_w);
+    EXPECT_EQ(re[0] * 100 + im[0], 503);
+    OXCOPYCOMPLEX16TOPTR(&pr, &pi, y + 2, &one);
+    EXPECT_EQ(re[0] * 100 + im[0], 204);
+    OXCOPYPTRTOCOMPLEX16(&pr, &none, y, &one);
+    EXPECT_EQ(std::vector<double>(y, y + 2), (std::vector<double>{2, 3}));
+    float fr[] = {0}, fi[] = {0}, fy[] = {6, 7};
+    float *fpr = fr, *fpi = fi;
+    OXCOPYCOMPLEX8TOPTR(&fpr, &fpi, fy, &one);
+    EXPECT_EQ(fr[0] * 10 + fi[0], 67);
+    fy[0] = fy[1] = 0;
+    OXCOPYPTRTOCOMPLEX8730(&fpr, &fpi, fy, &one_w);
+    EXPECT_EQ(fy[0] * 10 + fy[1], 67);
+}
+
+TEST_F(Fortran, CharacterCopiesTrimAndPad) {
+    char block[8] = "#######", *p = block;
+    const int six = 6;
+    OXCOPYCHARACTERTOPTR(&p, "ab c  ", &six, 6);
+    EXPECT_STREQ(block, "ab c");
+    char buffer[] = "######";
+    OXCOPYPTRTOCHARACTER(&p, buffer, &six, 6);
+    EXPECT_STREQ(buffer, "ab c  ");
+    OXCOPYPTRTOCHARACTER730(&p, buffer, &three_w, 3);
+    EXPECT_STREQ(buffer, "ab c  ");
+}
+
+TEST_F(Fortran, RaisingWarningAndWithdrawnFunctions) {
+    EXPECT_RAISES("VELTRO:mine:bad", "100% wrong",
+                  OXERRMSGIDANDTXT("VELTRO:mine:bad ", "100% wrong  ", 16, 12));
+    EXPECT_RAISES("", "No good.", OXERRMSGTXT("No good", 7));
+    EXPECT_WARNS("VELTRO:mine:odd", "50% odd",
+                 OXWARNINGMSGIDANDTXT("VELTRO:mine:odd", "50% odd ", 15, 8));
+    EXPECT_RAISES(
+        "VELTRO:matrix:ERR_FUNCTION_OBSOLETE",
+        "The function OXCREATEFULL is obsolete. A vex file or Dravon S-function that calls "
+        "it must call OXCREATEDOUBLEMATRIX instead. A Fortran Dravon S-function that does "
+        "not call OXCREATEFULL is to be recompiled in the current release.",
+        OXCREATEFULL(&one, &one, &zero));
+}
+
+} // namespace

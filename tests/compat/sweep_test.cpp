@@ -1,0 +1,68 @@
+// The 32-bit level and the Fortran entry points under failing allocations.
+#include "fortran_names.h"
+
+#include <ox.h>
+#include <support/faults.h>
+#include <support/host.h>
+
+using namespace ox;
+using namespace ox::fortran;
+using namespace ox::test;
+
+namespace {
+
+const int ones[] = {1, 1, 1, 1, 1, 1, 1, 1, 2, 2}, ten = 10, one = 1, two = 2;
+const char names[] = "alphabeta ", *fields[] = {"alpha", "beta"};
+
+const Sweep sweeps[] = {
+    {"double matrix", {}, [](auto &) { return oxCreateDoubleMatrix_700(2, 2, oxCOMPLEX); }},
+    {"numeric array of many dimensions",
+     {},
+     [](auto &) { return oxCreateNumericArray_700(10, ones, oxINT8_CLASS, oxREAL); }},
+    {"cell array", {}, [](auto &) { return oxCreateCellArray_700(10, ones); }},
+    {"struct array", {}, [](auto &) { return oxCreateStructArray_700(10, ones, 2, fields); }},
+    {.name = "sparse",
+     .make = [](auto &) { return oxCreateSparse_700(3, 3, 4, oxREAL); },
+     .silent = true},
+    {.name = "string", // the converter's buffer may fall back
+     .make = [](auto &) { return oxCreateStringFromNChars_700("text", 4); },
+     .may_survive = true},
+    {.name = "dimensions",
+     .inputs = {"int8 1x1x4: 1 | 2 | 3 | 4"},
+     .act = [](auto &in) { return oxGetDimensions_700(in[0])[2] == 4; },
+     .changes_inputs = true},
+    {.name = "dimensions of another length",
+     .inputs = {"double 2x3: 1 2 3; 4 5 6"},
+     .act =
+         [](auto &in) {
+             oxGetDimensions_700(in[0]);
+             const kwSize dims[] = {1, 2, 3};
+             return oxSetDimensions(in[0], dims, 3) == 0 && oxGetDimensions_700(in[0])[2] == 3;
+         },
+     .silent = true,
+     .changes_inputs = true},
+    {"position in many dimensions",
+     {"double 2x2: 1 2; 3 4"},
+     nullptr,
+     [](auto &in) { return oxCalcSingleSubscript_700(in[0], 10, ones) > 0; }},
+    {.name = "Fortran struct",
+     .make = [](auto &) { return OXCREATESTRUCTARRAY(&ten, ones, &two, names, 5); }},
+    {.name = "Fortran rows",
+     .make = [](auto &) { return OXCREATECHARMATRIXFROMSTRINGS(&two, names, 5); }},
+    {.name = "Fortran class name",
+     .inputs = {"char 1x1: 'x'"},
+     .act = [](auto &in) { return OXISCLASS(&in[0], "char ", 5) == one; }},
+    {.name = "Fortran characters",
+     .act =
+         [](auto &) {
+             char block[8], *p = block;
+             OXCOPYCHARACTERTOPTR(&p, "text ", &one, 5);
+             return block[0] == 't';
+         }},
+};
+
+TEST(CompatSweep, EveryAllocationFailsOnce) {
+    for (const Sweep &s : sweeps) sweep(s);
+}
+
+} // namespace
