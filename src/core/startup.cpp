@@ -80,7 +80,7 @@ oxArray *cleared(void *header) {
     typedef uint64_t Vector __attribute__((vector_size(16), may_alias));
     typedef Vector Pair __attribute__((aligned(8)));
     static_assert(sizeof(oxArray) == 6 * sizeof(Pair) + sizeof(uint64_t));
-    auto *p = static_cast<Pair *>(header);
+    Pair *p = static_cast<Pair *>(header); // auto would drop the alignment
     p[0] = p[1] = p[2] = p[3] = p[4] = p[5] = Pair{};
     auto *a = static_cast<oxArray *>(header);
     a->dim32 = nullptr;
