@@ -15,8 +15,8 @@ namespace ox {
 bool assign_element(oxArray *a, kwSize nsubs, const oxArray *const *subs, const oxArray *rhs);
 
 // The dimensions that an array with every dimension 0 takes from an assignment: ':' takes the sizes
-// of rhs, or 1 where it is a scalar, other subscripts reach as far as they say. Raises when rhs
-// does not fit.
+// of rhs, or 1 where it is a scalar, other subscripts reach as far as they say. dims comes with
+// the dimensions so far, which stay when no position is assigned. Raises when rhs does not fit.
 void dimensions_from_rhs(const SubscriptSet &s, const oxArray *rhs, Extents &dims);
 
 // For each field of a, the number of the field of rhs with that name. Raises error 68 unless both

@@ -1,5 +1,7 @@
 // Where operations on sparse arrays leave for the sparse kernels.
+#include <containers/copies.h>
 #include <containers/unshare.h>
+#include <core/destroy.h>
 #include <core/position.h>
 #include <errors/raise.h>
 #include <index/assign.h>
@@ -46,7 +48,7 @@ kwSize pages(const SubscriptSet &s) {
 // The dimensions that a sparse array takes before elements are assigned, where subscripts and
 // right-hand side alone decide them.
 void size_from_rhs(oxArray *a, SubscriptSet &s, const oxArray *rhs) {
-    Extents dims;
+    Extents dims(a->get_dimensions(), a->ndims);
     dimensions_from_rhs(s, rhs, dims);
     resize_sparse(a, dims.get(), dims.size());
     for (kwSize k = 0; k < s.size(); ++k)
@@ -109,13 +111,16 @@ void assign_sparse(oxArray *a, kwSize nsubs, const oxArray *const *subs, const o
     for (kwSize k = 0; k < nsubs; ++k)
         s[k].read_or_raise(subs[k], all_zero ? 0 : extent_of(a, k, nsubs));
     for (const Subscript &x : s)
-        if (scalar && x.is_none()) return;
-    if (all_zero)
-        size_from_rhs(a, s, rhs);
-    else if (!scalar)
-        check_shape(s, rhs);
-    if (resize_only) return grow(a, s);
-    oxHandleSparseSubscriptError(store(a, s, const_cast<oxArray *>(rhs)));
+        if (scalar && (x.is_none() || (!all_zero && x.count == 0))) return;
+    if (!all_zero && !scalar) check_shape(s, rhs);
+    const bool copies = !resize_only && rhs->get_number_of_elements() != 0;
+    const ArrayGuard shared(copies ? shared_copy(rhs) : nullptr); // the kernels consume temporaries
+    if (copies && !shared) raise_out_of_memory();
+    oxArray *b = shared.get(); // converted before anything of a changes
+    if (copies && b->class_code != a->class_code)
+        b = oxMustBe(b, static_cast<oxClassID>(a->class_code));
+    if (all_zero) size_from_rhs(a, s, rhs);
+    copies ? oxHandleSparseSubscriptError(store(a, s, b)) : grow(a, s);
 }
 
 void delete_sparse(oxArray *a, kwSize nsubs, kwSize k, const oxArray *sub) {

@@ -18,6 +18,7 @@ namespace {
 // than 0 is met by its stored elements, so that its length does not matter.
 template<class F> void for_each_stored(const oxArray *a, const Subscript &index, F &&f) {
     const kwSize m = rows(a), n = cols(a);
+    if (index.count == 0) return;
     if (index.kind == Subscript::Kind::list || index.kind == Subscript::Kind::scalar ||
         (index.kind == Subscript::Kind::range && index.step == 0)) {
         kwSize q = 0;
