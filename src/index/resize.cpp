@@ -13,6 +13,8 @@
 #include <sparse/storage/csc.h>
 
 #include <algorithm>
+#include <bit>
+#include <utility>
 
 namespace ox {
 
@@ -94,6 +96,11 @@ void convert_part(const oxArray *a, void *out, const oxArray *filler, const void
 
 Filling read_filler(const oxArray *a, const oxArray *filler) {
     Filling filling;
+    if (filler && a->class_code == oxOPAQUE_CLASS && filler->class_code == oxOPAQUE_CLASS &&
+        filler->num.pdata) { // the payload itself, until own_payload_fillers
+        std::memcpy(&filling.real, filler->num.pdata, sizeof filling.real);
+        return filling;
+    }
     if (!filler || a->class_code > oxUINT64_CLASS || is_container(a) ||
         filler->num.pdata == nullptr)
         return filling;
@@ -122,6 +129,19 @@ void fill(void *block, kwSize width, kwSize begin, kwSize end, uint64_t pattern)
             std::fill_n(static_cast<T *>(block) + begin, end - begin, value);
         }
     });
+}
+
+// New elements of an opaque array hold the filler's payload: each gets a copy of its own.
+void own_payload_fillers(oxArray *a, uint64_t pattern) {
+    const kwSize n = a->get_number_of_elements();
+    bool failed = false;
+    for (kwSize i = 0; i < n; ++i) {
+        void **slot = static_cast<void **>(a->opaque.giblet) + i;
+        if (std::bit_cast<uint64_t>(*slot) != pattern) continue;
+        void *payload = std::exchange(*slot, nullptr);
+        failed = failed || !a->opaque.info->copy_element(slot, payload);
+    }
+    if (failed) raise_out_of_memory();
 }
 
 class Resizer {
@@ -239,6 +259,7 @@ void resize_array(oxArray *a, const Extents &dims, const oxArray *filler) {
         a->dim_vector = vector.release();
     }
     oxSetScalarDoubleFlagIfAppropiate(a);
+    if (a->class_code == oxOPAQUE_CLASS && filling.real != 0) own_payload_fillers(a, filling.real);
 }
 
 } // namespace ox

@@ -1,0 +1,416 @@
+// Assignment: growth, shapes, conversion, what is shared and what an error leaves.
+#include "subs.h"
+
+#include <support/expect.h>
+#include <support/fake_layer.h>
+#include <support/faults.h>
+#include <support/host.h>
+
+using namespace ox::test;
+
+namespace {
+
+class Assign : public HostTest {};
+
+struct Row {
+    const char *a;
+    std::vector<std::string> subs;
+    const char *rhs, *result;
+};
+
+void check(const std::vector<Row> &rows) {
+    for (const Row &row : rows) {
+        oxArray *a = sub(row.a);
+        EXPECT_EQ(text(assign(a, subs(row.subs), sub(row.rhs))), row.result)
+            << row.a << " (" << row.subs[0] << ") = " << row.rhs;
+        const bool one = oxIsDouble(a) && oxGetNumberOfElements(a) == 1;
+        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), one) << row.result;
+    }
+}
+
+TEST_F(Assign, InPlaceAndByGrowth) {
+    check({
+        {"2x2: 1 2; 3 4", {"2", "1"}, "1x1: 9", "double 2x2: 1 2; 9 4"},
+        {"2x2: 1 2; 3 4", {"3"}, "1x1: 9", "double 2x2: 1 9; 3 4"},
+        {"2x2: 1 2; 3 4", {":"}, "1x1: 9", "double 2x2: 9 9; 9 9"},
+        {"2x2: 1 2; 3 4", {":", "2:-1:1"}, "2x2: 5 6; 7 8", "double 2x2: 6 5; 8 7"},
+        {"2x2: 1 2; 3 4", {"logical 2x2: 1 0; 0 1"}, "1x2: 8 9", "double 2x2: 8 2; 3 9"},
+        {"1x3: 1 2 3", {"1x3: 2 2 2"}, "1x3: 7 8 9", "double 1x3: 1 9 3"}, // the last one wins
+        {"2x2: 1 2; 3 4", {"2", "3"}, "1x1: 1", "double 2x3: 1 2 0; 3 4 1"},
+        {"2x2: 1 2; 3 4", {"3", "1"}, "1x1: 1", "double 3x2: 1 2; 3 4; 1 0"},
+        {"2x2: 1 2; 3 4", {"1", "1", "2"}, "1x1: 9", "double 2x2x2: 1 2; 3 4 | 9 0; 0 0"},
+        {"1x1: 5", {"3"}, "1x1: 9", "double 1x3: 5 0 9"},
+        {"1x2: 5 6", {"3"}, "1x1: 9", "double 1x3: 5 6 9"}, // end+1
+        {"2x1: 5; 6", {"3"}, "1x1: 9", "double 3x1: 5; 6; 9"},
+        {"2x2: 1 2; 3 4", {"7"}, "1x1: 9", "double 2x4: 1 2 0 9; 3 4 0 0"},
+        {"0x1", {"2"}, "1x1: 9", "double 2x1: 0; 9"},
+        {"0x3", {"2"}, "1x1: 9", "double 1x2: 0 9"},
+        {"0x0", {"2", "3"}, "1x1: 1", "double 2x3: 0 0 0; 0 0 1"},
+        {"0x0", {":"}, "1x3: 1 2 3", "double 1x3: 1 2 3"},
+        {"0x0", {"1x2: 2 4"}, "2x1: 5; 6", "double 4x1: 0; 5; 0; 6"},
+        {"0x0", {":", "2"}, "3x1: 1; 2; 3", "double 3x2: 0 1; 0 2; 0 3"},
+        {"0x0", {"1", ":"}, "3x1: 1; 2; 3", "double 1x3: 1 2 3"},
+        {"0x0", {":", ":", "2"}, "1x3: 1 1 1", "double 1x3x2: 0 0 0 | 1 1 1"},
+        {"0x0", {":", "3"}, "1x1: 5", "double 1x3: 0 0 5"},
+        {"2x2: 1 2; 3 4", {"logical 2x2: 0 0; 0 0", "5"}, "1x1: 9", "double 2x2: 1 2; 3 4"},
+        {"2x2: 1 2; 3 4", {"0x0"}, "0x0", "double 2x2: 1 2; 3 4"},
+        {"0x3", {":", "7"}, "1x1: 9", "double 0x3"},
+    });
+}
+
+TEST_F(Assign, ConvertsTheRightHandSide) {
+    check({
+        {"int8 1x2: 1 2", {"2"}, "1x1: 300", "int8 1x2: 1 127"},
+        {"1x2: 1 2", {"2"}, "char 1x1: 'a'", "double 1x2: 1 97"},
+        {"char 1x2: 'ab'", {"3"}, "1x1: 99", "char 1x3: 'abc'"},
+        {"logical 1x2: 1 0", {"2"}, "1x1: 7", "logical 1x2: 1 1"},
+        {"1x2: 1 2", {"2"}, "1x1: 3+4i", "double 1x2: 1+0i 3+4i"},
+        {"1x2: 1+1i 2", {"1"}, "1x1: 3", "double 1x2: 3 2"}, // the last imaginary part went
+        {"single 1x2: 1 2", {"3"}, "1x1: 3+4i", "single 1x3: 1+0i 2+0i 3+4i"},
+        {"1x2: 1 2", {":"}, "sparse double 1x2: (0,1)=5", "double 1x2: 0 5"},
+        {"cell 1x2: {1} {2}",
+         {"2"},
+         "cell 1x1: {char 1x1: 'x'}",
+         "cell 1x2: {double 1x1: 1} {char 1x1: 'x'}"},
+        {"cell 1x1: {1}", {"0x0"}, "0x0", "cell 1x1: {double 1x1: 1}"},
+    });
+    EXPECT_WARNS("VELTRO:intConvertOverflow",
+                 "Out of range value converted to intmin('int8') or intmax('int8').",
+                 assign(sub("int8 1x2: 1 2"), {sub("2")}, sub("1x1: 300")));
+    // Growing alone converts nothing.
+    oxArray *a = sub("int8 1x2: 1 2");
+    Subs s{sub("4")};
+    EXPECT_NO_WARNING(
+        oxSubscriptedAssignmentWithFiller(a, 1, s.data(), sub("1x1: 300"), nullptr, true));
+    EXPECT_EQ(text(a), "int8 1x4: 1 2 0 0");
+}
+
+struct Error {
+    const char *a;
+    std::vector<std::string> subs;
+    const char *rhs, *id, *text;
+};
+
+TEST_F(Assign, ErrorsLeaveTheTargetAlone) {
+    constexpr const char *shapes = "VELTRO:subsassigndimmismatch";
+    const Error rows[] = {
+        {"2x3: 1 2 3; 4 5 6",
+         {"1:1:2", "1:1:3"},
+         "3x2: 1 2; 3 4; 5 6",
+         nullptr,
+         "Subscripted assignment dimension mismatch."},
+        {"2x2: 1 2; 3 4",
+         {"1:1:2", "1"},
+         "2x2: 1 1; 1 1",
+         shapes,
+         "Assignment has more non-singleton rhs dimensions than non-singleton\nsubscripts"},
+        {"2x2: 1 2; 3 4",
+         {":", ":"},
+         "1x2: 1 1",
+         shapes,
+         "Assignment has fewer non-singleton rhs dimensions than non-singleton\nsubscripts"},
+        {"2x2: 1 2; 3 4",
+         {":"},
+         "1x5: 1 2 3 4 5",
+         nullptr,
+         "In an assignment  A(:) = B, the number of elements in A and B\nmust be the same."},
+        {"2x2x2: 1 2; 3 4 | 5 6; 7 8",
+         {"1", "9"},
+         "1x1: 1",
+         "VELTRO:indexed_matrix_cannot_be_resized",
+         "Attempt to grow array along ambiguous dimension."},
+        {"1x1x2: 1 | 2", {"3"}, "1x1: 1", "VELTRO:indexed_matrix_cannot_be_resized", nullptr},
+        {"1x3: 1 2 3", {"0"}, "1x1: 1", "VELTRO:badsubscript", nullptr},
+        {"1x3: 1 2 3",
+         {"1x1: 281474976710655"},
+         "1x1: 1",
+         "VELTRO:pmaxsize",
+         "Maximum variable size allowed by the program is exceeded."},
+        {"1x3: 1 2 3", {"int64 1x1: -1"}, "1x1: 1", "VELTRO:pmaxsize", nullptr},
+        {"cell 1x1: {1}",
+         {"2"},
+         "1x1: 1",
+         "VELTRO:invalidConversion",
+         "Conversion to cell from double is not possible."},
+        {"logical 1x2: 1 0", {"9"}, "1x1: NaN", "VELTRO:nologicalnan", nullptr},
+        {"struct 1x1 a: {1}",
+         {"2"},
+         "struct 1x1 b: {1}",
+         nullptr,
+         "Subscripted assignment dimension mismatch."},
+        {"struct 1x1 a: {1}",
+         {"2"},
+         "struct 1x1 a,b: {1} {2}",
+         nullptr,
+         "Subscripted assignment dimension mismatch."},
+        {"struct 1x1 a: {1}",
+         {"2"},
+         "1x1: 1",
+         "VELTRO:invalidConversion",
+         "Conversion to struct from double is not possible."},
+    };
+    for (const Error &row : rows) {
+        oxArray *a = sub(row.a), *sharer = oxCreateSharedDataCopy(a);
+        const std::string before = text(a);
+        const Subs s = subs(row.subs);
+        const oxArray *rhs = sub(row.rhs);
+        const std::string of_entry = row.subs.size() == 1 && row.subs[0] == ":"
+                                         ? "VELTRO:subsassignnumelmismatch"
+                                         : "VELTRO:subsassigndimmismatch";
+        EXPECT_RAISES(row.id ? row.id : of_entry.c_str(), row.text, assign(a, s, rhs)) << row.a;
+        EXPECT_EQ(text(a), before);
+        EXPECT_TRUE(oxIsSharedArray(sharer));
+    }
+    EXPECT_RAISES("VELTRO:nindexIsZero", nullptr, assign(sub("1x1: 1"), {}, sub("1x1: 1")));
+}
+
+TEST_F(Assign, TakesTheClassOfWhatIsAssignedWhenItHasNone) {
+    oxArray *unknown = oxCreateCellMatrix(0, 0);
+    oxReInitArray2Type(unknown, oxUNKNOWN_CLASS);
+    const kwSize none[2] = {0, 0};
+    oxSetDimensions(unknown, none, 2);
+    oxArray *bracket = sub("0x3");
+    oxSetEmptySqrBrktFlag(bracket, true);
+    oxSetScalarDoubleFlag(sub("1x1: 1"));
+    EXPECT_EQ(text(assign(unknown, subs({"2"}), sub("cell 1x1: {7}"))),
+              "cell 1x2: {} {double 1x1: 7}");
+    EXPECT_EQ(text(assign(bracket, subs({"2", "1"}), sub("int8 1x1: 7"))),
+              "int8 2x3: 0 0 0; 7 0 0");
+    EXPECT_FALSE(bracket->has_flag(oxFLAG_EMPTY_BRACKET));
+    EXPECT_EQ(text(assign(sub("0x0"), subs({"2"}), sub("int8 1x1: 7"))), "double 1x2: 0 7");
+    oxArray *fields = sub("struct 0x0");
+    EXPECT_EQ(text(assign(fields, subs({"2"}), sub("struct 1x1 a: {7}"))),
+              "struct 1x2 a: {} {double 1x1: 7}");
+    oxArray *full = sub("0x0");
+    oxSetEmptySqrBrktFlag(full, true);
+    EXPECT_EQ(text(assign(full, subs({":"}), sub("sparse double 1x2: (0,1)=3"))),
+              "double 1x2: 0 3");
+}
+
+TEST_F(Assign, GrowthIsFilled) {
+    auto filled = [](const char *a, const std::vector<std::string> &texts, const char *filler) {
+        oxArray *x = sub(a);
+        Subs s = subs(texts);
+        EXPECT_EQ(oxSubscriptedAssignmentWithFiller(x, s.size(), s.data(), sub("1x1: 9"),
+                                                    filler ? sub(filler) : nullptr, false),
+                  nullptr);
+        return text(x);
+    };
+    EXPECT_EQ(filled("1x1: 1", {"3"}, "1x2: 7 8"), "double 1x3: 1 7 9");
+    EXPECT_EQ(filled("2x1: 1; 2", {"1", "3"}, "1x1: 7"), "double 2x3: 1 7 9; 2 7 7");
+    EXPECT_EQ(filled("2x2: 1 2; 3 4", {"3", "1"}, "1x1: 7"), "double 3x2: 1 2; 3 4; 9 7");
+    EXPECT_EQ(filled("char 1x1: 'a'", {"3"}, "1x1: 32"), "char 1x3: 'a \\u0009'");
+    EXPECT_EQ(filled("int8 1x1: 1", {"3"}, "sparse double 1x1: (0,0)=5"), "int8 1x3: 1 5 9");
+    EXPECT_EQ(filled("1x1: 1+1i", {"3"}, "1x1: 7+2i"), "double 1x3: 1+1i 7+2i 9+0i");
+    EXPECT_EQ(filled("1x1: 1", {"3"}, "1x1: 7+2i"), "double 1x3: 1 7 9");
+    EXPECT_EQ(filled("1x1: 1", {"3"}, "0x0"), "double 1x3: 1 0 9");
+}
+
+TEST_F(Assign, OneElementAtATime) {
+    oxArray *row = sub("0x0"), *column = sub("2x1: 1; 2");
+    for (int k = 1; k <= 300; ++k) {
+        const oxArray *at = oxCreateDoubleScalar(k), *next = oxCreateDoubleScalar(k + 2),
+                      *v = oxCreateDoubleScalar(k);
+        assign(row, {at}, v);
+        assign(column, {next}, v);
+    }
+    ASSERT_EQ(oxGetN(row), 300u);
+    ASSERT_EQ(oxGetM(column), 302u);
+    for (int k = 0; k < 300; ++k) EXPECT_EQ(oxGetPr(row)[k] + oxGetPr(column)[k + 2], 2 * (k + 1));
+    oxArray *x = sub("1x1: 4");
+    EXPECT_EQ(text(assign(x, {sub("2")}, x)), "double 1x2: 4 4");
+}
+
+TEST_F(Assign, OperandsMayBeTheTarget) {
+    oxArray *a = sub("1x3: 3 1 2");
+    EXPECT_EQ(text(assign(a, {a}, a)), "double 1x3: 1 2 3");
+    oxArray *m = sub("logical 1x3: 0 1 1");
+    EXPECT_EQ(text(assign(m, {m}, sub("logical 1x1: 0"))), "logical 1x3: 0 0 0");
+    oxArray *c = sub("cell 1x2: {1} {2}");
+    EXPECT_EQ(text(assign(c, {sub("1x2: 3 2")}, c)),
+              "cell 1x3: {double 1x1: 1} {double 1x1: 2} {double 1x1: 1}");
+    EXPECT_EQ(text(erase(a, {a})), "double 1x0");
+    EXPECT_FALSE(oxIsSharedArray(a));
+}
+
+TEST_F(Assign, ContainersOwnWhatTheyHold) {
+    oxArray *c = sub("cell 1x3: {1} {2} {3}"), *sharer = oxCreateSharedDataCopy(c),
+            *rhs = sub("cell 1x2: {8} {9}");
+    oxArray *kept = oxGetCell(c, 1);
+    assign(c, {sub("1x2: 1 1")}, rhs); // the first value leaves again
+    EXPECT_EQ(text(c), "cell 1x3: {double 1x1: 9} {double 1x1: 2} {double 1x1: 3}");
+    EXPECT_EQ(text(sharer), "cell 1x3: {double 1x1: 1} {double 1x1: 2} {double 1x1: 3}");
+    EXPECT_EQ(oxGetCell(c, 1), kept); // a new slot block, the same elements
+    EXPECT_EQ(oxGetReferenceCount(kept), 1u);
+    EXPECT_EQ(oxGetReferenceCount(oxGetCell(rhs, 0)), 0u);
+    EXPECT_EQ(oxGetReferenceCount(oxGetCell(rhs, 1)), 1u);
+    oxArray *s = sub("struct 1x2 a,b: {1} {2} {3} {4}");
+    assign(s, {sub("1x2: 2 3")}, sub("struct 1x1 b,a: {8} {9}"));
+    EXPECT_EQ(text(s), "struct 1x3 a,b: {double 1x1: 1} {double 1x1: 2} {double 1x1: 9} "
+                       "{double 1x1: 8} {double 1x1: 9} {double 1x1: 8}");
+}
+
+// A class of numbers whose arrays grow.
+struct Growing : xxInfo {
+    bool empty = false, none = false;
+    const char *class_name(const oxArray *) const override { return "Growing"; }
+    bool is_class_object() const override { return true; }
+    oxArray *default_object(bool) override {
+        if (none) return nullptr;
+        oxArray *a = sub(empty ? "opaque 0x0" : "opaque 1x1: 5");
+        return a;
+    }
+    void release(oxArray *a) override { opaque_class()->release(a); }
+    bool copy_element(void **dst, void *src) override {
+        return opaque_class()->copy_element(dst, src);
+    }
+};
+
+TEST_F(Assign, GrowingClassObjectsAskForADefault) {
+    const WithLayer layer;
+    const Contexts contexts;
+    Growing info;
+    oxArray *a = sub("opaque 1x1: 1"), *rhs = sub("opaque 1x1: 2");
+    a->opaque.info = &info;
+    Subs s{sub("3")};
+    oxArray *object = oxSubscriptedAssignmentWithFiller(a, 1, s.data(), rhs, nullptr, false);
+    EXPECT_EQ(text(object), "opaque 1x1: 5");
+    EXPECT_EQ(text(a), "opaque 1x3: 1 5 2");
+    s = {sub("5")};
+    info.none = true;
+    oxSubscriptedAssignment(a, 1, s.data(), rhs);
+    EXPECT_EQ(text(a), "opaque 1x5: 1 5 2 -1 2");
+    info.none = false;
+    info.empty = true;
+    EXPECT_RAISES("VELTRO:index:defaultObjectEmpty",
+                  "When expanding an array, the default constructor for 'Growing' class returned "
+                  "empty.",
+                  assign(a, {sub("9")}, rhs));
+    EXPECT_EQ(text(a), "opaque 1x5: 1 5 2 -1 2");
+    oxArray *unknown = sub("0x0");
+    oxReInitArray2Type(unknown, oxUNKNOWN_CLASS);
+    oxSetM(unknown, 0);
+    a->opaque.info = &info;
+    EXPECT_RAISES_ENTRY(FSUBSASSIGNNUMELMISMATCH, assign(unknown, {sub("0x0")}, a));
+    EXPECT_RAISES("VELTRO:index:internalError", "Arrays of function handles cannot grow.",
+                  assign(sub("function_handle 1x1: 7"), {sub("2")}, sub("function_handle 1x1: 8")));
+    EXPECT_EQ(
+        text(assign(sub("function_handle 1x1: 7"), {sub("1")}, sub("function_handle 1x1: 8"))),
+        "function_handle 1x1: 8");
+}
+
+TEST_F(Assign, HeterogeneousClassObjectsAskTheirStaticMethod) {
+    static std::string called;
+    ox_object_layer layer{};
+    layer.call_static = [](const char *name) {
+        called = name;
+        return sub("opaque 1x1: 6");
+    };
+    const WithLayer outer;
+    const ox_object_layer *previous = ox_register_object_layer(&layer);
+    const Contexts contexts;
+    Growing info;
+    info.none = true;
+    oxArray *a = sub("opaque 1x1: 1");
+    a->opaque.info = &info;
+    a->set_opaque_heterogeneous(true);
+    assign(a, {sub("3")}, sub("opaque 1x1: 2"));
+    EXPECT_EQ(text(a), "opaque 1x3: 1 6 2");
+    EXPECT_EQ(called, "Growing.getDefaultObject");
+    ox_register_object_layer(previous);
+}
+
+TEST_F(Assign, ClassesThatIndexThemselvesGetTheSubscripts) {
+    struct Own : xxInfo {
+        kwSize assigned = 0, erased = 0;
+        void assign(oxArray *, kwSize n, const oxArray *const *, const oxArray *) override {
+            assigned = n;
+        }
+        void erase(oxArray *, kwSize n, const oxArray *const *) override { erased = n; }
+        void complete_dimensions(oxArray *) override {}
+    } own;
+    const WithLayer layer;
+    const Contexts contexts;
+    oxArray *a = sub("lazy 2x3: 4");
+    xxInfo *info = a->opaque.info;
+    oxGetM(a);
+    a->opaque.info = &own;
+    assign(a, subs({"9", "9"}), sub("1x2: 1 2")); // neither shape nor extent is looked at
+    erase(a, subs({"9"}));
+    EXPECT_EQ(own.assigned * 10 + own.erased, 21u);
+    a->opaque.info = info;
+}
+
+TEST_F(Assign, Resizing) {
+    const struct {
+        const char *a;
+        std::vector<kwSize> dims;
+        const char *result;
+    } rows[] = {
+        {"2x2: 1 2; 3 4", {3, 3}, "double 3x3: 1 2 0; 3 4 0; 0 0 0"},
+        {"2x2: 1 2; 3 4", {1, 3}, "double 1x3: 1 2 0"},
+        {"2x3: 1 2 3; 4 5 6", {2, 1}, "double 2x1: 1; 4"},
+        {"2x2x2: 1 2; 3 4 | 5 6; 7 8", {2, 3}, "double 2x3: 1 2 0; 3 4 0"},
+        {"2x2: 1 2; 3 4", {2, 1, 2}, "double 2x1x2: 1; 3 | 0; 0"},
+        {"1x2: 1+1i 2", {1, 1}, "double 1x1: 1+1i"},
+        {"2x2: 1 2; 3 4", {0, 5}, "double 0x5"},
+        {"0x5", {2, 1}, "double 2x1: 0; 0"},
+        {"cell 2x2: {1} {2} {3} {4}", {3, 1}, "cell 3x1: {double 1x1: 1} {double 1x1: 2} {}"},
+        {"struct 1x2 a,b: {1} {2} {3} {4}",
+         {2, 1},
+         "struct 2x1 a,b: {double 1x1: 1} {double 1x1: 2} {} {}"},
+        {"sparse double 2x2: (0,0)=1 (1,1)=2", {1, 3}, nullptr},
+    };
+    for (const auto &row : rows) {
+        oxArray *a = sub(row.a), *sharer = oxCreateSharedDataCopy(a);
+        const std::string before = text(a);
+        oxResizeArray(a, row.dims.size(), row.dims.data());
+        EXPECT_EQ(text(a),
+                  row.result ? row.result : text(sub("sparse double 1x3 nzmax 2: (0,0)=1")));
+        EXPECT_EQ(text(sharer), before);
+        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), oxIsDouble(a) && oxGetNumberOfElements(a) == 1);
+    }
+    oxArray *a = sub("1x1: 4");
+    oxResize(a, 1, 2);
+    EXPECT_FALSE(oxIsScalarDoubleFlagSet(a));
+    EXPECT_RAISES_ENTRY(FPMAXSIZE, oxResize(a, kwSize{1} << 46, 4));
+    double outside[4] = {1, 2, 3, 4};
+    oxArray *priv = oxCreateDoubleMatrix(0, 0, oxREAL);
+    oxSetDataPrivateFlag(priv, true);
+    oxSetPr(priv, outside);
+    const kwSize dims[2] = {1, 4};
+    oxSetDimensions(priv, dims, 2);
+    assign(priv, subs({"5"}), sub("1x1: 5"));
+    EXPECT_EQ(text(priv), "double 1x5: 1 2 3 4 5");
+    EXPECT_FALSE(oxIsDataPrivate(priv)); // the block is the array's own now
+}
+
+TEST_F(Assign, SurvivesFailingAllocations) {
+    const WithLayer layer;
+    const struct {
+        const char *name;
+        std::vector<std::string> inputs;
+    } rows[] = {
+        {"append", {"double 1x1: 1", "double 1x1: 5", "double 1x1: 2"}},
+        {"grow", {"double 2x2: 1 2; 3 4", "double 1x1: 5", "double 1x1: 3", "double 1x1: 3"}},
+        {"three dimensions",
+         {"double 1x1: 1", "double 1x1: 5", "double 1x1: 1", "double 1x1: 1", "double 1x1: 2"}},
+        {"cell", {"cell 1x2: {1} {2}", "cell 1x1: {3}", "double 1x2: 4 1"}},
+        {"struct", {"struct 1x2 a,b: {1} {2} {3} {4}", "struct 1x1 b,a: {3} {4}", "double 1x1: 2"}},
+        {"opaque", {"opaque 1x3: 4 5 6", "opaque 1x1: 7", "double 1x2: 1 3"}},
+        {"handle", {"function_handle 1x1: 7", "function_handle 1x1: 8", "double 1x1: 1"}},
+    };
+    for (const auto &row : rows)
+        sweep({.name = row.name,
+               .inputs = row.inputs,
+               .act =
+                   [](auto &in) {
+                       assign(in[0], Subs(in.begin() + 2, in.end()), in[1]);
+                       return true;
+                   },
+               .bare = false,
+               .may_survive = true,
+               .changes_inputs = true});
+}
+
+} // namespace
