@@ -44,5 +44,13 @@ show 0 "forgetful: gives back nothing of what it makes; leaving its contexts rec
     forgetful --stats "$data"
 show 1 "raising: raises halfway through its work; the raise frees its blocks, the context its arrays" \
     raising --stats "$data"
+show 0 "word_count: text in, a struct array out; 'to' and 'be' come first, twice each" \
+    word_count "'To be, or not to be, that is the question'"
+show 0 "group_by: a table in, a cell with one table for each of the three species out" \
+    group_by "$data" 5
+show 0 "normalize_image: bytes in and out; the brightest pixel saturates at 255, with one warning" \
+    normalize_image 'uint8([10 20 30;40 50 60;70 80 250])'
+show 0 "pagerank: 67 nodes of a sparse graph ranked in 41 rounds" \
+    pagerank --nlhs 2 examples/data/west0067.mtx
 
 say "demo: done"

@@ -3,71 +3,61 @@
 
 #include "csv.h"
 #include "failure.h"
+#include "matrix_literal.h"
+#include "matrix_market.h"
 #include "numbers.h"
+#include "text.h"
 
 #include <string_view>
-#include <vector>
 
 namespace vel {
+
+const char *const argument_help = "ARG is one of\n"
+                                  "  3.5  -2  inf        a number\n"
+                                  "  '[1 2;3 4]'         a matrix; rows end at ';'\n"
+                                  "  \"'abc'\"             text, in single quotes of its own\n"
+                                  "  'uint8([1 2 3])'    any ARG converted to a class\n"
+                                  "  FILE.csv            a table of numbers\n"
+                                  "  FILE.mtx            a Matrix Market file\n";
+
 namespace {
 
-// Rows end at ';', elements at blanks or one comma.
-class MatrixParser {
-public:
-    explicit MatrixParser(std::string_view word)
-        : word_(word), rest_(word.substr(1, word.size() - 2)) {}
+bool is_between(const std::string &word, char first, char last) {
+    return word.size() >= 2 && word.front() == first && word.back() == last;
+}
 
-    oxArray *parse() {
-        for (bool more = true; more;) {
-            const size_t end = rest_.find(';');
-            more = end != std::string_view::npos;
-            const std::string_view row = rest_.substr(0, end);
-            if (more) rest_.remove_prefix(end + 1);
-            add_row(row);
-        }
-        oxArray *a = oxCreateDoubleMatrix(m_, n_, oxREAL);
-        for (size_t i = 0; i < m_; ++i)
-            for (size_t j = 0; j < n_; ++j) oxGetPr(a)[j * m_ + i] = values_[i * n_ + j];
-        return a;
+// In quotes a quotation mark stands doubled.
+std::string unquoted(const std::string &word) {
+    std::string text;
+    for (size_t i = 1; i + 1 < word.size(); ++i) {
+        text += word[i];
+        if (word[i] != '\'') continue;
+        if (i + 2 >= word.size() || word[i + 1] != '\'')
+            throw Failure(Exit::usage, "argument " + word + ": a quotation mark inside of text " +
+                                           "must be doubled");
+        ++i;
     }
+    return text;
+}
 
-private:
-    void add_row(std::string_view row) {
-        size_t count = 0;
-        for (size_t at = 0; at < row.size(); ++count) {
-            at = row.find_first_not_of(" \t", at);
-            if (at == std::string_view::npos) break;
-            const size_t end = std::min(row.find_first_of(" \t,", at), row.size());
-            double x;
-            const std::string_view element = row.substr(at, end - at);
-            if (!parse_number(element, x)) fail("'" + std::string(element) + "' is not a number");
-            values_.push_back(x);
-            at = std::min(row.find_first_not_of(" \t", end), row.size());
-            if (at < row.size() && row[at] == ',') ++at;
-        }
-        if (count == 0) return; // a blank row adds nothing
-        if (m_ == 0) n_ = count;
-        if (count != n_)
-            fail("row " + std::to_string(m_ + 1) + " has " + std::to_string(count) +
-                 " elements, the first has " + std::to_string(n_));
-        ++m_;
-    }
-    [[noreturn]] void fail(const std::string &what) const {
-        throw Failure(Exit::usage, "argument " + std::string(word_) + ": " + what);
-    }
-
-    std::string_view word_, rest_;
-    std::vector<double> values_;
-    size_t m_ = 0, n_ = 0;
-};
+// uint8(ARG): null when the word has not that form.
+oxArray *parse_conversion(const std::string &word, const ReadOptions &options) {
+    const size_t open = word.find('(');
+    if (open == std::string::npos || word.back() != ')') return nullptr;
+    const oxClassID to = oxClassIDFromClassName(word.substr(0, open).c_str());
+    if (to < oxLOGICAL_CLASS || to > oxUINT64_CLASS) return nullptr;
+    return oxMustBe(parse_argument(word.substr(open + 1, word.size() - open - 2), options), to);
+}
 
 } // namespace
 
-oxArray *parse_argument(const std::string &word) {
+oxArray *parse_argument(const std::string &word, const ReadOptions &options) {
     double x;
     if (parse_number(word, x)) return oxCreateDoubleScalar(x);
-    if (word.size() >= 2 && word.front() == '[' && word.back() == ']')
-        return MatrixParser(word).parse();
+    if (is_between(word, '[', ']')) return parse_matrix(word);
+    if (is_between(word, '\'', '\'')) return make_text(unquoted(word));
+    if (oxArray *a = parse_conversion(word, options)) return a;
+    if (word.ends_with(".mtx")) return read_matrix_market(word, options.force);
     return read_csv(word);
 }
 

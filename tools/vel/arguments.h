@@ -6,8 +6,14 @@
 
 namespace vel {
 
-// A number, a matrix in brackets such as [1 2;3 4], or the name of a CSV file: a temporary of the
-// current context. Throws Failure with a sentence for anything else.
-oxArray *parse_argument(const std::string &word);
+struct ReadOptions {
+    bool force = false; // read sparse files however many columns they declare
+};
+
+// A temporary of the current context for one of the forms that argument_help lists. Throws Failure
+// with a sentence for anything else.
+oxArray *parse_argument(const std::string &word, const ReadOptions &options = {});
+
+extern const char *const argument_help;
 
 } // namespace vel

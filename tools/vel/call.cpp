@@ -1,55 +1,82 @@
 // vel call: runs an extension module.
-#include "call.h"
-
 #include "arguments.h"
+#include "command.h"
 #include "failure.h"
 #include "host.h"
+#include "numbers.h"
 #include "print.h"
 
 #include <iostream>
+#include <memory>
 
 namespace vel {
 namespace {
+
+struct CallOptions {
+    std::string module;
+    int nlhs = 1;
+    bool stats = false, force = false;
+};
+
+// What begins like an option and is no number was meant as one.
+std::vector<std::string> checked(std::vector<std::string> words) {
+    double ignored;
+    for (const std::string &w : words)
+        if (w.size() > 1 && w[0] == '-' && !parse_number(w, ignored))
+            throw Failure(Exit::usage, "unknown option " + w);
+    return words;
+}
 
 void print_stats(const Reclaimed &r, bool raised) {
     if (raised) std::cout << "freed by the raise: " << r.blocks_by_raise << " blocks\n";
     std::cout << "reclaimed: " << r.arrays << " arrays, " << r.blocks << " blocks\n";
 }
 
-void print_outputs(const CallOptions &options, const CallResult &result) {
-    for (size_t k = 0; k < result.outputs.size(); ++k) {
-        const oxArray *a = result.outputs[k];
-        if (a)
-            print_array(std::cout, ("output " + std::to_string(k + 1)).c_str(), a);
-        else if (static_cast<int>(k) < options.nlhs)
+void check_outputs(const CallOptions &options, const CallResult &result) {
+    for (size_t k = 0; k < result.outputs.size(); ++k)
+        if (!result.outputs[k] && static_cast<int>(k) < options.nlhs)
             throw Failure(Exit::data, options.module + ": assigned no output " +
                                           std::to_string(k + 1) + " of " +
                                           std::to_string(options.nlhs));
+}
+
+void print_outputs(const CallResult &result) {
+    for (size_t k = 0; k < result.outputs.size(); ++k)
+        if (result.outputs[k])
+            print_array(std::cout, "output " + std::to_string(k + 1), result.outputs[k]);
+}
+
+int run(const CallOptions &options, const std::vector<std::string> &words) {
+    Host host;
+    const Context context;
+    const Module module(options.module);
+    std::vector<oxArray *> inputs;
+    for (const std::string &word : words)
+        inputs.push_back(parse_argument(word, {.force = options.force}));
+    const CallResult result = call_module(module, options.nlhs, inputs);
+    if (result.raised) {
+        std::cerr << "error: " << result.identifier << (result.identifier.empty() ? "" : ": ")
+                  << result.message << '\n';
+    } else {
+        check_outputs(options, result);
+        print_outputs(result);
     }
+    if (options.stats) print_stats(result.reclaimed, result.raised);
+    return static_cast<int>(result.raised ? Exit::data : Exit::good);
 }
 
 } // namespace
 
-int run_call(const CallOptions &options) {
-    Host host;
-    const int context = oxEnterNewArrayListContext();
-    int status = static_cast<int>(Exit::good);
-    {
-        const Module module(options.module);
-        std::vector<oxArray *> inputs;
-        for (const std::string &word : options.arguments) inputs.push_back(parse_argument(word));
-        const CallResult result = call_module(module, options.nlhs, inputs);
-        if (result.raised) {
-            std::cerr << "error: " << result.identifier << (result.identifier.empty() ? "" : ": ")
-                      << result.message << '\n';
-            status = static_cast<int>(Exit::data);
-        } else {
-            print_outputs(options, result);
-        }
-        if (options.stats) print_stats(result.reclaimed, result.raised);
-    }
-    oxExitArrayListContext(context, nullptr, 0, true);
-    return status;
+std::function<int()> declare_call(CLI::App &word) {
+    auto options = std::make_shared<CallOptions>();
+    word.add_option("module", options->module, "the module, a .vex file")->required();
+    word.add_option("--nlhs", options->nlhs, "outputs to ask for")->check(CLI::Range(0, 50));
+    word.add_flag("--stats", options->stats, "say what leaving the contexts reclaimed");
+    word.add_flag("--force", options->force, "read sparse files of 2^26 columns and more");
+    // Arguments are taken as they stand: the parser would split what is in brackets.
+    word.allow_extras();
+    word.footer(argument_help);
+    return [options, &word] { return run(*options, checked(word.remaining())); };
 }
 
 } // namespace vel

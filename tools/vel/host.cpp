@@ -2,6 +2,7 @@
 #include "host.h"
 
 #include <algorithm>
+#include <iostream>
 #include <ut.hpp>
 
 namespace vel {
@@ -22,15 +23,19 @@ void count_blocks(const char *, char *prefix, kwSize size) {
     if (size > 0) prefix[0] = '\0';
 }
 
+void show_warning(const char *text) { std::cerr << text << '\n'; }
+
 } // namespace
 
 Host::Host() {
     oxInitAllocListManager();
     oxInitArrayListManager();
     oxSetErrmsgPrefixFcn(count_blocks);
+    oxSetWarningMessageHandler(show_warning);
 }
 
 Host::~Host() {
+    oxSetWarningMessageHandler(nullptr);
     oxSetErrmsgPrefixFcn(nullptr);
     oxErrorCleanup();
     oxShutdownArrayList();

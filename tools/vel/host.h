@@ -18,6 +18,18 @@ public:
     ~Host();
 };
 
+// An array-list context for the lifetime of the object; leaving it destroys what it holds.
+class Context {
+public:
+    Context() : index_(oxEnterNewArrayListContext()) {}
+    Context(const Context &) = delete;
+    Context &operator=(const Context &) = delete;
+    ~Context() { oxExitArrayListContext(index_, nullptr, 0, true); }
+
+private:
+    int index_;
+};
+
 // What a call left behind, and what became of it.
 struct Reclaimed {
     size_t arrays = 0;          // destroyed when the array context was left

@@ -1,65 +1,92 @@
-// Arrays as aligned tables, cut in the middle where they are long or wide.
+// Arrays as one line, and cells and structs as trees of such lines.
 #include "print.h"
 
+#include "elements.h"
 #include "numbers.h"
+#include "paths.h"
+#include "text.h"
 
-#include <algorithm>
-#include <iomanip>
 #include <ostream>
-#include <string>
-#include <vector>
+#include <type_traits>
 
 namespace vel {
 namespace {
 
-constexpr size_t most_rows = 20, most_width = 100, most_pages = 6;
+constexpr size_t most_elements = 12, most_fields = 16, most_depth = 40, most_text = 60;
 
-template<class T> std::string element(const oxArray *a, size_t k) {
-    return std::to_string(static_cast<const T *>(oxGetData(a))[k]);
+template<class T> std::string format_value(T x) {
+    if constexpr (std::is_floating_point_v<T>)
+        return format_number(static_cast<double>(x));
+    else
+        return std::to_string(+x);
 }
 
-std::string number(const oxArray *a, size_t k, bool imaginary) {
-    const void *block = imaginary ? oxGetImagData(a) : oxGetData(a);
-    if (oxIsSingle(a)) return format_number(static_cast<const float *>(block)[k]);
-    return format_number(static_cast<const double *>(block)[k]);
+// What fits behind the label: text in quotes, a number. "" for everything else.
+std::string short_value(const oxArray *a) {
+    if (oxIsSparse(a)) return "";
+    if (oxIsChar(a) && oxIsVector2D(a) && oxGetM(a) == 1) {
+        const std::string text = text_of(a);
+        if (text.size() <= most_text) return "'" + text + "'";
+    }
+    if (oxGetNumberOfElements(a) == 1 && has_elements(a)) return format_element(a, 0);
+    return "";
 }
 
-std::string format_float(const oxArray *a, size_t k) {
-    if (!oxIsComplex(a)) return number(a, k, false);
-    const std::string im = number(a, k, true);
-    return number(a, k, false) + (im[0] == '-' ? "" : "+") + im + "i";
+bool is_container(const oxArray *a) { return oxIsCell(a) || oxIsStruct(a); }
+
+// One line above a tree stands for what was left out.
+void print_gap(std::ostream &out, const std::string &indent) { out << indent << "├─ ...\n"; }
+
+class Tree {
+public:
+    Tree(std::ostream &out, const std::string &indent, const oxArray *a)
+        : out_(out), indent_(indent), a_(a) {}
+
+    void print() {
+        const size_t n = oxGetNumberOfElements(a_);
+        const size_t fields = oxIsCell(a_) ? 1 : static_cast<size_t>(oxGetNumberOfFields(a_));
+        const std::vector<size_t> elements = cut(n, most_elements),
+                                  names = cut(fields, most_fields);
+        for (size_t i : elements) {
+            if (i == n) {
+                print_gap(out_, indent_);
+                continue;
+            }
+            for (size_t k : names) branch(i, k, k == fields, i + 1 == n && k + 1 == fields);
+        }
+    }
+
+private:
+    void branch(size_t i, size_t field, bool gap, bool last) {
+        if (gap) return print_gap(out_, indent_);
+        const oxArray *value =
+            oxIsCell(a_) ? oxGetCell(a_, i) : oxGetFieldByNumber(a_, i, static_cast<int>(field));
+        print_array(out_, step_label(a_, i, field), value,
+                    {indent_ + (last ? "└─ " : "├─ "), indent_ + (last ? "   " : "│  ")});
+    }
+
+    std::ostream &out_;
+    const std::string &indent_;
+    const oxArray *a_;
+};
+
+size_t depth_of(const std::string &indent) {
+    size_t columns = 0; // each level takes three; the bytes that continue a character take none
+    for (const char c : indent) columns += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    return columns / 3;
 }
+
+} // namespace
 
 std::string format_element(const oxArray *a, size_t k) {
-    switch (oxGetClassID(a)) {
-    case oxDOUBLE_CLASS:
-    case oxSINGLE_CLASS:
-        return format_float(a, k);
-    case oxLOGICAL_CLASS:
-        return oxGetLogicals(a)[k] ? "1" : "0";
-    case oxINT8_CLASS:
-        return element<int8_t>(a, k);
-    case oxUINT8_CLASS:
-        return element<uint8_t>(a, k);
-    case oxINT16_CLASS:
-        return element<int16_t>(a, k);
-    case oxUINT16_CLASS:
-    case oxCHAR_CLASS:
-        return element<uint16_t>(a, k);
-    case oxINT32_CLASS:
-        return element<int32_t>(a, k);
-    case oxUINT32_CLASS:
-        return element<uint32_t>(a, k);
-    case oxINT64_CLASS:
-        return element<int64_t>(a, k);
-    case oxUINT64_CLASS:
-        return element<uint64_t>(a, k);
-    default:
-        return "?";
-    }
+    return visit_elements(a, [&](auto e) {
+        const std::string re = format_value(e.re[k]);
+        if (!e.im) return re;
+        const std::string im = format_value(e.im[k]);
+        return re + (im[0] == '-' ? "" : "+") + im + "i";
+    });
 }
 
-// Indices 0 to n-1, or the first and last of them with one gap marked by n.
 std::vector<size_t> cut(size_t n, size_t most) {
     std::vector<size_t> shown;
     for (size_t i = 0; i < n; ++i) {
@@ -72,67 +99,46 @@ std::vector<size_t> cut(size_t n, size_t most) {
     return shown;
 }
 
-struct Column {
-    std::vector<std::string> cells;
-    size_t width = 0;
-};
-
-Column make_column(const oxArray *a, size_t offset, size_t m, size_t j,
-                   const std::vector<size_t> &rows) {
-    Column c;
-    for (size_t i : rows) {
-        c.cells.push_back(i == m ? "..." : format_element(a, offset + j * m + i));
-        c.width = std::max(c.width, c.cells.back().size());
-    }
-    return c;
-}
-
-// Columns from both ends inwards for as long as the table is narrow enough.
-void print_page(std::ostream &out, const oxArray *a, size_t offset, size_t m, size_t n) {
-    const std::vector<size_t> rows = cut(m, most_rows);
-    std::vector<Column> left, right;
-    size_t width = 6, taken = 0;
-    for (; taken < n; ++taken) {
-        const bool at_left = taken % 2 == 0;
-        const size_t j = at_left ? taken / 2 : n - 1 - taken / 2;
-        Column c = make_column(a, offset, m, j, rows);
-        width += c.width + 2;
-        if (width > most_width && taken >= 2) break;
-        (at_left ? left : right).push_back(std::move(c));
-    }
-    if (taken < n) left.push_back({std::vector<std::string>(rows.size(), "..."), 3});
-    left.insert(left.end(), right.rbegin(), right.rend());
-    for (size_t i = 0; i < rows.size(); ++i) {
-        for (const Column &c : left)
-            out << "  " << std::setw(static_cast<int>(c.width)) << c.cells[i];
-        out << '\n';
-    }
-}
-
-} // namespace
-
 std::string describe(const oxArray *a) {
     std::string s = oxIsSparse(a) ? "sparse " : "";
     if (oxIsComplex(a)) s += "complex ";
     s += oxGetClassName(a);
     for (size_t k = 0; k < oxGetNumberOfDimensions(a); ++k)
         s += (k ? "x" : " ") + std::to_string(oxGetDimensions(a)[k]);
+    if (oxIsSparse(a)) s += ", " + std::to_string(oxGetNumNonZeroEl(a)) + " stored";
+    if (!oxIsStruct(a)) return s;
+    const int fields = oxGetNumberOfFields(a);
+    if (fields == 0) s += " without fields";
+    for (int k = 0; k < fields; ++k)
+        s += (k            ? ", "
+              : fields > 1 ? " with fields "
+                           : " with field ") +
+             std::string(oxGetFieldNameByNumber(a, k));
     return s;
 }
 
-void print_array(std::ostream &out, const char *name, const oxArray *a) {
-    out << name << ": " << describe(a) << '\n';
-    if (oxIsEmpty(a) || oxIsSparse(a)) return;
-    const size_t m = oxGetDimensions(a)[0], n = oxGetDimensions(a)[1];
-    const size_t pages = oxGetNumberOfElements(a) / (m * n);
-    for (size_t p : cut(pages, most_pages)) {
-        if (p == pages) {
-            out << "  ...\n";
-            continue;
-        }
-        if (pages > 1) out << " page " << p + 1 << '\n';
-        print_page(out, a, p * m * n, m, n);
+void print_array(std::ostream &out, const std::string &label, const oxArray *a,
+                 const Indent &indent) {
+    out << indent.first << label << ": ";
+    if (!a) {
+        out << "empty\n";
+        return;
     }
+    const std::string value = short_value(a);
+    const bool nested = !indent.first.empty();
+    if (!value.empty() && (nested || oxIsChar(a))) {
+        out << value << '\n';
+        return;
+    }
+    out << describe(a) << '\n';
+    if (oxIsSparse(a)) return print_sparse(out, a, indent.rest);
+    if (oxIsEmpty(a)) return;
+    if (has_elements(a)) return print_table(out, a, indent.rest);
+    if (!is_container(a)) return;
+    if (depth_of(indent.rest) >= most_depth)
+        out << indent.rest << "└─ ...\n";
+    else
+        Tree(out, indent.rest, a).print();
 }
 
 } // namespace vel

@@ -1,0 +1,57 @@
+// vel call on the example modules: arguments in, printed outputs out.
+#include "run.h"
+
+namespace vel::test {
+namespace {
+
+class Call : public RunTest {};
+
+struct Case {
+    const char *line;
+    int status;
+    const char *out;
+};
+
+TEST_F(Call, PrintsOutputs) {
+    const Case cases[] = {
+        {"vel call $MODULES/word_count.vex \"'Add \xC3\xA9t\xC3\xA9 to add'\"", 0,
+         "output 1: struct 3x1 with fields word, count\n"
+         "├─ (1).word: 'add'\n├─ (1).count: 2\n├─ (2).word: '\xC3\xA9t\xC3\xA9'\n├─ (2).count: 1\n"
+         "├─ (3).word: 'to'\n└─ (3).count: 1\n"},
+        {"vel call $MODULES/word_count.vex \"''\"", 0,
+         "output 1: struct 0x1 with fields word, count\n"},
+        {"vel call $MODULES/group_by.vex --nlhs 2 '[1 7;2 8;3 7]' 2", 0,
+         "output 1: cell 2x1\n├─ {1}: double 2x2\n│    1  7\n│    3  7\n"
+         "└─ {2}: double 1x2\n     2  8\noutput 2: double 2x1\n  7\n  8\n"},
+        {"vel call $MODULES/normalize_image.vex 'uint8([10 20 30;40 50 60;70 80 250])' 2>&1", 0,
+         "Warning: Out of range value converted to intmin('uint8') or intmax('uint8').\n"
+         "output 1: uint8 3x3\n   73   83   92\n  101  111  120\n  130  139  255\n"},
+        {"vel call $MODULES/normalize_image.vex '[1 2]' 2>&1", 1,
+         "error: VELTRO:normalize_image:input: y = normalize_image(x) takes one real uint8 "
+         "image.\n"},
+        {"vel call $MODULES/zscore.vex 'a.csv' 2>&1", 3,
+         "vel: a.csv: cannot be read: No such file or directory\n"},
+        {"vel call $MODULES/zscore.vex '[1 2;3]' 2>&1", 2,
+         "vel: argument [1 2;3]: row 2 has 1 elements, the first has 2\n"},
+        {"vel call $MODULES/zscore.vex \"'it's'\" 2>&1", 2,
+         "vel: argument 'it's': a quotation mark inside of text must be doubled\n"},
+        {"vel call $MODULES/zscore.vex --fast 2>&1", 2, "vel: unknown option --fast\n"},
+    };
+    for (const Case &c : cases) {
+        const Outcome o = run(c.line);
+        EXPECT_EQ(o.status, c.status) << c.line;
+        EXPECT_EQ(o.out, c.out) << c.line;
+    }
+}
+
+// Ranks of a graph small enough to solve by hand: 1 -> 2 -> 3 -> 1 gives a third each.
+TEST_F(Call, ReadsAMatrixMarketGraph) {
+    write("ring.mtx", "%%MatrixMarket matrix coordinate pattern general\n3 3 3\n2 1\n3 2\n1 3\n");
+    EXPECT_EQ(run("vel call $MODULES/pagerank.vex ring.mtx").out,
+              "output 1: double 3x1\n  0.333333\n  0.333333\n  0.333333\n");
+    EXPECT_EQ(run("vel call $MODULES/pagerank.vex $DATA/west0067.mtx --nlhs 2 | tail -2").out,
+              "output 2: double 1x1\n  41\n");
+}
+
+} // namespace
+} // namespace vel::test

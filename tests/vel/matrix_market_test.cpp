@@ -1,0 +1,132 @@
+// Matrix Market files: every meaningful kind, and the sentences for bad ones.
+#include "braille.h"
+#include "failure.h"
+#include "matrix_market.h"
+
+#include <support/array_text.h>
+#include <support/host.h>
+
+namespace vel {
+namespace {
+
+class MatrixMarket : public ox::test::HostTest {};
+
+// The 22 kinds on 2-by-2 matrices; the lower triangle alone is in the files with symmetry.
+TEST_F(MatrixMarket, ReadsEveryKind) {
+    struct Case {
+        const char *kind, *body, *array;
+    };
+    const Case cases[] = {
+        {"coordinate real general", "2 2 3\n2 1 3.5\n1 2 1\n2 1 0.5\n",
+         "sparse double 2x2: (1,0)=4 (0,1)=1"},
+        {"coordinate real symmetric", "2 2 2\n2 1 3\n2 2 1\n",
+         "sparse double 2x2: (1,0)=3 (0,1)=3 (1,1)=1"},
+        {"coordinate real skew-symmetric", "2 2 1\n2 1 3\n", "sparse double 2x2: (1,0)=3 (0,1)=-3"},
+        {"coordinate integer general", "2 2 2\n1 1 7\n2 1 0\n", "sparse double 2x2: (0,0)=7"},
+        {"coordinate integer symmetric", "2 2 1\n2 1 7\n", "sparse double 2x2: (1,0)=7 (0,1)=7"},
+        {"coordinate integer skew-symmetric", "2 2 1\n2 1 7\n",
+         "sparse double 2x2: (1,0)=7 (0,1)=-7"},
+        {"coordinate complex general", "2 2 1\n1 2 1 2\n", "sparse double 2x2: (0,1)=1+2i"},
+        {"coordinate complex symmetric", "2 2 1\n2 1 1 2\n",
+         "sparse double 2x2: (1,0)=1+2i (0,1)=1+2i"},
+        {"coordinate complex skew-symmetric", "2 2 1\n2 1 1 2\n",
+         "sparse double 2x2: (1,0)=1+2i (0,1)=-1-2i"},
+        {"coordinate complex hermitian", "2 2 1\n2 1 1 2\n",
+         "sparse double 2x2: (1,0)=1+2i (0,1)=1-2i"},
+        {"coordinate pattern general", "2 2 2\n1 2\n1 2\n", "sparse logical 2x2: (0,1)=1"},
+        {"coordinate pattern symmetric", "2 2 1\n2 1\n", "sparse logical 2x2: (1,0)=1 (0,1)=1"},
+        {"array real general", "2 2\n1\n2\n3\n4\n", "double 2x2: 1 3; 2 4"},
+        {"array real symmetric", "2 2\n1\n2\n3\n", "double 2x2: 1 2; 2 3"},
+        {"array real skew-symmetric", "2 2\n2\n", "double 2x2: 0 -2; 2 0"},
+        {"array integer general", "1 2\n1\n2\n", "double 1x2: 1 2"},
+        {"array integer symmetric", "1 1\n5\n", "double 1x1: 5"},
+        {"array integer skew-symmetric", "2 2\n2\n", "double 2x2: 0 -2; 2 0"},
+        {"array complex general", "1 2\n1 2\n3 4\n", "double 1x2: 1+2i 3+4i"},
+        {"array complex symmetric", "2 2\n1 1\n2 2\n3 3\n", "double 2x2: 1+1i 2+2i; 2+2i 3+3i"},
+        {"array complex skew-symmetric", "2 2\n2 1\n", "double 2x2: 0+0i -2-1i; 2+1i 0+0i"},
+        {"array complex hermitian", "2 2\n1 0\n2 2\n3 0\n", "double 2x2: 1+0i 2-2i; 2+2i 3+0i"},
+        // Any case, comments, blank lines, other line ends, a last line without one.
+        {"COORDINATE Real GENERAL", "% c\n\n%c\r\n  2 2 1 \r\n\n2\t1 -1e0",
+         "sparse double 2x2: (1,0)=-1"},
+    };
+    for (const Case &c : cases) {
+        const std::string file = std::string("%%MatrixMarket matrix ") + c.kind + "\n" + c.body;
+        const oxArray *a = parse_matrix_market(file, "f", false);
+        EXPECT_EQ(ox::test::text(a), ox::test::text(ox::test::arr(c.array))) << file;
+    }
+}
+
+TEST_F(MatrixMarket, SaysWhatIsWrongAndWhere) {
+    struct Case {
+        const char *file, *sentence;
+    };
+    const Case cases[] = {
+        {"", "f:1: a Matrix Market file begins with %%MatrixMarket"},
+        {"%%MatrixMarket vector coordinate real general\n",
+         "f:1: the object 'vector' is not matrix"},
+        {"%%MatrixMarket matrix coordinate real\n", "f:1: the symmetry is missing"},
+        {"%%MatrixMarket matrix array pattern general\n1 1\n",
+         "f:1: an array of a pattern holds no values"},
+        {"%%MatrixMarket matrix coordinate pattern skew-symmetric\n",
+         "f:1: a pattern has no signs and cannot be skew-symmetric"},
+        {"%%MatrixMarket matrix array real hermitian\n",
+         "f:1: only complex matrices can be hermitian"},
+        {"%%MatrixMarket matrix array real general\n% only\n",
+         "f:2: the file ends before the sizes"},
+        {"%%MatrixMarket matrix coordinate real general\n2 x 1\n",
+         "f:2: the number of columns must be a whole number, found 'x'"},
+        {"%%MatrixMarket matrix coordinate real general\n2 2 999999999999\n1 1 1\n",
+         "f:2: the sizes declare 999999999999 entries, the file has room for 1 at most"},
+        {"%%MatrixMarket matrix array real general\n4294967296 4294967296\n1\n",
+         "f:2: the sizes declare 18446744073709551615 entries, the file has room for 1 at most"},
+        {"%%MatrixMarket matrix coordinate real general\n1 99999999 0\n",
+         "f:2: 99999999 columns take 800000000 bytes for their starts alone; --force reads the "
+         "file "
+         "nevertheless"},
+        {"%%MatrixMarket matrix coordinate real symmetric\n2 3 0\n",
+         "f:2: a matrix with symmetry must be square, not 2-by-3"},
+        {"%%MatrixMarket matrix coordinate real general\n2 2 1\n3 1 1\n",
+         "f:3: row 3 lies outside of 1 to 2"},
+        {"%%MatrixMarket matrix coordinate real general\n2 2 1\n1 1 1 1\n",
+         "f:3: text follows the entry: '1'"},
+        {"%%MatrixMarket matrix coordinate real general\n2 2 2\n1 1 1.25\n",
+         "f:3: the file ends after 1 of 2 entries"},
+        {"%%MatrixMarket matrix coordinate real general\n2 2 1\n1 1 1\n2 2 1\n",
+         "f:4: text follows the last of 1 entries"},
+        {"%%MatrixMarket matrix coordinate real symmetric\n2 2 1\n1 2 1\n",
+         "f:3: entry (1,2) lies above the diagonal of a matrix with symmetry"},
+        {"%%MatrixMarket matrix coordinate complex hermitian\n2 2 1\n1 1 1 1\n",
+         "f:3: entry (1,1) of a hermitian matrix must be real"},
+        {"%%MatrixMarket matrix coordinate real skew-symmetric\n2 2 1\n1 1 1\n",
+         "f:3: entry (1,1) of a skew-symmetric matrix must be 0"},
+    };
+    for (const Case &c : cases) {
+        try {
+            parse_matrix_market(c.file, "f", false);
+            ADD_FAILURE() << c.file;
+        } catch (const Failure &e) {
+            EXPECT_STREQ(e.what(), c.sentence);
+            EXPECT_EQ(e.status(), Exit::data);
+        }
+    }
+}
+
+// A tridiagonal matrix of 2000 columns is binned into 80 and stays a diagonal line; a full column
+// in the same picture must not make it vanish.
+TEST_F(MatrixMarket, PicturesDoNotTurnSolid) {
+    std::string file = "%%MatrixMarket matrix coordinate pattern general\n2000 2000 3998\n";
+    for (int i = 1; i <= 2000; ++i) {
+        file += std::to_string(i) + " " + std::to_string(i) + "\n";
+        if (i > 2) file += std::to_string(i) + " 1\n";
+    }
+    const Counts counts = count_pattern(parse_matrix_market(file, "f", false), 96, 80);
+    EXPECT_EQ(counts.m, 80u);
+    EXPECT_EQ(counts.of[0], 25u + 23u);
+    const std::vector<std::string> lines = braille(counts);
+    ASSERT_EQ(lines.size(), 20u);
+    EXPECT_NE(lines[19].substr(39 * 3), "\xE2\xA0\x80"); // the diagonal is there
+    EXPECT_EQ(lines[0].substr(39 * 3), "\xE2\xA0\x80");  // the corner is empty
+}
+
+} // namespace
+} // namespace vel

@@ -1,0 +1,58 @@
+// Runs of the vel tool as a user starts it.
+#pragma once
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace vel::test {
+
+struct Outcome {
+    int status;
+    std::string out; // stdout, then stderr where the command line joins it (2>&1)
+};
+
+// A folder of its own for each test; commands run inside of it.
+class RunTest : public testing::Test {
+protected:
+    void SetUp() override {
+        folder_ = std::filesystem::temp_directory_path() / ("vel_test_" + std::to_string(getpid()));
+        std::filesystem::create_directories(folder_);
+    }
+    void TearDown() override { std::filesystem::remove_all(folder_); }
+
+    // A shell command line in which vel, MODULES and DATA stand for the tool, the folder of the
+    // example modules, and that of the example data.
+    Outcome run(const std::string &line) const {
+        const std::string shell = "cd '" + folder_.string() +
+                                  "' && vel() { '" VEL_TOOL "' \"$@\"; }; "
+                                  "MODULES='" VEL_MODULES "' DATA='" OX_SOURCE_DIR
+                                  "/examples/data'; " +
+                                  line;
+        FILE *pipe = popen(shell.c_str(), "r");
+        std::string out;
+        std::array<char, 4096> piece;
+        for (size_t n; (n = fread(piece.data(), 1, piece.size(), pipe)) > 0;)
+            out.append(piece.data(), n);
+        const int status = pclose(pipe);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
+    }
+    void write(const std::string &name, const std::string &bytes) const {
+        std::ofstream(folder_ / name, std::ios::binary) << bytes;
+    }
+    std::string bytes_of(const std::string &name) const {
+        std::ifstream in(folder_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    size_t files() const {
+        return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
+    }
+
+    std::filesystem::path folder_;
+};
+
+} // namespace vel::test

@@ -1,0 +1,81 @@
+// Pictures of grids in the terminal, eight dots to a character.
+#include "braille.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vel {
+namespace {
+
+constexpr size_t picture_rows = 24 * 4, picture_columns = 40 * 2; // dots
+
+// Dots of one character, four rows by two columns: their bits, and the shade each needs to be lit.
+constexpr unsigned bit_of[4][2] = {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}};
+constexpr double threshold[4][2] = {
+    {0, 4. / 8}, {6. / 8, 2. / 8}, {1. / 8, 5. / 8}, {7. / 8, 3. / 8}};
+
+class Shades {
+public:
+    explicit Shades(const Counts &counts) : counts_(counts) {
+        if (!counts.of.empty()) most_ = *std::max_element(counts.of.begin(), counts.of.end());
+    }
+
+    // The bits of the character whose first dot is at (i, j).
+    unsigned character(size_t i, size_t j) const {
+        unsigned bits = 0, fullest_bit = 0;
+        size_t fullest = 0;
+        for (size_t r = 0; r < 4 && i + r < counts_.m; ++r)
+            for (size_t c = 0; c < 2 && j + c < counts_.n; ++c) {
+                const size_t count = counts_.of[(i + r) * counts_.n + j + c];
+                if (shade(count) > threshold[r][c]) bits |= bit_of[r][c];
+                if (count > fullest) fullest = count, fullest_bit = bit_of[r][c];
+            }
+        return bits | fullest_bit;
+    }
+
+private:
+    double shade(size_t count) const {
+        return count == 0 ? 0
+                          : std::log1p(static_cast<double>(count)) /
+                                std::log1p(static_cast<double>(most_));
+    }
+
+    const Counts &counts_;
+    size_t most_ = 1;
+};
+
+std::string utf8_braille(unsigned bits) {
+    return {static_cast<char>(0xE2), static_cast<char>(0xA0 | bits >> 6),
+            static_cast<char>(0x80 | (bits & 0x3F))};
+}
+
+} // namespace
+
+Counts count_pattern(const oxArray *a, size_t most_rows, size_t most_columns) {
+    const size_t m = oxGetM(a), n = oxGetN(a);
+    const kwIndex *ir = oxGetIr(a), *jc = oxGetJc(a);
+    const auto bins = [](size_t size, size_t bin) { return size / bin + (size % bin != 0); };
+    const size_t bin = std::max({size_t{1}, bins(m, most_rows), bins(n, most_columns)});
+    Counts counts{bins(m, bin), bins(n, bin), {}};
+    counts.of.resize(counts.m * counts.n);
+    for (size_t j = 0; j < n; ++j)
+        for (size_t k = jc[j]; k < jc[j + 1]; ++k) ++counts.of[ir[k] / bin * counts.n + j / bin];
+    return counts;
+}
+
+std::vector<std::string> braille(const Counts &counts) {
+    const Shades shades(counts);
+    std::vector<std::string> lines;
+    for (size_t i = 0; i < counts.m; i += 4) {
+        lines.emplace_back();
+        for (size_t j = 0; j < counts.n; j += 2)
+            lines.back() += utf8_braille(shades.character(i, j));
+    }
+    return lines;
+}
+
+std::vector<std::string> picture_of_pattern(const oxArray *a) {
+    return braille(count_pattern(a, picture_rows, picture_columns));
+}
+
+} // namespace vel

@@ -1,0 +1,26 @@
+// Pictures of grids in the terminal, eight dots to a character.
+#pragma once
+#include <ox.h>
+
+#include <string>
+#include <vector>
+
+namespace vel {
+
+// Counts of something in the bins of an m-by-n grid, stored by rows.
+struct Counts {
+    size_t m = 0, n = 0;
+    std::vector<size_t> of;
+};
+
+// Stored entries of a sparse array, binned alike in both directions into most_rows by most_columns
+// bins at most. Nothing is expanded.
+Counts count_pattern(const oxArray *a, size_t most_rows, size_t most_columns);
+
+// A line of text for every four rows. The share of lit dots follows the logarithm of the count, so
+// that large patterns do not turn solid; where anything is, at least one dot is lit.
+std::vector<std::string> braille(const Counts &counts);
+
+std::vector<std::string> picture_of_pattern(const oxArray *a);
+
+} // namespace vel

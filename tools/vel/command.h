@@ -1,0 +1,26 @@
+// The words of the tool: one table that the parser, the help, the manual page and the completion
+// all come from.
+#pragma once
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <functional>
+#include <vector>
+
+namespace vel {
+
+struct Command {
+    const char *name;
+    const char *summary;                  // one line, no period
+    std::array<const char *, 3> examples; // whole command lines
+    // Adds the word's options to its parser. What comes back does the word's work after parsing and
+    // answers the exit status.
+    std::function<int()> (*declare)(CLI::App &word);
+};
+
+const std::vector<Command> &commands();
+
+// One per word, each defined in the file of that name.
+std::function<int()> declare_call(CLI::App &word);
+
+} // namespace vel

@@ -1,0 +1,18 @@
+// UTF-8 text and char arrays, whatever the locale.
+#pragma once
+#include <ox.h>
+
+#include <string>
+#include <string_view>
+
+namespace vel {
+
+// A char row, a temporary of the current context; what is no UTF-8 becomes U+FFFD.
+oxArray *make_text(std::string_view utf8);
+
+// Units of a char array as UTF-8, NULs included: all of them column by column, or count of them
+// from first on, step apart (a row of a matrix).
+std::string text_of(const oxArray *a);
+std::string text_of(const oxArray *a, size_t first, size_t count, size_t step);
+
+} // namespace vel
