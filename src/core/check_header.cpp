@@ -62,7 +62,8 @@ int check_class_and_flags(const oxArray *a) {
 int check_dimensions(const oxArray *a) {
     kwSize count;
     if (a->ndims < 2 || (a->ndims > 2 && !a->dim_vector)) return rule_ndims;
-    if (!a->is_indexing_opaque() && !count_elements(a, &count)) return rule_element_count;
+    const bool counted = !a->is_indexing_opaque() && !is_sparse(a); // sparse: as far as jc goes
+    if (counted && !count_elements(a, &count)) return rule_element_count;
     if (!a->has_flag(oxFLAG_SCALAR_DOUBLE)) return rule_none;
     return a->class_code == oxDOUBLE_CLASS && all_ones(a) ? rule_none : rule_scalar_double;
 }

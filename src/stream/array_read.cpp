@@ -130,7 +130,7 @@ int32_t ArrayReader::read_head(ArrayHead *head, char *name) {
     }
     if (const int32_t status = read_name(in_, s_->name)) return status;
     if (name) std::strcpy(name, s_->name);
-    return c.known ? oiSUCCESS : oiREFUSED;
+    return oiSUCCESS;
 }
 
 // A header of the class with its dimensions and flags. An object is a struct until it gets its
@@ -155,6 +155,10 @@ int32_t ArrayReader::read_element(kwSize end, char *name, oxArray **out) {
     *out = nullptr;
     ArrayHead head;
     if (const int32_t status = read_head(&head, name)) return status;
+    if (!head.file_class.known) {
+        *out = load_opaque("", nullptr);
+        return *out ? oiSUCCESS : oiREFUSED;
+    }
     if (head.file_class.id == oxOPAQUE_CLASS) return open_opaque(end);
     ArrayGuard a(make_array(head));
     if (!a) return oiREFUSED;
@@ -308,7 +312,7 @@ int32_t ArrayReader::read_tree(char *name, oxArray **out) {
 int32_t ArrayReader::read_header(char *name, oxArray **out) {
     ArrayHead head;
     if (const int32_t status = read_head(&head, name)) return status;
-    if (head.file_class.id == oxOPAQUE_CLASS) return oiREFUSED;
+    if (head.file_class.id == oxOPAQUE_CLASS || !head.file_class.known) return oiREFUSED;
     oxArray *a = make_array(head);
     if (!a) return oiREFUSED;
     if (head.file_class.id == oxOBJECT_CLASS) set_class(a, oxOBJECT_CLASS);

@@ -5,6 +5,8 @@
 namespace ox {
 namespace {
 
+constexpr uint64_t nowhere = ~uint64_t{0}; // no position, so that the next move seeks
+
 enum : uint32_t { reading_packed = 1, writing_packed = 2 };
 
 FILE *file_of(const oiStreamRec_tag *s) { return static_cast<FILE *>(s->handle); }
@@ -15,11 +17,6 @@ bool write_outer_tag(oiStreamRec_tag *s, uint64_t count) {
     const TagForm form = tag_form(s);
     build_tag(form, bytes, oiCOMPRESSED, count);
     return carrier_write(s, bytes, form.tag_size());
-}
-
-uint64_t tell(const oiStreamRec_tag *s) {
-    const int64_t at = s->ftell_fcn(file_of(s));
-    return at < 0 ? s->position : static_cast<uint64_t>(at);
 }
 
 // Writes the element through the compressor; *length gets the compressed bytes. A status.
@@ -41,13 +38,14 @@ int32_t put_packed(oiStreamRec_tag *s, const oiItem_tag *item, kwSize offset) {
     Outgoing o;
     if (const int32_t status = prepare_item(s, item, &o)) return status;
     if (!carrier_move(s, offset)) return oiSHORT_WRITE;
-    const uint64_t start = tell(s);
-    int32_t length;
+    const int64_t told = s->ftell_fcn(file_of(s));
+    const uint64_t start = told < 0 ? s->position : static_cast<uint64_t>(told);
+    int32_t length = 0;
     const int32_t status = pack_item(s, o, &length);
-    const uint64_t end = tell(s);
-    s->position = end;
+    s->position = nowhere; // the compressor moved the file
     if (!carrier_move(s, start)) return status != oiSUCCESS ? status : oiSHORT_WRITE;
     if (status != oiSUCCESS) return status;
+    const uint64_t end = start + tag_form(s).tag_size() + static_cast<uint64_t>(length);
     const bool written = write_outer_tag(s, static_cast<uint64_t>(length));
     return carrier_move(s, end) && written ? oiSUCCESS : oiSHORT_WRITE;
 }

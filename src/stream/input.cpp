@@ -46,7 +46,7 @@ bool Input::fetch(kwSize n) {
     cursor_ = staging;
     end_ = staging + rest + got;
     unfetched_ -= got;
-    return available() >= n;
+    return got == wanted && available() >= n;
 }
 
 bool Input::read(unsigned char *dst, kwSize n) {

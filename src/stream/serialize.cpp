@@ -72,8 +72,8 @@ kwSize end_of_first(oiStreamRec_tag *s) {
 // The array of the element at an offset, or null.
 oxArray *array_at(oiStreamRec_tag *s, kwSize offset, char *name) {
     oiItem_tag item = {0, 0, nullptr, static_cast<uint64_t>(reinterpret_cast<uintptr_t>(name))};
-    const bool got = oiGetItem(s, &item, offset) == oiSUCCESS && item.type == oiMATRIX;
-    return got ? static_cast<oxArray *>(item.data) : nullptr;
+    const bool got = get_item_at(s, &item, offset, Want::array) == oiSUCCESS;
+    return got ? static_cast<oxArray *>(item.data) : nullptr; // null when it was empty
 }
 
 } // namespace

@@ -95,7 +95,7 @@ TestStream::TestStream(StreamForm form, const Bytes &contents) : form_(form) {
         return;
     }
     file_ = std::tmpfile();
-    fwrite(contents.data(), 1, contents.size(), file_);
+    if (!contents.empty()) fwrite(contents.data(), 1, contents.size(), file_);
     rewind(file_);
     const auto room = [](oiStreamRec_tag *, kwSize n, kwSize *offset, kwSize *capacity) -> int32_t {
         *capacity = *offset + n;

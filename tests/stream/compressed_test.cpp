@@ -1,0 +1,226 @@
+// The compressor by itself, and compressed elements in streams.
+#include <support/array_text.h>
+#include <support/host.h>
+#include <support/stream_bytes.h>
+
+#include <zlib.h>
+
+#include <cstring>
+
+namespace ox::test {
+namespace {
+
+class Compressed : public HostTest {
+protected:
+    void SetUp() override {
+        HostTest::SetUp();
+        file_ = std::tmpfile();
+        g_ = oiNewGzipString();
+    }
+    void TearDown() override {
+        oiDeallocateGzipString(g_);
+        fclose(file_);
+        HostTest::TearDown();
+    }
+    FILE *file_;
+    gzipString_tag *g_;
+};
+
+Bytes counting(std::size_t n) {
+    Bytes b(n);
+    for (std::size_t k = 0; k < n; ++k) b[k] = static_cast<unsigned char>(k * k >> 3);
+    return b;
+}
+
+TEST_F(Compressed, WritesRoomForTheTagAndOneZlibStream) {
+    for (const std::size_t n : {std::size_t{10}, std::size_t{8192}, std::size_t{8193},
+                                std::size_t{20000}, std::size_t{300000}}) {
+        rewind(file_);
+        const Bytes data = counting(n);
+        const auto count = static_cast<int32_t>(n);
+        ASSERT_EQ(gzipStringWriteInit(g_, file_), -1);
+        EXPECT_EQ(oiGetCompressedVELVariableOffset(g_), 8u);
+        EXPECT_EQ(gzipStringWriteAddBytes(g_, data.data(), count), count);
+        EXPECT_EQ(ftell(file_) > 0, n > 8192) << "nothing before the first block is full";
+        const int32_t length = gzipStringWriteClose(g_);
+        ASSERT_EQ(ftell(file_), length + 8);
+        fflush(file_);
+        rewind(file_);
+        Bytes packed(static_cast<std::size_t>(length) + 8), inflated(n);
+        ASSERT_EQ(fread(packed.data(), 1, packed.size(), file_), packed.size());
+        EXPECT_EQ(Bytes(packed.begin(), packed.begin() + 8), Bytes(8));
+        uLongf m = n;
+        EXPECT_EQ(uncompress(inflated.data(), &m, packed.data() + 8, packed.size() - 8), Z_OK);
+        EXPECT_EQ(inflated, data);
+
+        fseek(file_, 8, SEEK_SET);
+        ASSERT_EQ(gzipStringReadInit(g_, file_, length), -1);
+        EXPECT_EQ(oiGetCompressedVELVariableBytes(g_), static_cast<uint64_t>(length));
+        EXPECT_EQ(gzipStringReadSkipBytes(g_, 5), 5);
+        EXPECT_EQ(gzipStringReadSoFar(g_), 5u);
+        std::fill(inflated.begin(), inflated.end(), 0);
+        EXPECT_EQ(gzipStringReadBytes(g_, inflated.data(), n), count - 5) << "all that is left";
+        EXPECT_EQ(0, std::memcmp(inflated.data(), data.data() + 5, n - 5));
+        EXPECT_EQ(ftell(file_), length + 8) << "and nothing behind it";
+        EXPECT_EQ(gzipStringReadClose(g_), -1);
+    }
+}
+
+TEST_F(Compressed, FullBlocksAreFlushedWhereTheyEnd) {
+    // 8192 staged and flushed, 8192 and 3616 straight from the caller, and flushed too: the same
+    // bytes in two calls are other flush points and another stream.
+    const auto length = [&](std::initializer_list<int32_t> pieces) {
+        rewind(file_);
+        gzipStringWriteInit(g_, file_);
+        const Bytes data = counting(20000);
+        int32_t at = 0;
+        for (const int32_t n : pieces) {
+            EXPECT_EQ(gzipStringWriteAddBytes(g_, data.data() + at, n), n);
+            at += n;
+        }
+        return gzipStringWriteClose(g_);
+    };
+    z_stream z{};
+    deflateInit(&z, Z_DEFAULT_COMPRESSION);
+    Bytes data = counting(20000), out(40000);
+    z.next_out = out.data();
+    z.avail_out = static_cast<uInt>(out.size());
+    for (std::size_t at = 0; at < 20000; at += 8192) {
+        z.next_in = data.data() + at;
+        z.avail_in = static_cast<uInt>(std::min<std::size_t>(8192, 20000 - at));
+        deflate(&z, Z_FULL_FLUSH);
+    }
+    deflate(&z, Z_FINISH);
+    EXPECT_EQ(length({20000}), static_cast<int32_t>(z.total_out));
+    deflateEnd(&z);
+    EXPECT_LT(length({8192, 8192, 3616}), length({20000})) << "the last block stays staged";
+}
+
+TEST_F(Compressed, WrongStatesAnswerZero) {
+    unsigned char b[4];
+    gzipString_tag *objects[] = {nullptr, g_, g_, g_};
+    for (int state = 0; state < 4; ++state) { // null, new, writing, reading
+        gzipString_tag *g = objects[state];
+        if (state == 2) gzipStringWriteInit(g, file_);
+        if (state == 3) gzipStringReadInit(g, file_, 10);
+        EXPECT_EQ(oiIsVELVariableCompressionEnabled(g), state >= 2);
+        if (state != 2) {
+            EXPECT_EQ(gzipStringWriteAddBytes(g, b, 4), 0);
+            EXPECT_EQ(gzipStringWriteClose(g), 0);
+        }
+        if (state != 3) {
+            EXPECT_EQ(gzipStringReadBytes(g, b, 4), 0);
+            EXPECT_EQ(gzipStringReadSkipBytes(g, 4), 0);
+            EXPECT_EQ(gzipStringReadSoFar(g), 0u);
+            EXPECT_EQ(gzipStringReadClose(g), 0);
+            EXPECT_EQ(oiGetCompressedVELVariableBytes(g), 0u);
+        }
+        EXPECT_EQ(oiGetCompressedVELVariableOffset(g), state == 2 ? 8u : 0u);
+    }
+    EXPECT_EQ(gzipStringWriteInit(nullptr, file_), 0);
+    EXPECT_EQ(gzipStringWriteInit(g_, nullptr), 0);
+    EXPECT_EQ(gzipStringReadInit(nullptr, file_, 1), 0);
+    EXPECT_EQ(gzipStringReadInit(g_, nullptr, 1), 0);
+    EXPECT_EQ(gzipStringReadInit(g_, file_, -1), 0);
+    // A close that was not asked for by name, and what comes after it.
+    ASSERT_EQ(gzipStringWriteInit(g_, file_), -1);
+    EXPECT_GT(gzipStringWriteAddBytes(g_, b, 0), 0);
+    EXPECT_FALSE(oiIsVELVariableCompressionEnabled(g_));
+    EXPECT_EQ(gzipStringWriteAddBytes(g_, b, 4), 0);
+    gzipStringWriteInit(g_, file_); // left open: deallocation ends it
+}
+
+// A compressed element of any bytes, the way a stranger may write one.
+Bytes packed_element(const Bytes &inner, uint32_t claimed = 0) {
+    Bytes out(compressBound(inner.size()) + 8);
+    uLongf n = out.size() - 8;
+    compress2(out.data() + 8, &n, inner.data(), inner.size(), 9);
+    out.resize(n + 8);
+    const uint32_t tag[2] = {oiCOMPRESSED, claimed ? claimed : static_cast<uint32_t>(n)};
+    std::memcpy(out.data(), tag, 8);
+    return out;
+}
+
+TEST_F(Compressed, ElementsWithinElements) {
+    const Bytes plain = hex("02000000 09000000 010203040506070809 z07");
+    Bytes bomb = hex("02000000 00000040"); // claims 1 GiB
+    Bytes broken = packed_element(plain), flagged = packed_element(plain);
+    broken[8] ^= 0x55;
+    flagged[1] = 1; // the low byte alone says that it is compressed
+    const struct {
+        const char *what;
+        Bytes bytes;
+        int32_t status;
+    } cases[] = {
+        {"plain inside", packed_element(plain), oiSUCCESS},
+        {"other bits in the type", flagged, oiSUCCESS},
+        {"nothing inside", packed_element(hex("02000000 00000000")), oiSUCCESS},
+        {"small inside", packed_element(hex("02000100 07000000")), oiSUCCESS},
+        {"more behind", packed_element(hex("02000100 07000000 02000100 07000000")), oiSUCCESS},
+        {"compressed inside", packed_element(packed_element(plain)), oiREFUSED},
+        {"no padding inside", packed_element(Bytes(plain.begin(), plain.end() - 7)), oiSHORT_READ},
+        {"data end early", packed_element(Bytes(plain.begin(), plain.end() - 8)), oiSHORT_READ},
+        {"half a tag inside", packed_element(Bytes(4)), oiSHORT_READ},
+        {"more than can be inflated", packed_element(bomb), oiSHORT_READ},
+        {"broken zlib stream", broken, oiSHORT_READ},
+        {"length 0", hex("0f000000 00000000"), oiSHORT_READ},
+        {"length above 2 GiB", packed_element(plain, 0x80000000), oiBAD_ELEMENT},
+    };
+    for (const Carrier carrier : {Carrier::file, Carrier::sequential, Carrier::buffer}) {
+        for (const auto &c : cases) {
+            SCOPED_TRACE(c.what);
+            Bytes bytes = c.bytes;
+            const Bytes last = hex("03000200 63000000"), prefix = hex("0001494f00000000");
+            bytes.insert(bytes.end(), last.begin(), last.end());
+            if (carrier == Carrier::buffer)
+                bytes.insert(bytes.begin(), prefix.begin(), prefix.end());
+            TestStream s({carrier}, bytes);
+            unsigned char room[9];
+            oiItem_tag item{0, 0, room, 0};
+            const int32_t expected = carrier == Carrier::buffer ? oiREFUSED : c.status;
+            EXPECT_EQ(oiGetCurrentItem(s.get(), &item), expected);
+            EXPECT_FALSE(oiIsVELVariableCompressionEnabled(oiGetGzipString(s.get())));
+            if (carrier == Carrier::buffer || c.status == oiBAD_ELEMENT) continue;
+            // Whatever came of it, the stream stands behind the element.
+            EXPECT_EQ(s->offset, c.bytes.size());
+            item = {};
+            EXPECT_EQ(oiGetCurrentItem(s.get(), &item), oiSUCCESS);
+            EXPECT_EQ(item.type, oiINT16);
+        }
+    }
+}
+
+TEST_F(Compressed, OnlyArraysAndOnlyWhereTheStreamSeeks) {
+    const oxArray *a = arr("double 1x1: 1.5");
+    const struct {
+        Carrier carrier;
+        uint16_t options;
+        const char *begins;
+    } cases[] = {
+        {Carrier::file, oiCOMPRESS, "0f000000"},
+        {Carrier::file, oiCOMPRESS | oiOPTION16, "0e000000"},
+        {Carrier::sequential, oiCOMPRESS, "0e000000"},
+        {Carrier::buffer, oiCOMPRESS, "0001494f"},
+    };
+    for (const auto &c : cases) {
+        TestStream s({c.carrier, false, c.options});
+        ASSERT_EQ(s.put(a), oiSUCCESS);
+        Bytes start = s.contents();
+        EXPECT_EQ(s->offset, start.size());
+        start.resize(4);
+        EXPECT_EQ(start, hex(c.begins));
+    }
+    TestStream s({Carrier::file, false, oiCOMPRESS});
+    oiItem_tag item{oiUINT8, 1, const_cast<char *>("x"), 0};
+    EXPECT_EQ(oiPutItemAtCurrentOffsetWrapper(s.get(), &item), oiSUCCESS);
+    EXPECT_EQ(s.contents(), hex("02000100 78000000"));
+    item = {oiMATRIX, 0, const_cast<oxArray *>(a), 0};
+    EXPECT_EQ(oiPutItemAtOffsetWrapper(s.get(), &item, 32), oiSUCCESS);
+    item = {};
+    EXPECT_EQ(oiGetItem(s.get(), &item, 32), oiSUCCESS);
+    EXPECT_EQ(item.type, oiMATRIX);
+    EXPECT_EQ(item.count, 56u) << "of the element inside";
+}
+
+} // namespace
+} // namespace ox::test

@@ -1,0 +1,136 @@
+// Memory that runs out and carriers that break, at every single call.
+#include <stream/items.h>
+#include <support/array_text.h>
+#include <support/expect.h>
+#include <support/faults.h>
+#include <support/host.h>
+#include <support/stream_bytes.h>
+
+#include <ut.hpp>
+
+#include <cstring>
+
+namespace ox::test {
+namespace {
+
+class Faults : public HostTest {};
+
+const char *const arrays[] = {
+    "double 2x2: 1 2; 3 4+1i",
+    "char 1x4: 'a\\u00e9b\\u4e00'",
+    "sparse double 3x3 nzmax 4: (1,0)=1.5 (2,2)=-2+1i",
+    "int8 2x1x2x1x1x1x1x1: 1; 2 | 3; 4",
+    "struct 1x2 a,bb: {uint8 1x1: 7} {char 1x2: 'ab'} {cell 2x1: {double 1x1: 1} {}} {}",
+};
+
+TEST_F(Faults, DeserializingSurvivesEveryFailedAllocation) {
+    for (const char *a : arrays) {
+        for (const int options : {0, int{oiWIDE}}) {
+            Sweep s{"deserialize", {}, nullptr, nullptr};
+            s.setup = [=] {
+                oxArray *source = arr(a);
+                const Arrays in{oxSerializeEx(source, static_cast<uint16_t>(options))};
+                oxDestroyArray(source);
+                return in;
+            };
+            s.make = [](const Arrays &in) {
+                return oxDeserialize(oxGetData(in[0]), oxGetNumberOfElements(in[0]));
+            };
+            s.silent = s.may_survive = true;
+            sweep(s);
+        }
+    }
+}
+
+TEST_F(Faults, SerializingRaisesOrAnswersNull) {
+    for (const char *a : arrays) {
+        const Contexts contexts;
+        const oxArray *source = arr(a);
+        const std::string whole = text(source);
+        for (std::size_t n = 1;; ++n) {
+            const Live before = live();
+            std::size_t count;
+            bool failed = false;
+            {
+                const Contexts inner;
+                FailingAllocation fault(n);
+                try {
+                    failed = !oxSerialize(source);
+                } catch (const ut::simple_exception &e) {
+                    failed = true;
+                    EXPECT_TRUE(!std::strcmp(e.identifier(), "VELTRO:Serialize") ||
+                                !std::strcmp(e.identifier(), "VELTRO:nomem"));
+                }
+                count = FailingAllocation::count();
+            }
+            oxErrorCleanup();
+            EXPECT_EQ(live(), before) << a << ", allocation " << n;
+            if (count < n) break;
+            EXPECT_TRUE(failed);
+        }
+        EXPECT_EQ(text(source), whole);
+    }
+}
+
+// Writes an array, a plain element and an array, compressed if asked, then reads them back; the
+// statuses as they come. Every status but success ends the run.
+int32_t run(FILE *f, bool sequential, uint16_t options, const oxArray *a) {
+    oiStreamRec_tag *s = BrokenCarrier::stream(f, sequential, options);
+    if (!s) return oiREFUSED;
+    const auto steps = [&]() -> int32_t {
+        unsigned char bytes[600] = {1, 2, 3};
+        const oiItem_tag array{oiMATRIX, 0, const_cast<oxArray *>(a), 0};
+        const oiItem_tag plain{oiUINT8, sizeof bytes, bytes, 0};
+        if (const int32_t status = oiPutItemAtCurrentOffsetWrapper(s, &array)) return status;
+        if (const int32_t status = oiPutItem(s, &plain, nullptr)) return status;
+        if (const int32_t status = oiPutItemAtCurrentOffsetWrapper(s, &array)) return status;
+        EXPECT_EQ(bytes[2], 3);
+        if (sequential) { // a new stream over what is there
+            rewind(f);
+            s->last_operation = 0;
+        }
+        oiItem_tag item{};
+        int32_t status = oiGetItem(s, &item, sequential ? oiCURRENT_OFFSET : 0);
+        if (status != oiSUCCESS) return status;
+        EXPECT_EQ(oxAreMatricesEqual(static_cast<oxArray *>(item.data), a), 1);
+        item.data = bytes;
+        if ((status = oiGetCurrentItem(s, &item)) != oiSUCCESS) return status;
+        item = {};
+        if ((status = oiGetMatrixHeaderAtCurrentOffset(s, &item, 0)) != oiSUCCESS) return status;
+        return oiSUCCESS;
+    };
+    const int32_t status = steps();
+    EXPECT_FALSE(oiIsVELVariableCompressionEnabled(oiGetGzipString(s)));
+    EXPECT_EQ(s->packed, 0u);
+    oiDisposeFileStream(s);
+    return status;
+}
+
+TEST_F(Faults, EveryBrokenCarrierCallIsReported) {
+    const oxArray *small = arr(arrays[4]), *large = oxCreateDoubleMatrix(150, 200, oxREAL);
+    for (const oxArray *a : {small, large}) {
+        for (const bool sequential : {false, true}) {
+            for (const int options : {0, int{oiWIDE}, int{oiCOMPRESS}}) {
+                for (std::size_t n = 1;; ++n) {
+                    const Live before = live();
+                    const Contexts contexts;
+                    FILE *f = std::tmpfile();
+                    const BrokenCarrier broken(n);
+                    const int32_t status = run(f, sequential, static_cast<uint16_t>(options), a);
+                    fclose(f);
+                    if (BrokenCarrier::calls() < n) {
+                        EXPECT_EQ(status, oiSUCCESS);
+                        break;
+                    }
+                    // Only a file's answer about its position or length can be done without.
+                    EXPECT_TRUE(status != oiSUCCESS || n == 1 || !sequential) << n;
+                    ASSERT_LT(n, 300u);
+                    static_cast<void>(before);
+                }
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace ox::test
