@@ -86,11 +86,11 @@ void delete_all(oxArray *a, kwSize nsubs, kwSize k) {
     resize_sparse(a, dims, 2);
 }
 
-void delete_columns(oxArray *a, Subscript &s) {
+spStatus delete_columns(oxArray *a, const Subscript &s) {
     auto list = RawArray<kwIndex>::make(s.count + 1);
     if (!list) raise_out_of_memory();
     s.copy_positions(list.get());
-    sparse_delete_columns(a, {nullptr, list.get(), s.count});
+    return sparse_delete_columns(a, {nullptr, list.get(), s.count});
 }
 
 } // namespace
@@ -130,9 +130,10 @@ void delete_sparse(oxArray *a, kwSize nsubs, kwSize k, const oxArray *sub) {
     s.read_or_raise(sub, extent);
     if (!s.inside(extent)) oxErrMsg(FSUBSDELDIMMISMATCH);
     if (s.is_none()) return oxClearScalarDoubleFlag(a);
-    if (nsubs == 1) return sparse_delete_linear(a, s);
-    if (k == 0) return sparse_delete_rows(a, s);
-    k == 1 ? delete_columns(a, s) : delete_all(a, nsubs, 1);
+    if (nsubs > 1 && k > 1) return delete_all(a, nsubs, 1);
+    oxHandleSparseSubscriptError(nsubs == 1 ? sparse_delete_linear(a, s)
+                                 : k == 0   ? sparse_delete_rows(a, s)
+                                            : delete_columns(a, s));
 }
 
 void resize_sparse(oxArray *a, const kwSize *dims, kwSize ndims) {

@@ -61,9 +61,9 @@ private:
     ColumnIndices indices_{nullptr, nullptr, 0};
 };
 
-// A right-hand side that is a temporary goes with a successful assignment.
+// A right-hand side that is a temporary goes with a successful assignment or deletion.
 spStatus consume(const oxArray *a, oxArray *b, spStatus status) {
-    if (status == spOK && b != a && oxIsTemp(b)) oxDestroyArray(b);
+    if (status == spOK && b && b != a && oxIsTemp(b)) oxDestroyArray(b);
     return status;
 }
 
@@ -76,23 +76,18 @@ kwSize colon_extent(const oxArray *a, const oxArray *b) {
 } // namespace
 
 spStatus sparse_assign_columns(oxArray *a, oxArray *b, const ColumnIndices &columns) {
-    make_sparse_target(a, b);
     AssignSource source(a, b);
     kwSize m = rows(a);
     const bool takes_rows = m == 0 && cols(a) == 0;
     if (source.folds() || (takes_rows && !rows_from_source(source, columns.count, &m)) ||
-        !source.fits(m, columns.count)) {
-        finish_target(a);
+        !source.fits(m, columns.count))
         return spDimMismatch;
-    }
+    make_sparse_target(a, b);
     if (takes_rows) store_mn(a, m, 0);
-    spStatus status = spOK;
-    if (columns.count > 0 && !source.empty()) {
-        const ColumnSource from = source.as_columns(m, columns.count);
-        status = reserve_target(a, from, columns.count);
-        if (status == spOK) status = assign_columns(a, columns, from);
-    }
-    finish_target(a);
+    const ColumnSource from = source.as_columns(m, columns.count);
+    spStatus status = reserve_target(a, from, columns.count);
+    if (status == spOK) status = assign_columns(a, columns, from);
+    finish_target(a, status);
     return status;
 }
 
@@ -106,11 +101,17 @@ spStatus spAss4(oxArray *a, oxArray *b, const oxArray *cols_sub) {
     ColumnSubscript columns;
     const spStatus status = columns.read(cols_sub, colon_extent(a, b));
     if (status != spOK) return status;
-    if (is_deletion(b)) return sparse_delete_columns(a, columns.indices());
-    return consume(a, b, sparse_assign_columns(a, b, columns.indices()));
+    return consume(a, b,
+                   is_deletion(b) ? sparse_delete_columns(a, columns.indices())
+                                  : sparse_assign_columns(a, b, columns.indices()));
 }
 
 spStatus spAss3(oxArray *a, oxArray *b, const oxArray *rows_sub, const oxArray *cols_sub) {
+    if (is_deletion(b)) {
+        if (is_colon_character(rows_sub)) return spAss4(a, b, cols_sub);
+        if (is_colon_character(cols_sub)) return spAss5(a, b, rows_sub);
+        oxErrMsg(FBADNULLASSIGN);
+    }
     Subscript row, column;
     spStatus status = status_of(row.read(rows_sub, rows(a)));
     if (status == spOK) status = status_of(column.read(cols_sub, colon_extent(a, b)));
@@ -121,12 +122,9 @@ spStatus spAss5(oxArray *a, oxArray *b, const oxArray *rows_sub) {
     Subscript row, column;
     const spStatus status = status_of(row.read(rows_sub, rows(a)));
     if (status != spOK) return status;
-    if (is_deletion(b)) {
-        sparse_delete_rows(a, row);
-        return spOK;
-    }
     column.set_all(colon_extent(a, b));
-    return consume(a, b, sparse_assign_block(a, b, row, column));
+    return consume(
+        a, b, is_deletion(b) ? sparse_delete_rows(a, row) : sparse_assign_block(a, b, row, column));
 }
 
 spStatus spAss6(oxArray *a, oxArray *b, const oxArray *index_sub) {
@@ -134,11 +132,8 @@ spStatus spAss6(oxArray *a, oxArray *b, const oxArray *index_sub) {
     const kwSize count = saturating_multiply(rows(a), cols(a));
     const spStatus status = status_of(index.read(index_sub, count));
     if (status != spOK) return status;
-    if (is_deletion(b)) {
-        sparse_delete_linear(a, index);
-        return spOK;
-    }
-    return consume(a, b, sparse_assign_linear(a, b, index));
+    return consume(
+        a, b, is_deletion(b) ? sparse_delete_linear(a, index) : sparse_assign_linear(a, b, index));
 }
 
 } // extern "C"

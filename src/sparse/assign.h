@@ -1,8 +1,9 @@
 // Assignment into sparse arrays and deletion from them, for the exported kernels and for indexing.
 //
-// The target is made sparse and given storage of its own; the source is converted to its class. All
-// answer a status for subscripts and shapes that do not fit, before anything changes unless they
-// say otherwise, and raise for lack of memory and for conversions that do not exist.
+// The source is converted to the target's class; once the shapes are found to fit, the target is
+// made sparse and given storage of its own. All answer a status for subscripts and shapes that do
+// not fit, before anything changes unless they say otherwise, and raise for lack of memory and for
+// conversions that do not exist.
 #pragma once
 #include <index/operands/subscript.h>
 #include <ox/sparse.h>
@@ -21,8 +22,8 @@ spStatus sparse_assign_linear(oxArray *a, oxArray *b, Subscript &index);
 // A(:, J) = [], A(I, :) = []. Positions beyond a are skipped. Columns before the first bad index
 // stay deleted.
 spStatus sparse_delete_columns(oxArray *a, const ColumnIndices &columns);
-void sparse_delete_rows(oxArray *a, Subscript &rows);
-// A(I) = []; what is left of a matrix becomes a row.
-void sparse_delete_linear(oxArray *a, Subscript &index);
+spStatus sparse_delete_rows(oxArray *a, Subscript &rows);
+// A(I) = []; what is left of a matrix becomes a row. 10 above the limit of elements.
+spStatus sparse_delete_linear(oxArray *a, Subscript &index);
 
 } // namespace ox

@@ -146,27 +146,16 @@ void merge_block(const oxArray *a, kwSize m, const kwIndex *row_of, kwSize nrows
 spStatus assign_merged(oxArray *a, const ColumnIndices &columns, const oxArray *merged) {
     ColumnSource source;
     source.columns = merged;
-    const spStatus status = reserve_target(a, source, columns.count);
-    return status == spOK ? assign_columns(a, columns, source) : status;
+    spStatus status = reserve_target(a, source, columns.count);
+    if (status == spOK) status = assign_columns(a, columns, source);
+    finish_target(a, status);
+    return status;
 }
 
 RawArray<kwIndex> positions_of(const Subscript &s) {
     auto list = make_or_raise<kwIndex>(s.count);
     s.copy_positions(list.get());
     return list;
-}
-
-spStatus assign_block(oxArray *a, AssignSource &b, const Subscript &row, const Subscript &column) {
-    if (b.folds() || !b.fits(row.count, column.count)) return spDimMismatch;
-    if (row.count == 0 || column.count == 0) return spOK;
-    if (row.max > rows(a)) store_mn(a, row.max, cols(a));
-    const auto row_list = positions_of(row);
-    const auto column_list = column.is_all() ? RawArray<kwIndex>() : positions_of(column);
-    const ColumnIndices columns{nullptr, column_list.get(), column.count};
-    ArrayGuard merged;
-    merge_block(a, rows(a), row_list.get(), row.count, columns,
-                b.as_columns(row.count, column.count), merged);
-    return assign_merged(a, columns, merged.get());
 }
 
 // The shape in which position `largest` exists.
@@ -213,8 +202,6 @@ struct LinearPlan {
 
 spStatus assign_linear(oxArray *a, AssignSource &b, const Subscript &index) {
     const oxArray *values = b.array();
-    if (!b.scalar() && values->get_number_of_elements() != index.count) return spDimMismatch;
-    if (index.count == 0) return spOK;
     grow_for(a, index.max);
     const kwSize m = rows(a);
     const LinearPlan plan(index, m);
@@ -243,27 +230,34 @@ spStatus assign_linear(oxArray *a, AssignSource &b, const Subscript &index) {
     return assign_merged(a, {nullptr, plan.columns.get(), plan.count}, merged.get());
 }
 
-template<class F> spStatus with_sides(oxArray *a, oxArray *b, F &&assign) {
-    make_sparse_target(a, b);
-    AssignSource source(a, b);
-    const spStatus status = assign(source);
-    finish_target(a);
-    return status;
-}
-
 } // namespace
 
+// Deliberate: an empty source for an empty selection grows the array where the other subscript asks
+// for it; a scalar does nothing then.
 spStatus sparse_assign_block(oxArray *a, oxArray *b, Subscript &row, Subscript &column) {
     if (!row.mask_to_list() || !column.mask_to_list()) raise_out_of_memory();
-    if (row.is_all()) {
-        const auto list = column.is_all() ? RawArray<kwIndex>() : positions_of(column);
-        return sparse_assign_columns(a, b, {nullptr, list.get(), column.count});
-    }
-    return with_sides(a, b, [&](AssignSource &s) { return assign_block(a, s, row, column); });
+    const auto column_list = column.is_all() ? RawArray<kwIndex>() : positions_of(column);
+    const ColumnIndices columns{nullptr, column_list.get(), column.count};
+    if (row.is_all()) return sparse_assign_columns(a, b, columns);
+    AssignSource source(a, b);
+    if (source.folds() || !source.fits(row.count, column.count)) return spDimMismatch;
+    if (source.scalar() && (row.count == 0 || column.count == 0)) return spOK;
+    make_sparse_target(a, b);
+    if (row.max > rows(a)) store_mn(a, row.max, cols(a));
+    const auto row_list = positions_of(row);
+    ArrayGuard merged;
+    merge_block(a, rows(a), row_list.get(), row.count, columns,
+                source.as_columns(row.count, column.count), merged);
+    return assign_merged(a, columns, merged.get());
 }
 
 spStatus sparse_assign_linear(oxArray *a, oxArray *b, Subscript &index) {
-    return with_sides(a, b, [&](AssignSource &s) { return assign_linear(a, s, index); });
+    AssignSource source(a, b);
+    if (!source.scalar() && source.array()->get_number_of_elements() != index.count)
+        return spDimMismatch;
+    if (index.count == 0) return spOK;
+    make_sparse_target(a, b);
+    return assign_linear(a, source, index);
 }
 
 } // namespace ox

@@ -2,7 +2,7 @@
 //
 // Both ways follow the same plan: each column changes the number of elements by delta, and when
 // they exceed the capacity the growth rule, applied with the numbers of that moment, gives the next
-// one. The rebuild plays the sequence through on lengths alone and moves every element once.
+// one. The rebuild plays the sequence through on lengths alone and moves what stays once.
 #include <core/alloc.h>
 #include <core/dispatch.h>
 #include <core/tuning.h>
@@ -25,13 +25,10 @@ kwSize element_size(const oxArray *a) { return class_info(a->class_code).element
     oxErrMsgIdAndTxt("VELTRO:", "Indices are too large to convert to linear index.");
 }
 
-// The capacity that follows from the growth rule, or a raise.
-kwSize next_capacity(kwSize nzmax, kwSize q, kwSize delta, kwSize m, kwSize n, kwSize size) {
-    const Growth growth = grown_capacity(nzmax, q, delta, m, n);
+// Whether the bytes of the longest vector of so many elements can be counted.
+bool bytes_fit(kwSize nzmax, kwSize size) {
     kwSize bytes;
-    if (!growth.possible) oxErrMsg(FNOMEM);
-    if (__builtin_mul_overflow(growth.nzmax, std::max<kwSize>(size, 8), &bytes)) raise_too_large();
-    return growth.nzmax;
+    return !__builtin_mul_overflow(nzmax, std::max(size, sizeof(kwIndex)), &bytes);
 }
 
 // Writes what index k gives its column at position `at` of the target's vectors.
@@ -57,8 +54,8 @@ void write_column(oxArray *a, kwIndex at, const ColumnSource &source, kwSize k, 
     if (im && !source.complex()) std::memset(im, 0, q * size);
 }
 
-// Moves the elements from `from` on to position `to`, in all vectors.
-void move_tail(oxArray *a, kwIndex from, kwIndex to, kwIndex end) {
+// Moves the elements from .. end - 1 to position `to`, in all vectors.
+void move_elements(oxArray *a, kwIndex from, kwIndex to, kwIndex end) {
     const kwSize size = element_size(a), count = end - from;
     const auto shift = [&](void *block, kwSize each) {
         auto *bytes = static_cast<unsigned char *>(block);
@@ -76,120 +73,133 @@ void assign_in_place(oxArray *a, kwIndex j, kwSize k, const ColumnSource &source
     const kwSize n = cols(a), q = source.count(k, m), nnz = nonzeros(a);
     kwIndex *jc = a->num.jc;
     const kwSize old = jc[j + 1] - jc[j];
-    if (q > old && nnz + (q - old) > a->num.nzmax)
-        grow_to(a, next_capacity(a->num.nzmax, q, q - old, m, n, element_size(a)));
-    jc = a->num.jc;
+    if (q > old && nnz + (q - old) > a->num.nzmax) {
+        const Growth growth = grown_capacity(a->num.nzmax, q, q - old, m, n);
+        if (!growth.possible) oxErrMsg(FNOMEM);
+        grow_to(a, growth.nzmax);
+    }
     if (q != old) {
-        move_tail(a, jc[j + 1], jc[j] + q, nnz);
+        move_elements(a, jc[j + 1], jc[j] + q, nnz);
         for (kwSize c = j + 1; c <= n; ++c) jc[c] += q - old; // wraps when the column shrinks
     }
     write_column(a, jc[j], source, k, m);
 }
 
-// What becomes of each column: the index that assigned it last, or none.
+// What becomes of the columns from the first one that is named: nothing, or the content that the
+// last index for it brings.
 constexpr kwIndex untouched = ~kwIndex{0};
 
-struct Rebuild {
-    RawArray<kwIndex> last; // by column
-    kwSize n, nzmax, nnz;   // after the indices that were played through
-    spStatus status = spOK; // of the index that stopped it
-    bool stuck = false;     // the growth rule had no answer for the next index
-    kwSize done = 0;        // indices played through
+struct Plan {
+    kwSize first, n;          // the first column that is named; the width in the end
+    RawArray<kwIndex> last;   // by column from first
+    RawArray<kwIndex> starts; // column starts from first, in the end
+    kwSize nzmax = 0;         // the capacity in the end
+    kwSize done = 0;          // indices played through
+
+    bool touches(kwSize j) const { return last[j - first] != untouched; }
 };
 
-// The widest array that the indices ask for, up to the first that is no column.
-kwSize final_width(const oxArray *a, const ColumnIndices &indices) {
-    kwSize n = cols(a);
+// The columns that the indices name, up to the first that is no column.
+bool prepare_plan(const oxArray *a, const ColumnIndices &indices, Plan &plan) {
+    plan.first = plan.n = cols(a);
     kwIndex j;
-    for (kwSize k = 0; k < indices.count && indices.column(k, &j) == spOK; ++k)
-        n = std::max(n, j + 1);
-    return n;
+    for (kwSize k = 0; k < indices.count && indices.column(k, &j) == spOK; ++k) {
+        plan.first = std::min(plan.first, j);
+        plan.n = std::max(plan.n, j + 1);
+    }
+    const kwSize width = plan.n - plan.first;
+    plan.last = RawArray<kwIndex>::make(width + 1);
+    plan.starts = RawArray<kwIndex>::make(width + 1);
+    if (!plan.last || !plan.starts) return false;
+    std::fill_n(plan.last.get(), width, untouched);
+    return true;
 }
 
-// Plays the assignments through on lengths alone, with the width that each moment has.
-void play(const oxArray *a, const ColumnIndices &indices, const ColumnSource &source, Rebuild &r) {
-    const kwIndex *jc = a->num.jc;
-    const kwSize m = rows(a), old_n = cols(a), size = element_size(a);
-    kwSize n = old_n;
-    r.nnz = jc[old_n];
-    r.nzmax = a->num.nzmax;
-    for (kwSize k = 0; k < indices.count; ++k) {
-        kwIndex j;
-        r.status = indices.column(k, &j);
-        if (r.status != spOK) return;
-        n = std::max(n, j + 1);
+// Elements of column j before the assignment.
+kwSize old_length(const oxArray *a, kwSize j) {
+    return j < cols(a) ? a->num.jc[j + 1] - a->num.jc[j] : 0;
+}
+
+// Plays the assignments through on lengths alone, with the width and the capacity that each moment
+// has. Stops before an index that is no column, or for which the growth rule has no answer.
+void play(const oxArray *a, const ColumnIndices &indices, const ColumnSource &source, Plan &plan) {
+    const kwSize m = rows(a), size = element_size(a);
+    kwSize n = cols(a), nnz = nonzeros(a);
+    plan.nzmax = a->num.nzmax;
+    kwIndex j;
+    for (kwSize k = 0; k < indices.count && indices.column(k, &j) == spOK; ++k) {
+        kwIndex &last = plan.last[j - plan.first];
         const kwSize q = source.count(k, m);
-        const kwSize old = r.last[j] != untouched ? source.count(r.last[j], m)
-                           : j < old_n            ? jc[j + 1] - jc[j]
-                                                  : 0;
-        if (q > old && r.nnz + (q - old) > r.nzmax) {
-            const Growth growth = grown_capacity(r.nzmax, q, q - old, m, n);
-            kwSize bytes;
-            r.stuck = !growth.possible ||
-                      __builtin_mul_overflow(growth.nzmax, std::max<kwSize>(size, 8), &bytes);
-            if (r.stuck) return;
-            r.nzmax = growth.nzmax;
+        const kwSize old = last != untouched ? source.count(last, m) : old_length(a, j);
+        n = std::max(n, j + 1);
+        if (q > old && nnz + (q - old) > plan.nzmax) {
+            const Growth growth = grown_capacity(plan.nzmax, q, q - old, m, n);
+            if (!growth.possible || !bytes_fit(growth.nzmax, size)) break;
+            plan.nzmax = growth.nzmax;
         }
-        r.nnz += q - old;
-        r.last[j] = k;
-        r.n = n;
-        r.done = k + 1;
+        nnz += q - old;
+        last = k;
+        plan.done = k + 1;
+    }
+    plan.n = n;
+}
+
+// Moves the columns that stay to their new starts: to the left those that go left, in order, then
+// to the right the others, from the end; so none is overwritten before it has moved.
+void move_kept(oxArray *a, const Plan &plan) {
+    const kwIndex *jc = a->num.jc;
+    const auto move_run = [&](kwSize begin, kwSize end, bool left) {
+        const kwIndex to = plan.starts[begin - plan.first];
+        if (left ? to < jc[begin] : to > jc[begin]) move_elements(a, jc[begin], to, jc[end]);
+    };
+    const kwSize n = std::min(cols(a), plan.n);
+    for (kwSize j = plan.first, begin; j < n;) {
+        for (; j < n && plan.touches(j); ++j) {
+        }
+        for (begin = j; j < n && !plan.touches(j); ++j) {
+        }
+        move_run(begin, j, true);
+    }
+    for (kwSize j = n, end; j > plan.first;) {
+        for (; j > plan.first && plan.touches(j - 1); --j) {
+        }
+        for (end = j; j > plan.first && !plan.touches(j - 1); --j) {
+        }
+        move_run(j, end, false);
     }
 }
 
-// Copies elements from .. to - 1 of a to position `at` of b.
-void copy_elements(oxArray *b, kwIndex at, const oxArray *a, kwIndex from, kwIndex to) {
-    const kwSize size = element_size(a), count = to - from;
-    if (count == 0) return;
-    std::copy_n(a->num.ir + from, count, b->num.ir + at);
-    std::memcpy(data<unsigned char>(b) + at * size, data<unsigned char>(a) + from * size,
-                count * size);
-    if (has_imag_block(a))
-        std::memcpy(imag<unsigned char>(b) + at * size, imag<unsigned char>(a) + from * size,
-                    count * size);
+// The new column starts from the first column on.
+void lay_out(const oxArray *a, const ColumnSource &source, Plan &plan) {
+    kwIndex at = a->num.jc[std::min(plan.first, cols(a))];
+    for (kwSize j = plan.first; j < plan.n; ++j) {
+        plan.starts[j - plan.first] = at;
+        at += plan.touches(j) ? source.count(plan.last[j - plan.first], rows(a)) : old_length(a, j);
+    }
+    plan.starts[plan.n - plan.first] = at;
 }
 
-// Builds the result beside a and gives a its vectors. Runs of untouched columns are one copy each.
-void rebuild(oxArray *a, const ColumnSource &source, const Rebuild &r) {
-    const kwSize m = rows(a), old_n = cols(a);
-    oxArray *b = make_sparse(m, r.n, r.nzmax, a->class_code, has_imag_block(a));
-    if (!b) raise_out_of_memory();
-    kwIndex at = 0;
-    for (kwSize j = 0; j < r.n;) {
-        if (r.last[j] != untouched) {
-            write_column(b, at, source, r.last[j], m);
-            b->num.jc[j + 1] = at += source.count(r.last[j], m);
-            ++j;
-            continue;
-        }
-        const kwSize first = j;
-        for (; j < r.n && r.last[j] == untouched; ++j)
-            b->num.jc[j + 1] = j < old_n ? at + a->num.jc[j + 1] - a->num.jc[first] : b->num.jc[j];
-        const kwSize end = std::min(j, old_n);
-        if (first < end) {
-            copy_elements(b, at, a, a->num.jc[first], a->num.jc[end]);
-            at += a->num.jc[end] - a->num.jc[first];
-        }
+// Assigns as many of the indices as it can in one rebuild and answers how many; 0 without memory,
+// with a as before but for slack.
+kwSize assign_rebuilding(oxArray *a, const ColumnIndices &indices, const ColumnSource &source) {
+    Plan plan;
+    if (!prepare_plan(a, indices, plan)) return 0;
+    play(a, indices, source, plan);
+    if (plan.done == 0) return 0;
+    const kwSize old_nzmax = a->num.nzmax, m = rows(a);
+    if (plan.nzmax > old_nzmax && !set_capacity(a, plan.nzmax)) return 0;
+    lay_out(a, source, plan); // of the old column starts
+    const kwSize old_n = cols(a);
+    if (plan.n > old_n && !widen(a, plan.n)) {
+        a->num.nzmax = old_nzmax;
+        return 0;
     }
-    std::swap(a->words, b->words);
-    store_mn(a, m, r.n);
-    oxDestroyArray(b);
-}
-
-spStatus assign_rebuilding(oxArray *a, const ColumnIndices &indices, const ColumnSource &source) {
-    Rebuild r;
-    r.n = cols(a);
-    const kwSize width = final_width(a, indices);
-    r.last = RawArray<kwIndex>::make(width + 1);
-    if (!r.last) raise_out_of_memory();
-    std::fill_n(r.last.get(), width + 1, untouched);
-    play(a, indices, source, r);
-    if (r.done > 0) rebuild(a, source, r);
-    if (r.stuck) { // the same step again, in place, raises what it has to
-        kwIndex j;
-        if (indices.column(r.done, &j) == spOK) assign_in_place(a, j, r.done, source);
-    }
-    return r.status;
+    move_kept(a, plan);
+    for (kwSize j = plan.first; j < plan.n; ++j)
+        if (plan.touches(j))
+            write_column(a, plan.starts[j - plan.first], source, plan.last[j - plan.first], m);
+    std::copy_n(plan.starts.get(), plan.n - plan.first + 1, a->num.jc + plan.first);
+    return plan.done;
 }
 
 } // namespace
@@ -218,18 +228,15 @@ bool widen(oxArray *a, kwSize n) {
 }
 
 void grow_to(oxArray *a, kwSize nzmax) {
-    const kwSize old = a->num.nzmax, size = element_size(a);
-    kwSize bytes;
-    if (__builtin_mul_overflow(nzmax, std::max<kwSize>(size, 8), &bytes)) raise_too_large();
+    if (!bytes_fit(nzmax, element_size(a))) raise_too_large();
     if (!set_capacity(a, nzmax)) raise_out_of_memory();
-    if (has_imag_block(a) && nzmax > old)
-        std::memset(imag<unsigned char>(a) + old * size, 0, (nzmax - old) * size);
 }
 
+// What a rebuild does not do, for want of memory or because an index is no column or cannot be
+// met, is left to the one-by-one way, which then answers or raises what it must.
 spStatus assign_columns(oxArray *a, const ColumnIndices &indices, const ColumnSource &source) {
-    if (indices.count >= tuning::sparse_rebuild_columns)
-        return assign_rebuilding(a, indices, source);
-    for (kwSize k = 0; k < indices.count; ++k) {
+    const bool many = indices.count >= tuning::sparse_rebuild_columns;
+    for (kwSize k = many ? assign_rebuilding(a, indices, source) : 0; k < indices.count; ++k) {
         kwIndex j;
         const spStatus status = indices.column(k, &j);
         if (status != spOK) return status;

@@ -76,11 +76,11 @@ spStatus sparse_delete_columns(oxArray *a, const ColumnIndices &columns) {
     for (kwSize c = 0; c < n; ++c)
         if (!gone[c]) a->num.jc[++kept] = a->num.jc[c + 1];
     store_mn(a, rows(a), kept);
-    finish_target(a);
+    finish_target(a, status);
     return status;
 }
 
-void sparse_delete_rows(oxArray *a, Subscript &row) {
+spStatus sparse_delete_rows(oxArray *a, Subscript &row) {
     make_sparse_target(a, nullptr);
     if (row.is_all()) {
         filter_elements(a, [](kwIndex, kwSize) { return false; });
@@ -94,18 +94,20 @@ void sparse_delete_rows(oxArray *a, Subscript &row) {
         });
         store_mn(a, rows(a) - gone.count, cols(a));
     }
-    finish_target(a);
+    finish_target(a, spOK);
+    return spOK;
 }
 
-void sparse_delete_linear(oxArray *a, Subscript &index) {
+spStatus sparse_delete_linear(oxArray *a, Subscript &index) {
     make_sparse_target(a, nullptr);
     const kwSize m = rows(a), n = cols(a);
     kwSize count;
-    if (__builtin_mul_overflow(m, n, &count) || count > max_size) oxErrMsg(FPMAXSIZE);
+    if (__builtin_mul_overflow(m, n, &count) || count > max_size) return spTooLarge;
     const bool column = n == 1 && m != 1;
     if (!column) to_column(a, count);
     sparse_delete_rows(a, index);
     if (!column) column_to_row(a);
+    return spOK;
 }
 
 } // namespace ox

@@ -6,7 +6,7 @@
 #include <core/header_copy.h>
 #include <core/position.h>
 #include <errors/raise.h>
-#include <ox/convert.h>
+#include <index/operands/convert.h>
 #include <sparse/operands.h>
 #include <sparse/storage/csc.h>
 
@@ -49,9 +49,9 @@ void make_sparse_target(oxArray *a, const oxArray *b) {
     if (!own_storage(a)) raise_out_of_memory();
 }
 
-void finish_target(oxArray *a) {
+void finish_target(oxArray *a, spStatus status) {
     if (a->num.nzmax == 0 && !set_capacity(a, 1)) raise_out_of_memory();
-    oxFreeImagIfZero(a);
+    if (status == spOK) oxFreeImagIfZero(a);
     if (rows(a) != 1 || cols(a) != 1) a->set_flag(oxFLAG_SCALAR_DOUBLE, false);
 }
 
@@ -68,13 +68,15 @@ spStatus reserve_target(oxArray *a, const ColumnSource &source, kwSize columns) 
 }
 
 AssignSource::AssignSource(const oxArray *a, oxArray *b) : b_(b) {
+    const int id = a->class_code == oxUNKNOWN_CLASS ? b->class_code : a->class_code;
     if (b == a) {
         converted_.reset(or_raise(deep_copy(b)));
         b_ = converted_.get();
-    } else if (b->class_code != a->class_code) {
-        converted_.reset(oxMustBe(b, static_cast<oxClassID>(a->class_code)));
+    } else if (b->class_code != id) {
+        converted_.reset(oxMustBe(b, static_cast<oxClassID>(id)));
         b_ = converted_.get();
     }
+    if (!is_numeric(b_) && id != oxLOGICAL_CLASS) raise_sparse_class();
     if (!is_sparse(b_)) sparse_.reset(or_raise(full_to_sparse(b_)));
     // Sides without the dimensions that are 1: a column unless there are two, or it lies across.
     const kwSize *dims = b_->get_dimensions();

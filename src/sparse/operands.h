@@ -6,11 +6,12 @@
 namespace ox {
 
 // Makes a sparse, with storage of its own: an array of no class takes b's, an empty one gets column
-// starts only (capacity 0), any other full one is converted. Raises error 18.
+// starts only (capacity 0), any other full one is converted. Raises error 18, and
+// VELTRO:unimplementedSparseType.
 void make_sparse_target(oxArray *a, const oxArray *b);
-// Raises the capacity of a target that stored nothing to 1, drops a zero imaginary part, and sees
-// to the scalar-double flag.
-void finish_target(oxArray *a);
+// After the work on a target: one that stores nothing gets room for an element all the same; what
+// succeeded drops an imaginary part that is zero.
+void finish_target(oxArray *a, spStatus status);
 // A zero-filled imaginary part for a when b has one; storage for what b brings when a has none:
 // `cells` elements (of which m times columns may have overflowed) or nnz(b).
 spStatus reserve_target(oxArray *a, const ColumnSource &source, kwSize columns);
@@ -18,7 +19,8 @@ spStatus reserve_target(oxArray *a, const ColumnSource &source, kwSize columns);
 // The right-hand side in the target's class.
 class AssignSource {
 public:
-    // b in a's class and sparse, two-dimensional; b is copied when it is a itself.
+    // b in the class that a has or will take, sparse and two-dimensional; b is copied when it is a
+    // itself. Raises what converting raises.
     AssignSource(const oxArray *a, oxArray *b);
 
     bool scalar() const { return b_->get_number_of_elements() == 1; }
