@@ -1,5 +1,4 @@
 // Where operations on sparse arrays leave for the sparse kernels.
-#include <containers/copies.h>
 #include <containers/unshare.h>
 #include <core/destroy.h>
 #include <core/position.h>
@@ -114,11 +113,10 @@ void assign_sparse(oxArray *a, kwSize nsubs, const oxArray *const *subs, const o
         if (scalar && (x.is_none() || (!all_zero && x.count == 0))) return;
     if (!all_zero && !scalar) check_shape(s, rhs);
     const bool copies = !resize_only && rhs->get_number_of_elements() != 0;
-    const ArrayGuard shared(copies ? shared_copy(rhs) : nullptr); // the kernels consume temporaries
-    if (copies && !shared) raise_out_of_memory();
-    oxArray *b = shared.get(); // converted before anything of a changes
+    auto *b = const_cast<oxArray *>(rhs);
+    ArrayGuard converted; // before anything of a changes
     if (copies && b->class_code != a->class_code)
-        b = oxMustBe(b, static_cast<oxClassID>(a->class_code));
+        converted.reset(b = oxMustBe(b, static_cast<oxClassID>(a->class_code)));
     if (all_zero) size_from_rhs(a, s, rhs);
     copies ? oxHandleSparseSubscriptError(store(a, s, b)) : grow(a, s);
 }
