@@ -20,9 +20,10 @@ inline constexpr kwSize stream_min_run = pick(512, 16);
 // short steps overlap better.
 inline constexpr kwSize convert_block = pick(4096, 32);
 
-// Bytes of a row's piece that a large transpose collects before it leaves for memory.
-inline constexpr kwSize transpose_run = pick(512, 64);
-inline constexpr kwSize transpose_height = pick(256, 64); // of a column, likewise
+// A transpose past the caches goes down this many rows before it takes the next columns; fewer
+// where it needs a buffer of two lines for each.
+inline constexpr kwSize transpose_rows = pick(4096, 64);
+inline constexpr kwSize transpose_buffered_rows = pick(512, 64);
 
 inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
 inline constexpr kwSize compare_block = pick(512, 2);    // elements compared before the first look

@@ -63,6 +63,8 @@ template<class T, kwSize N> struct Tile {
         }
     }
 
+    // `streams` writes past the caches; dst and its rows are then aligned to vectors.
+    template<bool streams = false>
     static HWY_INLINE void run(T *dst, kwSize ldd, const T *src, kwSize lds) {
         const D d;
         V v[B][K];
@@ -79,7 +81,12 @@ template<class T, kwSize N> struct Tile {
             for (kwSize b = 0; b < B; ++b) r[b] = v[b][k];
             across_blocks(r);
 #pragma GCC unroll 4
-            for (kwSize b = 0; b < B; ++b) hn::StoreU(r[b], d, dst + (b * K + k) * ldd);
+            for (kwSize b = 0; b < B; ++b) {
+                if constexpr (streams)
+                    hn::Stream(r[b], d, dst + (b * K + k) * ldd);
+                else
+                    hn::StoreU(r[b], d, dst + (b * K + k) * ldd);
+            }
         }
     }
 };
@@ -113,48 +120,92 @@ void direct(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize m, kwSize n) {
         transpose_plain(dst, ldd, src, lds, m, n);
 }
 
-// --- Through a buffer, so that every line of the result is written once and as a whole ----------
+// --- Past the caches
+// ------------------------------------------------------------------------------
+//
+// The source is read down its columns, a stripe of one result line at a time, and every line of the
+// result is written once and as a whole.
 
-template<class T> struct Staging {
-    static constexpr kwSize N = widest<T>, line = 64 / sizeof(T);
-    static constexpr kwSize run = tuning::transpose_run / sizeof(T); // columns of one piece
-    static constexpr kwSize height = tuning::transpose_height / sizeof(T) < N
-                                         ? N
-                                         : tuning::transpose_height / sizeof(T); // rows of one
-    static constexpr kwSize pitch = run + line; // odd in lines, so that rows differ in sets
-    alignas(64) T buffer[height * pitch];
+template<class T> constexpr kwSize line = 64 / sizeof(T);
 
-    // The first place at or after row[j] where a line begins, as a column.
-    static kwSize line_start(const T *row, kwSize j) {
-        const auto at = reinterpret_cast<std::uintptr_t>(row + j);
-        return j + (-at & 63) / sizeof(T);
-    }
+// Rows of the result begin on lines, and a tile's rows are lines.
+template<class T>
+void whole_lines(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize m, kwSize n) {
+    using L = Tile<T, line<T>>;
+    for (kwSize i0 = 0; i0 < m; i0 += tuning::transpose_rows)
+        for (kwSize j = 0; j < n; j += line<T>)
+            for (kwSize i1 = i0; i1 < std::min(m, i0 + tuning::transpose_rows); i1 += line<T>) {
+                const kwSize i = std::min(i1, m - line<T>);
+                L::template run<true>(dst + i * ldd + j, ldd, src + i + j * lds, lds);
+            }
+}
 
-    // Rows of the result, columns j0 to j1 and what completes their last lines: each row leaves
-    // from its first whole line on. The ends of rows are no whole lines and leave anyway.
-    void piece(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize rows, kwSize j0, kwSize j1,
-               kwSize n) {
-        const kwSize upto = std::min(n, j1 + line);
-        for (kwSize j = j0; j < upto; j += N)
-            direct<T>(buffer + (j - j0), pitch, src + j * lds, lds, rows, std::min(N, upto - j));
-        for (kwSize i = 0; i < rows; ++i) {
-            T *row = dst + i * ldd;
-            const kwSize from = j0 == 0 ? 0 : std::min(n, line_start(row, j0));
-            const kwSize to = j1 == n ? n : std::min(n, line_start(row, j1));
-            stream_copy(row + from, buffer + i * pitch + (from - j0), (to - from) * sizeof(T));
+// Rows of the result begin anywhere: each stripe goes to a buffer beside the one before it, where
+// every row finds a whole line of its own phase.
+template<class T> class Stripes {
+public:
+    static constexpr kwSize height = tuning::transpose_buffered_rows, L = line<T>;
+
+    // Up to `height` rows of the result, which has at least a line of columns.
+    void rows(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize h, kwSize n) {
+        load(src, lds, h, L);
+        for (kwSize i = 0; i < h; ++i) {
+            const auto at = reinterpret_cast<std::uintptr_t>(dst + i * ldd);
+            phase_[i] = static_cast<uint8_t>((-at & 63) / sizeof(T));
+            std::memcpy(dst + i * ldd, at_row(i) + L, phase_[i] * sizeof(T));
         }
+        kwSize j = L;
+        for (; j + L <= n; j += L) {
+            advance(h);
+            load(src + j * lds, lds, h, L);
+            for (kwSize i = 0; i < h; ++i) store_line(dst + i * ldd + (j - L), i);
+        }
+        advance(h);
+        if (j - L < n) load(src + j * lds, lds, h, n - j);
+        for (kwSize i = 0; i < h; ++i) finish(dst + i * ldd + (j - L), i, n - (j - L));
     }
+
+private:
+    T *at_row(kwSize i) { return buffer_ + i * 2 * L; }
+
+    void load(const T *src, kwSize lds, kwSize h, kwSize columns) {
+        direct<T>(buffer_ + L, 2 * L, src, lds, h, columns);
+    }
+    void advance(kwSize h) {
+        const hn::CappedTag<T, L> d;
+        for (kwSize i = 0; i < h; ++i)
+            for (kwSize k = 0; k < L; k += hn::MaxLanes(d))
+                hn::Store(hn::Load(d, at_row(i) + L + k), d, at_row(i) + k);
+    }
+    void store_line(T *row, kwSize i) {
+        const hn::CappedTag<T, L> d;
+        const T *from = at_row(i) + phase_[i];
+        for (kwSize k = 0; k < L; k += hn::MaxLanes(d))
+            hn::Stream(hn::LoadU(d, from + k), d, row + phase_[i] + k);
+    }
+    // The last columns of a row, of which `columns` are in the buffer.
+    void finish(T *row, kwSize i, kwSize columns) {
+        kwSize done = phase_[i];
+        if (columns >= done + L) {
+            store_line(row, i);
+            done += L;
+        }
+        if (done < columns) std::memcpy(row + done, at_row(i) + done, (columns - done) * sizeof(T));
+    }
+
+    alignas(64) T buffer_[height * 2 * L]; // the stripe before, and the stripe at hand
+    uint8_t phase_[height];                // columns of a row before its first line
 };
 
-template<class T> void staged(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize m, kwSize n) {
-    using S = Staging<T>;
-    if (m < S::N || n < S::N) return direct(dst, ldd, src, lds, m, n);
-    S staging;
-    for (kwSize j0 = 0; j0 < n; j0 += S::run)
-        for (kwSize i = 0; i < m; i += S::height) {
-            const kwSize rows = std::min(S::height, m - i), j1 = std::min(n, j0 + S::run);
-            staging.piece(dst + i * ldd, ldd, src + i, lds, rows, j0, j1, n);
-        }
+template<class T> void streamed(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize m, kwSize n) {
+    constexpr kwSize L = line<T>;
+    if (m < L || n < L) return direct(dst, ldd, src, lds, m, n);
+    const bool aligned = ((reinterpret_cast<std::uintptr_t>(dst) | ldd * sizeof(T)) & 63) == 0;
+    if constexpr (widest<T> == L)
+        if (aligned && n % L == 0) return whole_lines(dst, ldd, src, lds, m, n);
+    Stripes<T> stripes;
+    for (kwSize i = 0; i < m; i += stripes.height)
+        stripes.rows(dst + i * ldd, ldd, src + i, lds, std::min(stripes.height, m - i), n);
 }
 
 // --- In place ------------------------------------------------------------------------------------
@@ -182,7 +233,7 @@ void cached(void *dst, kwSize ldd, const void *src, kwSize lds, kwSize m, kwSize
 }
 template<class T>
 void streaming(void *dst, kwSize ldd, const void *src, kwSize lds, kwSize m, kwSize n) {
-    staged(static_cast<T *>(dst), ldd, static_cast<const T *>(src), lds, m, n);
+    streamed(static_cast<T *>(dst), ldd, static_cast<const T *>(src), lds, m, n);
 }
 template<class T> void in_place(void *data, kwSize n) { square(static_cast<T *>(data), n); }
 
