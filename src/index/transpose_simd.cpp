@@ -94,16 +94,25 @@ template<class T, kwSize N> struct Tile {
 template<class T> constexpr kwSize widest = hn::MaxLanes(hn::ScalableTag<T>());
 template<class T> constexpr kwSize narrowest = 16 / sizeof(T);
 
-// Tile by tile; the last ones of a row and of a column overlap those before them. Columns go by
-// strips, whose lines stay in the first-level cache from one row of tiles to the next.
+// The columns before the first line of dst's rows, where all rows have the same.
+template<class T, kwSize N> kwSize columns_to_line(const T *dst, kwSize ldd) {
+    constexpr kwSize bytes = N * sizeof(T);
+    if (ldd * sizeof(T) % bytes != 0) return 0;
+    return (-reinterpret_cast<std::uintptr_t>(dst) % bytes) / sizeof(T);
+}
+
+// Tile by tile; the first of a row is overlapped so that the others write whole lines, and the last
+// of a row and of a column overlap those before them. Down the columns first, because two tiles
+// often share a line of the source; not too far, because they may share one of the result.
 template<class T, kwSize N>
 void tiles(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize m, kwSize n) {
     constexpr kwSize strip = 256;
-    for (kwSize j0 = 0; j0 < n; j0 += strip)
-        for (kwSize i0 = 0; i0 < m; i0 += N) {
-            const kwSize i = std::min(i0, m - N), j1 = std::min(n, j0 + strip);
-            for (kwSize jt = j0; jt < j1; jt += N) {
-                const kwSize j = std::min(jt, n - N);
+    const kwSize first = columns_to_line<T, N>(dst, ldd);
+    for (kwSize i0 = 0; i0 < m; i0 += strip)
+        for (kwSize j0 = 0; j0 < n; j0 += j0 == 0 && first ? first : N) {
+            const kwSize j = std::min(j0, n - N), i2 = std::min(m, i0 + strip);
+            for (kwSize i1 = i0; i1 < i2; i1 += N) {
+                const kwSize i = std::min(i1, m - N);
                 Tile<T, N>::run(dst + i * ldd + j, ldd, src + i + j * lds, lds);
             }
         }
