@@ -105,7 +105,7 @@ TEST_F(Copies, APrivateBlockIsNeverFreedWhoeverUnsharesFirst) {
         [](oxArray *a, oxArray *) { oxUnshare(a); }, [](oxArray *, oxArray *b) { oxUnshare(b); },
         [](oxArray *, oxArray *b) { oxUnshareOtherArrays(b); },
         [](oxArray *a, oxArray *) { oxDestroyArray(a); }};
-    double block[2] = {1, 2};
+    static double block[2] = {1, 2}; // freeing it would not survive
     for (const auto &first : unshare) {
         oxArray *a = arr("double 0x2");
         oxSetDataPrivateFlag(a, true);
@@ -114,7 +114,7 @@ TEST_F(Copies, APrivateBlockIsNeverFreedWhoeverUnsharesFirst) {
         oxArray *b = oxCreateSharedDataCopy(a), *c = oxCreateSharedDataCopy(a);
         first(a, b);
         EXPECT_EQ(text(b) + text(c), "double 1x2: 1 2double 1x2: 1 2");
-    } // freeing what is on the stack would not survive leaving the context
+    }
 }
 
 TEST_F(Copies, ExactCopiesAgreeInEveryFieldThatIsNotTheHeadersOwn) {
