@@ -12,6 +12,11 @@ install(TARGETS ox ut fl EXPORT oxarray
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT devel
   FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp" PATTERN "*.def" PATTERN "*.inc")
 
+# Sources, so that the user's own compiler makes the .mod files.
+set(OX_FORTRAN_INSTALL_DIR ${CMAKE_INSTALL_DATADIR}/ox/fortran)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/fortran/ DESTINATION ${OX_FORTRAN_INSTALL_DIR} COMPONENT fortran
+  PATTERN README.md EXCLUDE)
+
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/oxarray)
 install(EXPORT oxarray NAMESPACE ox:: FILE oxarrayTargets.cmake DESTINATION ${package_dir} COMPONENT devel)
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/oxarrayConfig.cmake.in

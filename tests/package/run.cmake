@@ -1,5 +1,6 @@
 # Installs into a fresh prefix, builds a module and a program from outside, runs them, moves the prefix, runs again.
-# Variables: BUILD (the build tree to install), SOURCE (this folder), WORK (a scratch folder), CC, CXX.
+# Variables: BUILD (the build tree to install), SOURCE (this folder), WORK (a scratch folder), CC, CXX, and FC, which may be
+# empty.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
   if(NOT status EQUAL 0)
@@ -18,9 +19,13 @@ foreach(prefix prefix moved)
   endif()
   # With the CMake package.
   run(${CMAKE_COMMAND} -S ${SOURCE}/consumer -B ${WORK}/cmake-${prefix} -DCMAKE_PREFIX_PATH=${WORK}/${prefix}
-    -DCMAKE_C_COMPILER=${CC} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_BUILD_TYPE=Release)
+    -DCMAKE_C_COMPILER=${CC} -DCMAKE_CXX_COMPILER=${CXX}
+    -DCMAKE_Fortran_COMPILER=${FC} -DCMAKE_BUILD_TYPE=Release)
   run(${CMAKE_COMMAND} --build ${WORK}/cmake-${prefix})
   run(${WORK}/cmake-${prefix}/host ${WORK}/cmake-${prefix}/twice.vex)
+  if(FC)
+    run(${WORK}/cmake-${prefix}/host ${WORK}/cmake-${prefix}/twice_fortran.vex)
+  endif()
   # With pkg-config alone.
   file(GLOB pc ${WORK}/${prefix}/lib*/pkgconfig ${WORK}/${prefix}/lib/*/pkgconfig)
   set(ENV{PKG_CONFIG_PATH} "${pc}")
@@ -28,4 +33,11 @@ foreach(prefix prefix moved)
   separate_arguments(flags UNIX_COMMAND "${out}")
   run(${CC} -std=c99 -Wall -Werror -shared -fPIC ${SOURCE}/consumer/twice.c -o ${WORK}/pc-${prefix}.vex ${flags})
   run(${WORK}/cmake-${prefix}/host ${WORK}/pc-${prefix}.vex)
+  if(FC)
+    run(pkg-config --variable=fortrandir oxarray)
+    string(STRIP ${out} fortran)
+    run(${FC} -shared -fPIC -J ${WORK} ${fortran}/ox_fortran.F90 ${SOURCE}/consumer/twice.f90
+      -o ${WORK}/pc-${prefix}-fortran.vex ${flags})
+    run(${WORK}/cmake-${prefix}/host ${WORK}/pc-${prefix}-fortran.vex)
+  endif()
 endforeach()
