@@ -268,8 +268,8 @@ struct Growing : xxInfo {
 
 TEST_F(Assign, GrowingClassObjectsAskForADefault) {
     const WithLayer layer;
-    const Contexts contexts;
     Growing info;
+    const Contexts contexts; // left while the class lives
     oxArray *a = sub("opaque 1x1: 1"), *rhs = sub("opaque 1x1: 2");
     a->opaque.info = &info;
     Subs s{sub("3")};
@@ -308,9 +308,9 @@ TEST_F(Assign, HeterogeneousClassObjectsAskTheirStaticMethod) {
     };
     const WithLayer outer;
     const ox_object_layer *previous = ox_register_object_layer(&layer);
-    const Contexts contexts;
     Growing info;
     info.none = true;
+    const Contexts contexts;
     oxArray *a = sub("opaque 1x1: 1");
     a->opaque.info = &info;
     a->set_opaque_heterogeneous(true);
