@@ -23,25 +23,24 @@ protected:
     }
     WithLayer layer;
 };
-using ConvertSweep = Convert;
 
 // The warnings of a string of letters: n NaN, o out of range, r rounded, c cut to char.
 std::vector<Warning> warnings(const std::string &letters, const std::string &name) {
     std::vector<Warning> w;
-    for (char c : letters)
-        if (c == 'n')
-            w.push_back({"VELTRO:intConvertNaN", "NaN converted to " + name + "(0)."});
-        else if (c == 'o')
+    for (char c : letters) {
+        if (c == 'n') w.push_back({"VELTRO:intConvertNaN", "NaN converted to " + name + "(0)."});
+        if (c == 'o')
             w.push_back({"VELTRO:intConvertOverflow", "Out of range value converted to intmin('" +
                                                           name + "') or intmax('" + name + "')."});
-        else if (c == 'r')
-            w.push_back({"VELTRO:intConvertNonIntVal",
-                         "Conversion rounded non-integer floating point value to nearest " + name +
-                             " value."});
-        else
+        if (c == 'r')
+            w.push_back({"VELTRO:intConvertNonIntVal", "Conversion rounded non-integer floating "
+                                                       "point value to nearest " +
+                                                           name + " value."});
+        if (c == 'c')
             w.push_back({"VELTRO:nonIntegerTruncatedInConversionToChar",
-                         "Out of range or non-integer values truncated during conversion to "
-                         "character."});
+                         "Out of range or non-integer "
+                         "values truncated during conversion to character."});
+    }
     return w;
 }
 
@@ -74,7 +73,6 @@ const Row rows_of_values[] = {
     {"int64 1x1: -1", oxUINT64_CLASS, "uint64 1x1: 0", "o"},
     {"char 1x2: 'a\\u0100'", oxINT8_CLASS, "int8 1x2: 97 127", "o"},
     {"char 1x1: '\\uffff'", oxUINT16_CLASS, "uint16 1x1: 65535"},
-    {"uint16 1x1: 65535", oxCHAR_CLASS, "char 1x1: '\\uffff'"},
     {"char 1x2: 'a\\u0000'", oxLOGICAL_CLASS, "logical 1x2: 1 0"},
     {"logical 1x2: 1 0", oxSINGLE_CLASS, "single 1x2: 1 0"},
     {"0 -0.0 2 1e-300", oxLOGICAL_CLASS, "logical 1x4: 0 0 1 1"},
@@ -87,18 +85,12 @@ const Row rows_of_values[] = {
     {"int8 1x1: 3", oxDOUBLE_CLASS, "3"},
     {"double 0x3", oxSTRUCT_CLASS, "struct 0x3"},
     {"double 0x3x2", oxCELL_CLASS, "cell 0x3x2"},
-    {"double 1x1: 1", oxSTRUCT_CLASS, nullptr},
-    {"double 1x1: 1", oxCELL_CLASS, nullptr},
     {"double 1x1: 1", oxFUNCTION_CLASS, nullptr},
-    {"logical 1x1: 1", oxCHAR_CLASS, nullptr},
     {"logical 0x0", oxCHAR_CLASS, nullptr}, // an empty one too
-    {"cell 0x0", oxDOUBLE_CLASS, nullptr},
     {"struct 1x1 a: {1}", oxCELL_CLASS, "cell 1x1x1: {1}"},
-    {"struct 1x1 a: {1}", oxDOUBLE_CLASS, nullptr},
     {"struct 1x1 a: {1}", oxSTRUCT_CLASS, "struct 1x1 a: {1}"},
     {"object Point 1x1 px: {1}", oxSTRUCT_CLASS, "struct 1x1 px: {1}"},
     {"object Point 1x1 px: {1}", oxCELL_CLASS, "cell 1x1x1: {1}"},
-    {"object Point 1x1 px: {1}", oxDOUBLE_CLASS, nullptr},
     {"sparse double 2x2: (0,0)=3 (1,1)=-1", oxLOGICAL_CLASS, "sparse logical 2x2: (0,0)=1 (1,1)=1"},
     {"sparse logical 2x2: (1,0)=1", oxDOUBLE_CLASS, "sparse double 2x2: (1,0)=1"},
 };
@@ -123,15 +115,14 @@ TEST_F(Convert, EveryRule) {
 }
 
 TEST_F(Convert, WhatCannotBeIsRaised) {
-    EXPECT_RAISES_ENTRY(FNOLOGICALNAN, oxCreateConvertedCopy(arr("1 NaN"), oxLOGICAL_CLASS));
-    EXPECT_RAISES_ENTRY(FNOLOGICALCOMPLEX, oxCreateConvertedCopy(arr("1+1i"), oxLOGICAL_CLASS));
-    EXPECT_RAISES_ENTRY(
-        FNOLOGICALCOMPLEX,
-        oxCreateConvertedCopy(arr("sparse double 1x1: (0,0)=1+1i"), oxLOGICAL_CLASS));
-    for (oxClassID to : {oxSINGLE_CLASS, oxINT8_CLASS, oxCHAR_CLASS})
+    const auto to = [](const char *in, oxClassID id) { oxCreateConvertedCopy(arr(in), id); };
+    EXPECT_RAISES_ENTRY(FNOLOGICALNAN, to("1 NaN", oxLOGICAL_CLASS));
+    EXPECT_RAISES_ENTRY(FNOLOGICALCOMPLEX, to("1+1i", oxLOGICAL_CLASS));
+    EXPECT_RAISES_ENTRY(FNOLOGICALCOMPLEX, to("sparse double 1x1: (0,0)=1+1i", oxLOGICAL_CLASS));
+    for (oxClassID id : {oxSINGLE_CLASS, oxINT8_CLASS, oxCHAR_CLASS})
         EXPECT_RAISES("VELTRO:unimplementedSparseType",
                       "Attempt to convert to unimplemented sparse type",
-                      oxCreateConvertedCopy(arr("sparse double 1x1: (0,0)=1"), to));
+                      to("sparse double 1x1: (0,0)=1", id));
 }
 
 TEST_F(Convert, ElementsBeforeANanAreWrittenWhenItRaises) {
@@ -147,15 +138,9 @@ TEST_F(Convert, ElementsBeforeANanAreWrittenWhenItRaises) {
 
 TEST_F(Convert, PairsWithoutAConversionWriteNothing) {
     const double x = 1;
-    for (auto [to, from] : {std::pair{oxLOGICAL_CLASS, oxLOGICAL_CLASS},
-                            {oxCHAR_CLASS, oxLOGICAL_CLASS},
-                            {oxVOID_CLASS, oxDOUBLE_CLASS},
-                            {oxCELL_CLASS, oxDOUBLE_CLASS},
-                            {oxDOUBLE_CLASS, oxFUNCTION_CLASS},
-                            {static_cast<oxClassID>(25), oxDOUBLE_CLASS},
-                            {oxDOUBLE_CLASS, static_cast<oxClassID>(31)}}) {
+    for (auto [to, from] : {std::pair{3, 3}, {4, 3}, {5, 6}, {1, 6}, {6, 16}, {25, 6}, {6, 31}}) {
         uint64_t y = 77;
-        oxConvertBufferToType(&y, to, &x, from, 1);
+        oxConvertBufferToType(&y, static_cast<oxClassID>(to), &x, static_cast<oxClassID>(from), 1);
         EXPECT_EQ(y, 77u);
     }
 }
@@ -171,13 +156,7 @@ TEST_F(Convert, EachWarningComesOncePerCallInTheOrderOfTheElements) {
     EXPECT_TRUE(warns(warnings("ron", "int32"), [&] {
         oxConvertBufferToType(y.data(), oxINT32_CLASS, x.data(), oxDOUBLE_CLASS, n);
     }));
-    EXPECT_EQ(y[n / 2], INT32_MAX);
-    EXPECT_EQ(y[n / 2 + 2], 0);
-    EXPECT_EQ(y[n / 3], 1);
-    std::vector<double> nans(1000, std::nan(""));
-    EXPECT_TRUE(warns(warnings("n", "int32"), [&] {
-        oxConvertBufferToType(y.data(), oxINT32_CLASS, nans.data(), oxDOUBLE_CLASS, 1000);
-    }));
+    EXPECT_TRUE(y[n / 2] == INT32_MAX && y[n / 2 + 2] == 0 && y[n / 3] == 1 && y[n - 3] == 1);
 }
 
 TEST_F(Convert, AWarningWhoseStatusIsErrorIsNeitherIssuedNorRaised) {
@@ -193,80 +172,56 @@ TEST_F(Convert, AWarningWhoseStatusIsErrorIsNeitherIssuedNorRaised) {
 }
 
 TEST_F(Convert, BytesOfZeroAndOneBecomeLogicalWithoutCopying) {
-    for (const char *in : {"uint8 1x3: 0 1 1", "int8 2x1: 1; 0"}) {
-        const oxArray *a = arr(in);
-        const oxArray *b = oxCreateConvertedCopy(a, oxLOGICAL_CLASS);
-        EXPECT_EQ(a->num.pdata, b->num.pdata);
-        EXPECT_EQ(a->cross_link, b);
+    for (auto [in, shares] : {std::pair{"uint8 1x3: 0 1 1", true}, {"int8 1x2: 1 2", false}}) {
+        const oxArray *a = arr(in), *b = oxCreateConvertedCopy(a, oxLOGICAL_CLASS);
+        EXPECT_EQ(a->num.pdata == b->num.pdata, shares);
+        EXPECT_EQ(a->cross_link == b, shares);
         EXPECT_TRUE(oxIsLogical(b) && !oxIsNumeric(b) && !check_array(b));
     }
-    const oxArray *a = arr("uint8 1x3: 0 2 1");
-    const oxArray *b = oxCreateConvertedCopy(a, oxLOGICAL_CLASS);
-    EXPECT_TRUE(a->num.pdata != b->num.pdata && !a->cross_link);
-    EXPECT_EQ(text(b), text(arr("logical 1x3: 0 1 1")));
 }
 
 TEST_F(Convert, ImaginaryPartsGoWhenTheyAreZero) {
-    const auto kept = [](oxArray *a) {
-        oxFreeImagIfZero(a);
-        return oxIsComplex(a);
-    };
-    EXPECT_FALSE(kept(arr("1+0i 2+0i")));
-    EXPECT_FALSE(kept(arr("single 1x2: 1+0i 2-0i")));
-    EXPECT_TRUE(kept(arr("1+0i 2+NaN*i")));
-    EXPECT_TRUE(kept(arr("int8 1x2: 1+0i 2+1i")));
-    EXPECT_FALSE(kept(arr("sparse double 2x2 nzmax 3: (0,0)=1+0i (1,1)=2+0i")));
-    oxArray *shared = arr("1+0i");
+    oxArray *shared = arr("1+0i"), *marked = arr("1 2");
     oxCreateSharedDataCopy(shared);
-    EXPECT_TRUE(kept(shared));
-    oxArray *marked = arr("1 2");
     oxMarkImagData(marked);
-    EXPECT_TRUE(kept(marked));
+    for (auto [a, kept] : {std::pair{arr("1+0i 2+0i"), false},
+                           {arr("single 1x2: 1+0i 2-0i"), false},
+                           {arr("1+0i 2+NaN*i"), true},
+                           {arr("int8 1x2: 1+0i 2+1i"), true},
+                           {shared, true},
+                           {marked, true},
+                           {arr("sparse double 2x2 nzmax 3: (0,0)=1+0i (1,1)=2+0i"), false}}) {
+        oxFreeImagIfZero(a);
+        EXPECT_EQ(oxIsComplex(a), kept);
+    }
 }
 
-TEST_F(ConvertSweep, FailingAllocations) {
-    const auto to = [](oxClassID id) {
-        return [id](const Arrays &in) { return oxCreateConvertedCopy(in[0], id); };
-    };
-    const auto quiet = [](const char *name, const char *in, auto make) {
-        return Sweep{.name = name, .inputs = {in}, .make = make, .act = nullptr, .silent = true};
-    };
-    const Sweep sweeps[] = {
-        quiet("full", "double 1x2: 1 2", to(oxINT8_CLASS)),
-        quiet("complex", "double 1x2x2: 1+1i 2 | 3 4", to(oxSINGLE_CLASS)),
-        quiet("shared", "uint8 1x2: 1 0", to(oxLOGICAL_CLASS)),
-        quiet("empty", "double 0x2x2", to(oxCELL_CLASS)),
-        quiet("sparse", "sparse double 2x2: (0,0)=1", to(oxLOGICAL_CLASS)),
-    };
-    for (const Sweep &s : sweeps) sweep(s);
+TEST_F(Convert, FailingAllocations) {
+    for (auto [in, id] : {std::pair{"double 1x2: 1 2", oxINT8_CLASS},
+                          {"double 1x2x2: 1+1i 2 | 3 4", oxSINGLE_CLASS},
+                          {"uint8 1x2: 1 0", oxLOGICAL_CLASS},
+                          {"double 0x2x2", oxCELL_CLASS},
+                          {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS}}) {
+        const auto make = [id](const Arrays &a) { return oxCreateConvertedCopy(a[0], id); };
+        sweep({.name = in, .inputs = {in}, .make = make, .act = nullptr, .silent = true});
+    }
 }
-
-// --- The must-be family
-// ---------------------------------------------------------------------------
 
 using MustBe = Convert;
 
-TEST_F(MustBe, WhatHasTheFormComesBackItself) {
-    for (auto [in, to] : {std::pair{"double 1x2: 1 2", oxDOUBLE_CLASS},
-                          {"cell 1x1: {1}", oxCELL_CLASS},
-                          {"sparse double 1x1: (0,0)=1", oxVOID_CLASS}}) {
-        oxArray *a = arr(in);
-        EXPECT_EQ(oxMustBe(a, to), a);
-    }
-    oxArray *d = arr("1+1i 2");
-    EXPECT_TRUE(oxMustBeFullDouble(d) == d && oxMustBeFull(d) == d && oxMustBeComplex(d) == d);
-}
-
-TEST_F(MustBe, Forms) {
-    const oxClassID v = oxVOID_CLASS;
-    EXPECT_EQ(text(oxMustBe(arr("0 3"), v)), text(arr("sparse double 1x2: (0,1)=3")));
-    EXPECT_EQ(text(oxMustBeFull(arr("sparse double 1x2: (0,1)=3"))), text(arr("0 3")));
+TEST_F(MustBe, TheArrayItselfOrItsForm) {
+    oxArray *d = arr("1+1i 2"), *cell = arr("cell 1x1: {1}"),
+            *sp = arr("sparse double 1x2: (0,1)=3");
+    EXPECT_TRUE(oxMustBe(d, oxDOUBLE_CLASS) == d && oxMustBe(cell, oxCELL_CLASS) == cell &&
+                oxMustBe(sp, oxVOID_CLASS) == sp && oxMustBeFullDouble(d) == d &&
+                oxMustBeFull(d) == d && oxMustBeComplex(d) == d);
+    EXPECT_EQ(text(oxMustBe(arr("0 3"), oxVOID_CLASS)), text(sp));
+    EXPECT_EQ(text(oxMustBeFull(sp)), text(arr("0 3")));
     EXPECT_EQ(text(oxMustBeComplex(arr("int8 1x2: 1 2"))), text(arr("int8 1x2: 1+0i 2+0i")));
     EXPECT_EQ(text(oxMustBeComplex(arr("logical 1x2: 1 0"))), text(arr("1+0i 0+0i")));
     for (const char *in : {"sparse double 1x2: (0,1)=3", "sparse logical 1x2: (0,1)=1",
                            "logical 1x2: 0 1", "int8 1x2: 0 3", "char 1x1: 'a'"})
-        EXPECT_TRUE(oxIsDouble(oxMustBeFullDouble(arr(in))) &&
-                    !oxIsSparse(oxMustBeFullDouble(arr(in))));
+        EXPECT_EQ(oxMustBeFullDouble(arr(in))->get_attributes() & oxATTR_FULL, oxATTR_FULL);
     oxArray *unknown = oxCreateNumericMatrix(0, 3, oxUNKNOWN_CLASS, oxREAL);
     EXPECT_EQ(text(oxMustBeFullDouble(unknown)), "double 0x3");
     EXPECT_RAISES("VELTRO:invalidConversion", "Conversion to double from unknown is not possible.",

@@ -9,6 +9,7 @@
 #include <support/random.h>
 
 #include <algorithm>
+#include <cstring>
 #include <numeric>
 
 #include "each_target.h"
@@ -40,76 +41,70 @@ kwSize source_of(kwSize i, const Dims &dims, const std::vector<kwSize> &order) {
     return at;
 }
 
-template<class T> void check_moves(const oxArray *a, const oxArray *b, const Dims &dims,
-                                   const std::vector<kwSize> &order) {
+void check_moves(const oxArray *a, const oxArray *b, const Dims &dims,
+                 const std::vector<kwSize> &order) {
+    const kwSize w = oxGetElementSize(a);
     for (kwSize i = 0; i < a->get_number_of_elements(); ++i) {
-        const kwSize at = source_of(i, dims, order);
-        ASSERT_EQ(data<T>(b)[i], data<T>(a)[at]) << i;
+        const kwSize at = source_of(i, dims, order) * w;
+        ASSERT_EQ(std::memcmp(data<char>(b) + i * w, data<char>(a) + at, w), 0) << i;
         if (oxIsComplex(a)) {
-            ASSERT_EQ(imag<T>(b)[i], imag<T>(a)[at]) << i;
+            ASSERT_EQ(std::memcmp(imag<char>(b) + i * w, imag<char>(a) + at, w), 0) << i;
         }
     }
 }
 
-// Up to six dimensions, of which some are 0 or 1 and one may be longer than a tile.
+void randomise(Random &random, void *block, kwSize bytes) {
+    for (kwSize i = 0; i < bytes; ++i)
+        static_cast<uint8_t *>(block)[i] = static_cast<uint8_t>(random.below(100));
+}
+
+void check_order(Random &random, const Dims &dims, oxClassID id, oxComplexity complexity) {
+    const Contexts contexts;
+    const kwSize n = dims.size();
+    std::vector<kwSize> order(n);
+    std::iota(order.begin(), order.end(), kwSize{0});
+    for (kwSize k = n; k-- > 1;) std::swap(order[k], order[random.below(k + 1)]);
+    oxArray *p = oxCreateDoubleMatrix(1, n, oxREAL);
+    std::transform(order.begin(), order.end(), oxGetPr(p),
+                   [](kwSize k) { return static_cast<double>(k + 1); });
+    oxArray *a = oxCreateNumericArray(n, dims.data(), id, complexity);
+    const kwSize bytes = a->get_number_of_elements() * oxGetElementSize(a);
+    randomise(random, a->num.pdata, bytes);
+    if (oxIsComplex(a)) randomise(random, a->num.pimag, bytes);
+    const oxArray *b = permute(a, p);
+    ASSERT_FALSE(check_array(b));
+    for (kwSize k = 0; k < n; ++k)
+        ASSERT_EQ(k < b->ndims ? b->get_dimensions()[k] : 1, dims[order[k]]);
+    ASSERT_TRUE(b->ndims == 2 || b->get_dimensions()[b->ndims - 1] != 1 ||
+                std::is_sorted(order.begin(), order.end()));
+    check_moves(a, b, dims, order);
+}
+
+// Up to six dimensions, of which some are 0 or 1 and one may be longer than a tile; then results
+// that go past the caches.
 TEST_F(Permute, RandomOrdersAgreeWithTheModel) {
     Random random(11);
     SCOPED_TRACE(random.seed());
     const oxClassID classes[] = {oxDOUBLE_CLASS, oxSINGLE_CLASS, oxCHAR_CLASS, oxUINT8_CLASS};
     for_each_target([&] {
         for (int round = 0; round < 250; ++round) {
-            const Contexts contexts;
-            const kwSize n = 2 + random.below(5);
-            Dims dims(n);
+            Dims dims(2 + random.below(5));
             for (kwSize &d : dims) d = random.chance(0.25) ? random.below(2) : 2 + random.below(6);
-            dims[random.below(n)] = random.below(90);
-            std::vector<kwSize> order(n);
-            std::iota(order.begin(), order.end(), kwSize{0});
-            for (kwSize k = n; k-- > 1;) std::swap(order[k], order[random.below(k + 1)]);
-            oxArray *p = oxCreateDoubleMatrix(1, n, oxREAL);
-            for (kwSize k = 0; k < n; ++k) oxGetPr(p)[k] = static_cast<double>(order[k] + 1);
-            const oxClassID id = random.pick(classes);
-            oxArray *a =
-                oxCreateNumericArray(n, dims.data(), id, random.chance(0.3) ? oxCOMPLEX : oxREAL);
-            const kwSize bytes = a->get_number_of_elements() * oxGetElementSize(a);
-            for (kwSize i = 0; i < bytes; ++i) {
-                data<uint8_t>(a)[i] = static_cast<uint8_t>(random.below(100));
-                if (oxIsComplex(a)) imag<uint8_t>(a)[i] = static_cast<uint8_t>(random.below(100));
-            }
-            const oxArray *b = permute(a, p);
-            ASSERT_FALSE(check_array(b));
-            for (kwSize k = 0; k < n; ++k)
-                ASSERT_EQ(k < b->ndims ? b->get_dimensions()[k] : 1, dims[order[k]]);
-            ASSERT_TRUE(b->ndims == 2 || b->get_dimensions()[b->ndims - 1] != 1 ||
-                        std::is_sorted(order.begin(), order.end()));
-            if (oxGetElementSize(a) == 8) check_moves<uint64_t>(a, b, dims, order);
-            if (oxGetElementSize(a) == 4) check_moves<uint32_t>(a, b, dims, order);
-            if (oxGetElementSize(a) == 2) check_moves<uint16_t>(a, b, dims, order);
-            if (oxGetElementSize(a) == 1) check_moves<uint8_t>(a, b, dims, order);
+            dims[random.below(dims.size())] = random.below(90);
+            check_order(random, dims, random.pick(classes),
+                        random.chance(0.3) ? oxCOMPLEX : oxREAL);
         }
+        for (int round = 0; round < 3; ++round)
+            check_order(random, {40, 3, 130, 90}, oxDOUBLE_CLASS, oxREAL);
     });
-}
-
-TEST_F(Permute, LargeResultsGoPastTheCaches) {
-    const Dims dims = {40, 3, 130, 90};
-    oxArray *a = oxCreateNumericArray(4, dims.data(), oxDOUBLE_CLASS, oxREAL);
-    std::iota(oxGetPr(a), oxGetPr(a) + a->get_number_of_elements(), 0.0);
-    for (const char *order : {"3 1 2 4", "1 4 3 2", "4 3 2 1", "2 3 4 1"}) {
-        std::vector<kwSize> p;
-        for (int k = 0; k < 4; ++k) p.push_back(static_cast<kwSize>(order[2 * k] - '1'));
-        check_moves<double>(a, permute(a, arr(order)), dims, p);
-    }
 }
 
 // clang-format off
 const char *const rows_of_classes[][3] = {
-    {"logical 1x2: 1 0", "2 1", "logical 2x1: 1; 0"},
     {"1 2", "3 1 2", "double 1x1x2: 1 | 2"},
     {"double 1x1x2: 1 | 2", "3 2 1", "double 2x1: 1; 2"}, // ones at the end go
     {"cell 1x2: {1} {}", "2 1", "cell 2x1: {1} {}"},
     {"struct 1x2 a,b: {1} {2} {} {4}", "2 1", "struct 2x1 a,b: {1} {2} {} {4}"},
-    {"function_handle 2x2: 1 2 3 4", "2 1", "function_handle 2x2: 1 3 2 4"},
-    {"sparse double 2x2: (0,1)=3", "2 1", "sparse double 2x2: (1,0)=3"},
     {"sparse double 2x2: (0,1)=3", "2 1 3", "sparse double 2x2: (1,0)=3"},
     {"1 2; 3 4", "sparse double 1x2: (0,0)=2 (0,1)=1", "1 3; 2 4"},
     {"1 2", "1.4 2.2", "1 2"}, // rounded: the identity
@@ -128,48 +123,36 @@ TEST_F(Permute, EveryClass) {
     }
 }
 
-TEST_F(Permute, ElementsOfContainersAreShared) {
-    oxArray *a = arr("cell 1x2: {1} {2}"), *b = permute(a, arr("2 1"));
+TEST_F(Permute, ElementsOfContainersAreSharedAndATrivialOrderSharesTheData) {
+    oxArray *a = arr("cell 1x2: {1} {2}"), *b = permute(a, arr("2 1")),
+            *c = permute(a, arr("1 2 3"));
     EXPECT_EQ(a->cell.slots[1], b->cell.slots[1]);
     EXPECT_EQ(oxGetReferenceCount(a->cell.slots[1]), 1u);
-}
-
-TEST_F(Permute, TheTrivialOrderSharesTheData) {
-    oxArray *a = arr("1 2; 3 4"), *b = permute(a, arr("1 2 3"));
-    EXPECT_TRUE(b != a && b->num.pdata == a->num.pdata && b->ndims == 2);
+    EXPECT_TRUE(c != a && c->num.pdata == a->num.pdata && c->ndims == 2);
     const oxArray *prhs[] = {a, arr("2 1 3")};
     oxArray *plhs[1];
     kwSize *dims, *order, n;
     ASSERT_FALSE(oxIsPermutationTrivial(1, plhs, 2, prhs, &dims, &order, &n));
     EXPECT_EQ(std::vector<kwSize>(order, order + n), std::vector<kwSize>({2, 1, 3}));
-    EXPECT_EQ(std::vector<kwSize>(dims, dims + n), std::vector<kwSize>({2, 2, 1}));
+    EXPECT_EQ(std::vector<kwSize>(dims, dims + n), std::vector<kwSize>({1, 2, 1}));
 }
 
 TEST_F(Permute, WrongArguments) {
-    const char *bad = "ORDER contains an invalid permutation index";
-    const struct {
-        const char *in, *order, *id, *message;
-    } cases[] = {
-        {"1 2", "int8 1x2: 1 2", "badIndexType", "ORDER must contain double-precision indices"},
-        {"1 2", "1", "tooFewIndices", "ORDER must have at least N elements for an N-D array"},
-        {"double 1x2x2: 1 2 | 3 4", "1 2", "tooFewIndices", nullptr},
-        {"1 2", "1 3", "badIndex", bad},
-        {"1 2", "0.4 1", "badIndex", bad},
-        {"1 2", "1 NaN", "badIndex", bad},
-        {"1 2", "-1 1e300", "badIndex", bad},
-        {"1 2", "1 1", "repeatedIndex", "ORDER cannot contain repeated permutation indices"},
-        {"1 2", "1 1 9", "badIndex", bad}, // every range before any repeat
-        {"int64 1x2: 1 2", "2 1", "unsupportedType", "Unsupported data type"},
-        {"uint64 1x2: 1 2", "2 1", "unsupportedType", nullptr},
-        {"object Point 1x2 px: {1} {2}", "2 1", "unsupportedType", nullptr},
-        {"opaque 1x2: 1 2", "2 1", "unsupportedType", nullptr},
-        {"sparse double 2x2: (0,1)=3", "1 3 2", "unsupportedType", nullptr},
+    const auto fails = [](const char *in, const char *order, const char *id, const char *message) {
+        SCOPED_TRACE(std::string(in) + " by " + order);
+        EXPECT_RAISES((std::string("VELTRO:permute:") + id).c_str(), message, permute(in, order));
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(std::string(c.in) + " by " + c.order);
-        EXPECT_RAISES((std::string("VELTRO:permute:") + c.id).c_str(), c.message,
-                      permute(c.in, c.order));
-    }
+    fails("1 2", "int8 1x2: 1 2", "badIndexType", "ORDER must contain double-precision indices");
+    fails("1 2", "1", "tooFewIndices", "ORDER must have at least N elements for an N-D array");
+    fails("double 1x2x2: 1 2 | 3 4", "1 2", "tooFewIndices", nullptr);
+    for (const char *order :
+         {"1 3", "0.4 1", "1 NaN", "-1 1e300", "1 1 9"}) // ranges before repeats
+        fails("1 2", order, "badIndex", "ORDER contains an invalid permutation index");
+    fails("1 2", "1 1", "repeatedIndex", "ORDER cannot contain repeated permutation indices");
+    for (const char *in :
+         {"int64 1x2: 1 2", "uint64 1x2: 1 2", "object Point 1x2 px: {1} {2}", "opaque 1x2: 1 2"})
+        fails(in, "2 1", "unsupportedType", "Unsupported data type");
+    fails("sparse double 2x2: (0,1)=3", "1 3 2", "unsupportedType", nullptr);
     const oxArray *prhs[] = {arr("1"), arr("1"), arr("1")};
     oxArray *plhs[2];
     EXPECT_RAISES_ENTRY(FMAXLHS, oxPermuteFcn(2, plhs, 3, prhs));

@@ -36,72 +36,41 @@ TEST_F(Reshape, Sizes) {
 }
 
 TEST_F(Reshape, WhatIsNoSize) {
-    const oxArray *a = oxCreateNumericMatrix(3, 4, oxINT8_CLASS, oxREAL);
-    const struct {
-        bool vector;
-        std::vector<const char *> args;
-        const char *id, *message;
-    } cases[] = {
-        {true, {"12"}, "getReshapeDims:sizeVector", "Size vector must have at least two elements."},
-        {true, {"3+1i 4"}, "checkDimCommon:complexSize", "Size argument cannot be complex."},
-        {true,
-         {"-3 0.5"},
-         "checkDimCommon:nonnegativeSize",
-         "Size vector elements should be nonnegative."},
-        {true,
-         {"3; 4"},
-         "checkDimRow:rowSize",
-         "Size vector must be a row vector with integer elements."},
-        {true, {"3 4.5"}, "checkDimRow:rowSize", nullptr},
-        {true, {"3 NaN"}, "checkDimRow:rowSize", nullptr},
-        {true, {"3 Inf"}, "getReshapeDims:notRealInt", "Size arguments must be real integers."},
-        {true, {"char 1x2: 'ab'"}, "getReshapeDims:notRealInt", nullptr},
-        {true, {"cell 1x2: {3} {4}"}, "getReshapeDims:notRealInt", nullptr},
-        {true,
-         {"3 5"},
-         "getReshapeDims:notSameNumel",
-         "To RESHAPE the number of elements must not change."},
-        {false,
-         {"3 4", "1"},
-         "checkDimScalar:scalarSize",
-         "Size arguments must be integer scalars."},
-        {false, {"1+1i", "1"}, "checkDimCommon:complexSize", nullptr},
-        {false, {"-1", "1"}, "checkDimCommon:nonnegativeSize", nullptr},
-        {false, {"1.5", "1"}, "getReshapeDims:notRealInt", nullptr},
-        {false, {"NaN", "1"}, "getReshapeDims:notRealInt", nullptr},
-        {false, {"Inf", "1"}, "getReshapeDims:notRealInt", nullptr},
-        {false, {"logical 1x1: 1", "12"}, "getReshapeDims:notRealInt", nullptr},
-        {false,
-         {"double 0x0", "cell 0x0"},
-         "getReshapeDims:unknownDim",
-         "Size can only have one unknown dimension."},
-        {false,
-         {"double 0x0", "5"},
-         "getReshapeDims:notDivisible",
-         "Product of known dimensions, 5, not divisible into total number of elements, 12."},
-        {false,
-         {"double 0x0", "0"},
-         "getReshapeDims:notDivisible",
-         "Product of known dimensions, 0, not divisible into total number of elements, 12."},
-        {false,
-         {"double 0x0", "4294967296", "1099511627776"},
-         "getReshapeDims:notDivisible",
-         "Product of known dimensions, 4722366482869645213696, not divisible into total number of "
-         "elements, 12."},
-        {false, {"4294967296", "4294967296"}, "getReshapeDims:notSameNumel", nullptr},
+    const oxArray *a = oxCreateNumericMatrix(3, 4, oxINT8_CLASS, oxREAL), *none = arr("double 0x1");
+    const auto fails = [](const oxArray *of, bool vector, const std::vector<const char *> &args,
+                          const std::string &id, const std::string &message) {
+        SCOPED_TRACE(args[0]);
+        EXPECT_RAISES(("VELTRO:" + id).c_str(), message.c_str(), reshape(of, vector, args));
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.args[0]);
-        EXPECT_RAISES((std::string("VELTRO:") + c.id).c_str(), c.message,
-                      reshape(a, c.vector, c.args));
-    }
-    const oxArray *empty = arr("double 0x1");
-    EXPECT_RAISES("VELTRO:getReshapeDims:indeterminateAction",
-                  "Indeterminate reshape action requested.",
-                  reshape(empty, false, {"double 0x0", "0"}));
-    // 2^64 elements are not none.
-    EXPECT_RAISES("VELTRO:getReshapeDims:notSameNumel", nullptr,
-                  reshape(empty, true, {"4294967296 4294967296"}));
+    const std::string row = "Size vector must be a row vector with integer elements.",
+                      real = "Size arguments must be real integers.",
+                      same = "To RESHAPE the number of elements must not change.",
+                      sign = "Size vector elements should be nonnegative.",
+                      complex = "Size argument cannot be complex.";
+    fails(a, true, {"12"}, "getReshapeDims:sizeVector",
+          "Size vector must have at least two elements.");
+    fails(a, true, {"3+1i 4"}, "checkDimCommon:complexSize", complex);
+    fails(a, true, {"-3 0.5"}, "checkDimCommon:nonnegativeSize", sign);
+    for (const char *no_row : {"3; 4", "3 4.5", "3 NaN"})
+        fails(a, true, {no_row}, "checkDimRow:rowSize", row);
+    for (const char *no_int : {"3 Inf", "char 1x2: 'ab'", "cell 1x2: {3} {4}"})
+        fails(a, true, {no_int}, "getReshapeDims:notRealInt", real);
+    fails(a, true, {"3 5"}, "getReshapeDims:notSameNumel", same);
+    fails(none, true, {"4294967296 4294967296"}, "getReshapeDims:notSameNumel", same); // 2^64
+    fails(a, false, {"3 4", "1"}, "checkDimScalar:scalarSize",
+          "Size arguments must be integer scalars.");
+    fails(a, false, {"1+1i", "1"}, "checkDimCommon:complexSize", complex);
+    fails(a, false, {"-1", "1"}, "checkDimCommon:nonnegativeSize", sign);
+    for (const char *no_int : {"1.5", "NaN", "Inf", "logical 1x1: 1"})
+        fails(a, false, {no_int, "12"}, "getReshapeDims:notRealInt", real);
+    fails(a, false, {"double 0x0", "cell 0x0"}, "getReshapeDims:unknownDim",
+          "Size can only have one unknown dimension.");
+    for (const char *p : {"5", "0", "4294967296"})
+        fails(a, false, {"double 0x0", p}, "getReshapeDims:notDivisible",
+              std::string("Product of known dimensions, ") + p +
+                  ", not divisible into total number of elements, 12.");
+    fails(none, false, {"double 0x0", "0"}, "getReshapeDims:indeterminateAction",
+          "Indeterminate reshape action requested.");
 }
 
 // A sparse array may have more elements than 64 bits count.

@@ -46,6 +46,4 @@ void warn_of_conversion(uint32_t kind, const char *class_name) {
         if (t.kind == kind) oxWarningMsgIdAndTxt(t.id, t.text, class_name, class_name);
 }
 
-void reset_conversion_warnings() { warnings_cached = false; }
-
 } // namespace ox

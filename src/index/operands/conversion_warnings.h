@@ -12,7 +12,4 @@ uint32_t shown_conversion_warnings();
 // Issues the warning of one kind for the destination class.
 void warn_of_conversion(uint32_t kind, const char *class_name);
 
-// Forgets the statuses, for tests that reset the warning manager.
-void reset_conversion_warnings();
-
 } // namespace ox
