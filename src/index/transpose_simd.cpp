@@ -1,11 +1,10 @@
 // The vector transpose kernels, compiled once for each instruction set and chosen at run time.
 #include <core/dispatch.h>
+#include <core/simd_targets.h>
 #include <core/stream_copy.h>
 #include <core/tuning.h>
 #include <index/transpose_kernels.h>
 
-// Vectors of unknown length cannot be kept in arrays.
-#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "index/transpose_simd.cpp"
 #include <hwy/foreach_target.h>

@@ -1,9 +1,8 @@
 // The vector conversion kernels, compiled once for each instruction set and chosen at run time.
 #include <core/dispatch.h>
+#include <core/simd_targets.h>
 #include <index/operands/convert_rules.h>
 
-// Vectors of unknown length cannot be kept in the arrays and pairs used here.
-#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "index/operands/convert_simd.cpp"
 #include <hwy/foreach_target.h>
