@@ -9,6 +9,7 @@ function(ox_bind_inside target)
     target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
     if(CMAKE_CXX_COMPILER_ID STREQUAL GNU) # Clang leaves the sanitizers' symbols to the program.
       target_link_options(${target} PRIVATE LINKER:-z,defs)
+      target_link_options(${target} PRIVATE LINKER:--version-script=${CMAKE_CURRENT_FUNCTION_LIST_DIR}/exports.map)
     endif()
   endif()
 endfunction()

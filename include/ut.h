@@ -241,6 +241,7 @@ UT_API void ut_delete_ghash_table(ut_ghash *table);
 
 /* ---- Numbers ---- */
 
+/** A quiet NaN, positive infinity, the distance from 1 to the next double, and that of float. */
 UT_API double utGetNaN(void);
 UT_API double utGetInf(void);
 UT_API double utGetEps(void);

@@ -26,7 +26,8 @@ OX_API void oxMoveArrayFromPreviousContext(int index, oxArray *a);
 /* Calls fn for each array of the current context, last listed first. */
 OX_API void oxApplyToAllArraysOnArrayList(void (*fn)(oxArray *));
 
-OX_API bool oxIsTemp(const oxArray *a); /* scope is oxSCOPE_TEMPORARY */
+/* Whether the scope is oxSCOPE_TEMPORARY, and the scope itself. */
+OX_API bool oxIsTemp(const oxArray *a);
 OX_API int oxGetArrayScopeField(const oxArray *a);
 /* Stores a scope; becoming temporary enters the array on the list, ceasing to be takes it off. */
 OX_API void oxSetArrayScope(oxArray *a, int scope);

@@ -25,6 +25,7 @@ OX_API bool oxIsClass(const oxArray *a, const char *name);
 OX_API kwSize oxGetElementSize(const oxArray *a);
 OX_API kwSize oxGetElementSizeofClassID(oxClassID id);
 
+/* Whether the stored class is the one of the name; a comment says where it is more. */
 OX_API bool oxIsCell(const oxArray *a);
 OX_API bool oxIsStructClass(const oxArray *a); /* struct, not object */
 OX_API bool oxIsStruct(const oxArray *a);      /* struct or object */
@@ -52,6 +53,7 @@ OX_API bool oxIsSparse(const oxArray *a);
 
 /* --- Flags ------------------------------------------------------------------------------ */
 
+/* One bit of the header each. */
 OX_API bool oxIsCommaList(const oxArray *a);
 OX_API bool oxIsReusable(const oxArray *a);
 OX_API bool oxIsDataPrivate(const oxArray *a);
@@ -135,6 +137,7 @@ OX_API void oxReInitArray2ScalarDouble(oxArray *a);
 
 /* --- Where the fields lie, in bytes from the record's start ------------------------------ */
 
+/* For code that reads the record without its C++ definition. */
 OX_API kwSize oxGetPdataOffset(void);
 OX_API kwSize oxGetCellsOffset(void);
 OX_API kwSize oxGetLinkOffset(void);

@@ -12,6 +12,7 @@ OX_BEGIN_C
    limit, it raises error 18; before oxInitArrayListManager it returns null instead. Classes that
    are not numeric never get an imaginary part. */
 
+/* m-by-n, of a class, of double, of logical. */
 OX_API oxArray *oxCreateNumericMatrix_730(kwSize m, kwSize n, oxClassID id, oxComplexity c);
 OX_API oxArray *oxCreateDoubleMatrix_730(kwSize m, kwSize n, oxComplexity c);
 OX_API oxArray *oxCreateLogicalMatrix_730(kwSize m, kwSize n);
@@ -33,6 +34,7 @@ OX_API oxArray *oxCreateLogicalMatrixWithReuse(kwSize m, kwSize n, kwSize ncand,
 OX_API oxArray *oxCreateLogicalArrayWithReuse(kwSize ndim, const kwSize *dims, kwSize ncand,
                                               oxArray *const *cand);
 
+/* 1-by-1 arrays that hold value; oxCreateNumericScalar holds zero. */
 OX_API oxArray *oxCreateDoubleScalar(double value);
 OX_API oxArray *oxCreateSingleScalar(float value);
 OX_API oxArray *oxCreateLogicalScalar(bool value); /* the byte is stored as passed */

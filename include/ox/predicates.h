@@ -39,6 +39,7 @@ OX_API bool oxIsIntScalar(const oxArray *a);       /* as oxIsIntVector */
 
 /* --- Arrays and matrices ------------------------------------------------------------------ */
 
+/* The class of the name, and neither NaN nor infinity in either part. */
 OX_API bool oxIsFiniteDoubleArray(const oxArray *a);
 OX_API bool oxIsFiniteSingleArray(const oxArray *a);
 OX_API bool oxIsFiniteNumericArray(const oxArray *a); /* any numeric class */

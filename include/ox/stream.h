@@ -192,7 +192,8 @@ OX_API void oiSetSubsystemData(oiStreamRec_tag *s, oxArray *a);
    be. */
 typedef struct gzipString_tag gzipString_tag;
 
-OX_API gzipString_tag *oiNewGzipString(void); /* null without memory */
+/* Made idle (null without memory), and freed; null is ignored. */
+OX_API gzipString_tag *oiNewGzipString(void);
 OX_API void oiDeallocateGzipString(gzipString_tag *g);
 /* The compressor of a stream; null for buffer streams. */
 OX_API gzipString_tag *oiGetGzipString(const oiStreamRec_tag *s);

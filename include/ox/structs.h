@@ -29,6 +29,7 @@ OX_API oxArray *oxCreateStackStruct(kwSize n, const char *const *file, const cha
 
 /* None of these checks the class of the array, nor a position of element or field. */
 
+/* 0 for a struct without fields. */
 OX_API int oxGetNumberOfFields(const oxArray *a);
 /* The names in field order, or null without fields; the array's own, until its fields change. A
    single name stays valid for ever. */

@@ -1,0 +1,67 @@
+#!/usr/bin/env bash
+# check.sh golden|update|levels|fortran LIB... , check.sh documented: see README.md.
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+root=$here/../..
+word=$1
+shift
+export LC_ALL=C
+
+symbols() { nm -D --defined-only "$1" | awk '{ sub(/@.*/, "", $3); print $3 }' | sort -u; }
+golden() { echo "$here/golden/$(basename "$1").txt"; }
+
+# missing WHAT FILE: status 1 when stdin has lines that FILE (sorted) lacks; they are printed.
+missing() {
+    local lines
+    lines=$(sort -u | comm -23 - "$2")
+    [ -z "$lines" ] || { echo "$1:" && echo "$lines" && return 1; }
+}
+
+status=0
+case $word in
+golden)
+    for lib in "$@"; do
+        diff -u "$(golden "$lib")" <(symbols "$lib") || status=1
+    done
+    [ $status = 0 ] || echo "The exported symbols changed. If that is intended: $here/check.sh update $*"
+    ;;
+update)
+    for lib in "$@"; do symbols "$lib" >"$(golden "$lib")"; done
+    ;;
+levels)
+    have=$(mktemp)
+    trap 'rm -f "$have"' EXIT
+    symbols "$1" >"$have"
+    sed -n 's/^#define \(ox[A-Za-z0-9_]*\) OX_LEVEL(.*/\1\n\1_700\n\1_730/p' "$root/include/ox/levels.h" |
+        missing "two-level functions without their three symbols" "$have" || status=1
+    sed -n 's/^#define \(ox[A-Za-z0-9_]*\) \(ox[A-Za-z0-9_]*_700\)$/\1\n\2/p' "$root/include/ox/compat.h" |
+        missing "functions with a form at level 700 only" "$have" || status=1
+    ;;
+fortran)
+    have=$(mktemp) names=$(mktemp) bound=$(mktemp) typed=$(mktemp)
+    trap 'rm -f "$have" "$names" "$bound" "$typed"' EXIT
+    symbols "$1" >"$have"
+    def=$root/src/compat/fortran.def
+    sed -nE 's/^ENTRY\((OX[A-Z0-9]+),.*/\1/p; s/^SIZED\((OX[A-Z0-9]+),.*/\1\n\1700\n\1730/p' "$def" |
+        sort >"$names"
+    awk '{ print; print tolower($1); print tolower($1) "_" }' "$names" |
+        missing "names without all three spellings" "$have" || status=1
+    grep -x 'OX[A-Z0-9]*' "$have" | missing "exported, but not in fortran.def" "$names" || status=1
+    sed -nE 's/.*bind\(C, name="([^"]*)"\).*/\1/p' "$root"/fortran/ox_*.inc | sort >"$bound"
+    grep -vx OXCREATEFULL "$names" | missing "names without an explicit interface" "$bound" || status=1
+    missing "explicit interfaces of no entry point" "$names" <"$bound" || status=1
+    awk '$1 == "external" { print $2 }' "$root/fortran/oxfort.inc" | sort >"$typed"
+    missing "types of no entry point" "$names" <"$typed" || status=1
+    sed -nE 's/^ENTRY\((OX[A-Z0-9]+), [a-z0-9]+, ([^v]|void \*).*/\1/p
+        s/^SIZED\((OX[A-Z0-9]+), [a-z0-9]+, ([^v]|void \*).*/\1\n\1700\n\1730/p' "$def" |
+        grep -vx OXCREATEFULL | missing "functions without a type in oxfort.inc" "$typed" || status=1
+    ;;
+documented)
+    awk -f "$here/documented.awk" "$root"/include/ut.h "$root"/include/fl.hpp "$root"/include/ox/*.h || status=1
+    ;;
+*)
+    echo "check.sh: unknown word $word" >&2
+    exit 2
+    ;;
+esac
+exit $status
