@@ -103,6 +103,16 @@ int32_t get_contents(oiStreamRec_tag *s, const Tag &tag, oiItem_tag *item, Want 
     return get_array(s, tag, item, header ? ReadDepth::header_only : ReadDepth::everything);
 }
 
+// Takes back what an item was given.
+void take_back(oiStreamRec_tag *s, oiItem_tag *item) {
+    if (item->data == &item->name || !item->data) return;
+    if (item->type == oiMATRIX)
+        oxDestroyArray(static_cast<oxArray *>(item->data));
+    else
+        s->free(item->data);
+    item->data = nullptr;
+}
+
 // A compressed element holds one element that is not compressed. What it claims to hold must be
 // possible to deflate into its length.
 int32_t get_packed(oiStreamRec_tag *s, uint64_t length, oiItem_tag *item, Want want) {
@@ -112,8 +122,10 @@ int32_t get_packed(oiStreamRec_tag *s, uint64_t length, oiItem_tag *item, Want w
     if (status == oiSUCCESS && is_compressed(tag)) status = oiREFUSED;
     if (status == oiSUCCESS && !tag.small && tag.count > inflate_ratio * length)
         status = oiSHORT_READ;
+    const void *given = item->data;
     if (status == oiSUCCESS) status = get_contents(s, tag, item, want);
     const int32_t ended = end_unpacking(s);
+    if (status == oiSUCCESS && ended != oiSUCCESS && item->data != given) take_back(s, item);
     return status != oiSUCCESS ? status : ended;
 }
 
