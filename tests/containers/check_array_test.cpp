@@ -89,14 +89,4 @@ TEST_F(CheckArray, FindsEachFaultAndNoOther) {
     }
 }
 
-TEST_F(CheckArray, ReferencesAndSharersAreNoFault) {
-    oxArray *a = arr("cell 1x2: {1} {}");
-    oxIncRefCount(slot(a));
-    slot(a, 1) = slot(a);
-    EXPECT_FALSE(check_array(a));
-    oxArray *s = oxUnshareShallow(oxCreateSharedDataCopy(a));
-    EXPECT_FALSE(check_array(s));
-    EXPECT_EQ(oxGetReferenceCount(slot(a)), 3u);
-}
-
 } // namespace

@@ -1,6 +1,7 @@
-// Copies of every kind of array, references, unsharing, and protected pointers; what follows when
-// these meet is the subject of the random walk.
+// Copies of every kind of array, references, unsharing, scopes and protected pointers; what follows
+// when these meet is the subject of the random walk.
 #include <containers/check_array.h>
+#include <core/array_list.h>
 #include <core/imaginary.h>
 #include <ox.hpp>
 #include <support/array_text.h>
@@ -77,20 +78,9 @@ TEST_F(Copies, EmptyCopiesKeepTheClassAndSkeletonsTheShape) {
         s->num.ir = static_cast<kwIndex *>(oxCallocEx(1, sizeof(kwIndex)));
         s->num.jc = static_cast<kwIndex *>(oxCallocEx(cols(s) + 1, sizeof(kwIndex)));
     }
-    EXPECT_FALSE(oxIsComplex(oxCreateSkeletonCopy(arr("1+2i"), 0)));
-    EXPECT_EQ(oxGetData(oxCreateSkeletonCopy(arr("double 0x3"), 1)), nullptr);
     oxArray *marked = arr("1 2");
     oxMarkImagData(marked);
     EXPECT_TRUE(oxCreateDeepCopy(marked)->is_imag_marked());
-}
-
-TEST_F(Copies, AClaimLeavesTheRestOfTheRingWhole) {
-    oxArray *a = arr("double 1x2x2: 1 2 | 3 4"), *other = oxCreateSharedDataCopy(a);
-    EXPECT_TRUE(shares(oxCreateClaimedDataCopy(a), a)); // not reusable: a plain shared copy
-    a->set_reusable(true);
-    oxArray *c = oxCreateClaimedDataCopy(a);
-    EXPECT_TRUE(shares(c, other) && !a->cross_link && oxIsReusable(a) && oxIsTemp(a));
-    EXPECT_EQ(text(a), "unknown 0x0");
 }
 
 TEST_F(Copies, ShallowUnsharingKeepsTheElements) {
@@ -101,20 +91,89 @@ TEST_F(Copies, ShallowUnsharingKeepsTheElements) {
 }
 
 TEST_F(Copies, APrivateBlockIsNeverFreedWhoeverUnsharesFirst) {
-    const std::function<void(oxArray *, oxArray *)> unshare[] = {
-        [](oxArray *a, oxArray *) { oxUnshare(a); }, [](oxArray *, oxArray *b) { oxUnshare(b); },
-        [](oxArray *, oxArray *b) { oxUnshareOtherArrays(b); },
-        [](oxArray *a, oxArray *) { oxDestroyArray(a); }};
     static double block[2] = {1, 2}; // freeing it would not survive
-    for (const auto &first : unshare) {
+    for (int way = 0; way < 4; ++way) {
         oxArray *a = arr("double 0x2");
         oxSetDataPrivateFlag(a, true);
         a->set_pdata(block);
         oxSetM_730(a, 1);
         oxArray *b = oxCreateSharedDataCopy(a), *c = oxCreateSharedDataCopy(a);
-        first(a, b);
+        if (way == 0) oxUnshare(a);
+        if (way == 1) oxUnshare(b);
+        if (way == 2) oxUnshareOtherArrays(b);
+        if (way == 3) oxDestroyArray(a);
         EXPECT_EQ(text(b) + text(c), "double 1x2: 1 2double 1x2: 1 2");
     }
+}
+
+// A sharer of the array's data that already has the scope.
+oxArray *property_sharer(oxArray *a) {
+    oxArray *sharer = oxCreateSharedDataCopy(a);
+    oxSetArrayScope(sharer, oxSCOPE_PROPERTY);
+    return sharer;
+}
+
+TEST_F(Copies, AnArrayOfItsOwnChangesItsScopeAndLeavesTheList) {
+    oxArray *a = arr("double 0x0");
+    oxSetEmptySqrBrktFlag(a, true);
+    const kwSize listed = array_list_length();
+    EXPECT_EQ(oxPreparePropertyValueForContainment(a), a);
+    EXPECT_TRUE(a->scope == oxSCOPE_PROPERTY && !a->has_flag(oxFLAG_EMPTY_BRACKET));
+    EXPECT_EQ(array_list_length(), listed - 1);
+    oxIncRefCount(a); // with the scope already, it is returned whoever else holds it
+    EXPECT_EQ(oxPreparePropertyValueForContainment(a), a);
+    oxArray *copy = contained(a); // another scope: a copy, and one reference less
+    EXPECT_TRUE(copy != a && copy->scope == oxSCOPE_CONTAINED);
+    EXPECT_EQ(oxGetReferenceCount(a), 0u);
+    EXPECT_EQ(oxPreparePropertyValueForContainment(nullptr), nullptr);
+    for (oxArray *p : {a, copy}) oxDestroyArray(p);
+}
+
+TEST_F(Copies, ASharerThatHasTheScopeStandsForTheArray) {
+    for (const char *of : {"7", "double 1x1x2: 1 | 2", "struct 1x1 a: {1}", "cell 1x1: {1}"}) {
+        SCOPED_TRACE(of);
+        oxArray *a = arr(of), *sharer = property_sharer(a);
+        oxClearScalarDoubleFlag(sharer);
+        EXPECT_EQ(oxPreparePropertyValueForContainment(a), sharer);
+        EXPECT_EQ(oxGetReferenceCount(sharer), 1u);
+        EXPECT_FALSE(sharer->cross_link);
+        EXPECT_EQ(oxIsScalarDoubleFlagSet(sharer), of[0] == '7');
+        for (int owner = 0; owner < 2; ++owner) oxDestroyArray(sharer);
+    }
+}
+
+TEST_F(Copies, ASharerThatDiffersDoesNot) {
+    const std::pair<const char *, void (*)(oxArray *)> differences[] = {
+        {"scope", [](oxArray *s) { oxSetArrayScope(s, 9); }},
+        {"empty bracket", [](oxArray *s) { oxSetEmptySqrBrktFlag(s, true); }},
+        {"list mark", [](oxArray *s) { s->set_flag(oxFLAG_LIST_MARK, true); }},
+        {"dimensions", [](oxArray *s) { oxSetM_730(s, 2), oxSetN_730(s, 1); }},
+        {"class", [](oxArray *s) { s->class_code = oxOBJECT_CLASS; }},
+        {"fields", [](oxArray *s) { oxUnshareOtherArrays(s), oxAddField(s, "more"); }},
+    };
+    for (const auto &[name, differ] : differences) {
+        SCOPED_TRACE(name);
+        oxArray *a = arr("struct 1x2 a: {1} {2}"), *sharer = property_sharer(a);
+        differ(sharer);
+        EXPECT_EQ(oxPreparePropertyValueForContainment(a), a);
+        EXPECT_EQ(a->scope, oxSCOPE_PROPERTY);
+        for (oxArray *p : {a, sharer}) oxDestroyArray(p);
+    }
+}
+
+// Deliberate: what an enclosing context listed stays on its list, unless it is moved first.
+TEST_F(Copies, AnArrayOfAnEnclosingContextIsMovedBeforeItIsContained) {
+    oxArray *a = arr("1"), *b = arr("2");
+    const int outer = oxEnterNewArrayListContext();
+    oxMoveArrayFromPreviousContext(outer, a);
+    EXPECT_EQ(contained(a), a);
+    EXPECT_FALSE(array_list_contains(a));
+    EXPECT_EQ(contained(b), b);
+    EXPECT_TRUE(array_list_contains(b));
+    oxExitArrayListContext(outer, nullptr, 0, true);
+    oxSetArrayScope(b, 4); // enters it a second time
+    array_list_remove(b);  // and off again; the first entry goes with the context
+    oxDestroyArray(a);
 }
 
 TEST_F(Copies, ExactCopiesAgreeInEveryFieldThatIsNotTheHeadersOwn) {
@@ -162,19 +221,22 @@ TEST(CopiesSweep, EveryFailedAllocationLeavesTheSourceAlone) {
         };
         sweep({"shared", {kind}, [](auto &in) { return oxCreateSharedDataCopy(in[0]); }});
         sweep({"empty", {kind}, [](auto &in) { return oxCreateEmptyCopy(in[0]); }});
-        sweep({.name = "deep",
-               .inputs = {kind},
-               .make = [](auto &in) { return oxCreateDeepCopy(in[0]); },
-               .changes_inputs = true}); // the failed copy stays in the source's ring
-        for (const auto unshare : {oxUnshare, oxUnshareShallow})
-            sweep({.name = "unshare",
-                   .act = [=](auto &in) { return unshare(in[0]) == in[0]; },
-                   .setup = pair});
-        sweep({.name = "unshare others",
-               .act = [](auto &in) { return oxUnshareOtherArrays(in[0]) == 0; },
-               .setup = pair});
+        Sweep deep{"deep", {kind}, [](auto &in) { return oxCreateDeepCopy(in[0]); }};
+        deep.changes_inputs = true; // the failed copy stays in the source's ring
+        sweep(deep);
+        Sweep in_ring{"unshare", {}, nullptr, [](auto &in) { return oxUnshare(in[0]) == in[0]; }};
+        in_ring.setup = pair;
+        sweep(in_ring);
+        in_ring.act = [](auto &in) { return oxUnshareShallow(in[0]) == in[0]; };
+        sweep(in_ring);
+        in_ring.act = [](auto &in) { return oxUnshareOtherArrays(in[0]) == 0; };
+        sweep(in_ring);
     }
     sweep({"skeleton", {"1+2i 3"}, [](auto &in) { return oxCreateSkeletonCopy(in[0], 1); }});
+    sweep({"not listed", {"1 2"}, nullptr, [](auto &in) { // raises even without managers
+               oxDestroyArray(oxCreateSharedCopyNotOnArrayList(in[0]));
+               return true;
+           }});
 }
 
 } // namespace

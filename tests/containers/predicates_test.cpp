@@ -8,6 +8,7 @@
 #include <support/host.h>
 #include <support/random.h>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace ox;
@@ -15,36 +16,35 @@ using namespace ox::test;
 
 namespace {
 
-struct Predicate {
-    const char *name;
-    bool (*holds)(const oxArray *);
-};
-const Predicate predicates[] = {
-    {"Vector", oxIsVector},
-    {"Vector2D", oxIsVector2D},
-    {"Scalar", oxIsScalar},
-    {"CharVector", oxIsCharVector},
-    {"RealVector", oxIsRealVector},
-    {"RealOrInfVector", oxIsRealOrInfVector},
-    {"RealInfOrNaNVector", oxIsRealInfOrNaNVector},
-    {"ComplexVector", oxIsComplexVector},
-    {"IntVector", oxIsIntVector},
-    {"IntOrUIntVector", oxIsIntOrUIntVector},
-    {"NumericInfOrNaNVector", oxIsNumericInfOrNaNVector},
-    {"SingleVector", oxIsSingleVector},
-    {"FiniteNumericVector", oxIsFiniteNumericVector},
-    {"RealScalar", oxIsRealScalar},
-    {"RealOrInfScalar", oxIsRealOrInfScalar},
-    {"IntScalar", oxIsIntScalar},
-    {"FiniteDoubleArray", oxIsFiniteDoubleArray},
-    {"FiniteSingleArray", oxIsFiniteSingleArray},
-    {"FiniteNumericArray", oxIsFiniteNumericArray},
-    {"Double2dMatrix", oxIsDouble2dMatrix},
-    {"Single2dMatrix", oxIsSingle2dMatrix},
-    {"Real2dMatrix", oxIsReal2dMatrix},
-    {"Complex2dMatrix", oxIsComplex2dMatrix},
-    {"FiniteNumeric2dMatrix", oxIsFiniteNumeric2dMatrix},
-    {"FiniteNumeric2dNonComplexMatrix", oxIsFiniteNumeric2dNonComplexMatrix}};
+using Predicate = std::pair<std::string, bool (*)(const oxArray *)>;
+#define P(name)                                                                                    \
+    Predicate { #name, oxIs##name }
+const Predicate predicates[] = {P(Vector),
+                                P(Vector2D),
+                                P(Scalar),
+                                P(CharVector),
+                                P(RealVector),
+                                P(RealOrInfVector),
+                                P(RealInfOrNaNVector),
+                                P(ComplexVector),
+                                P(IntVector),
+                                P(IntOrUIntVector),
+                                P(NumericInfOrNaNVector),
+                                P(SingleVector),
+                                P(FiniteNumericVector),
+                                P(RealScalar),
+                                P(RealOrInfScalar),
+                                P(IntScalar),
+                                P(FiniteDoubleArray),
+                                P(FiniteSingleArray),
+                                P(FiniteNumericArray),
+                                P(Double2dMatrix),
+                                P(Single2dMatrix),
+                                P(Real2dMatrix),
+                                P(Complex2dMatrix),
+                                P(FiniteNumeric2dMatrix),
+                                P(FiniteNumeric2dNonComplexMatrix)};
+#undef P
 
 // What every finite double of two dimensions is, and its real vectors of whole numbers.
 const std::string finite = "FiniteDoubleArray FiniteNumericArray Double2dMatrix Complex2dMatrix "
@@ -111,10 +111,8 @@ TEST_F(Predicates, Table) {
         SCOPED_TRACE(row.array);
         const oxArray *a = arr(row.array);
         const std::string expected = ' ' + row.passes + ' ';
-        for (const Predicate &p : predicates)
-            EXPECT_EQ(p.holds(a),
-                      expected.find(' ' + std::string(p.name) + ' ') != std::string::npos)
-                << p.name;
+        for (const auto &[name, holds] : predicates)
+            EXPECT_EQ(holds(a), expected.find(' ' + name + ' ') != std::string::npos) << name;
     }
 }
 
@@ -134,17 +132,16 @@ TEST(ValueTests, KernelsAgreeWithPlainLoopsWhereverTheOddValueStands) {
         for (double &v : x) v = static_cast<double>(random.between(-1000, 1000));
         if (n && round % 8) random.pick(x) = random.pick(odd);
         const std::vector<float> f(x.begin(), x.end());
-        bool all_finite_d = true, all_finite_f = true, nan = false, whole = true;
-        for (const double v : x) {
-            all_finite_d = all_finite_d && std::isfinite(v);
-            all_finite_f = all_finite_f && std::isfinite(static_cast<float>(v));
-            nan = nan || std::isnan(v);
-            whole = whole && v == std::floor(v) && v >= -0x1p31 && v <= 0x1p31 - 1;
-        }
-        EXPECT_EQ(all_finite(x.data(), n), all_finite_d);
-        EXPECT_EQ(all_finite(f.data(), n), all_finite_f);
-        EXPECT_EQ(any_nan(x.data(), n), nan);
-        EXPECT_EQ(all_whole_within(x.data(), n, -0x1p31, 0x1p31 - 1), whole);
+        const auto is_finite = [](auto v) { return std::isfinite(v); };
+        const auto whole = [](double v) {
+            return v == std::floor(v) && v >= -0x1p31 && v <= 0x1p31 - 1;
+        };
+        EXPECT_EQ(all_finite(x.data(), n), std::ranges::all_of(x, is_finite));
+        EXPECT_EQ(all_finite(f.data(), n), std::ranges::all_of(f, is_finite));
+        EXPECT_EQ(any_nan(x.data(), n),
+                  std::ranges::any_of(x, [](double v) { return std::isnan(v); }));
+        EXPECT_EQ(all_whole_within(x.data(), n, -0x1p31, 0x1p31 - 1),
+                  std::ranges::all_of(x, whole));
     }
 }
 

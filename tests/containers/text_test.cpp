@@ -42,25 +42,19 @@ TEST_F(TextTest, BytesOfTheLocalCodePageBothWays) {
         ASSERT_TRUE(utSetLocalCodePage(page));
         oxArray *a = oxCreateStringFromNChars_730(bytes.data(), bytes.size());
         EXPECT_EQ(text(a), text(chars(units)));
-        EXPECT_EQ(text(oxCreateString(bytes.c_str())), text(a));
+        for (const auto create : {oxCreateString, oxCreateString_UTF8}) // not UTF-8 for either
+            EXPECT_EQ(text(create(bytes.c_str())), text(a));
         EXPECT_EQ(owned(oxArrayToString(a)), bytes);
         EXPECT_EQ(oxArrayToStdString(a), bytes);
     }
 }
 
-TEST_F(TextTest, Utf8CreatorsOfSingleStringsReadTheLocalCodePage) {
-    utSetLocalCodePage("ISO-8859-1");
-    EXPECT_EQ(text(oxCreateString_UTF8("\xC3\xA9")), text(chars(u"\u00C3\u00A9")));
-    EXPECT_EQ(text(oxCreateStringFromNChars_UTF8("\xC3\xA9", 1)), text(chars(u"\u00C3")));
-}
-
 TEST_F(TextTest, NothingMakesAnEmptyArrayNotNull) {
-    for (const oxArray *a : {oxCreateString(nullptr), oxCreateString(""), chars(u""),
-                             oxCreateString_UTF16(nullptr), oxCreateString_UTF16(u"")})
-        EXPECT_EQ(text(a), "char 0x0");
-    EXPECT_EQ(text(oxCreateCharArray(0, nullptr)), "char 0x0");
     utSetLocalCodePage("UTF-16");
-    EXPECT_EQ(text(oxCreateString("\xFE\xFF")), "char 0x0"); // only a byte-order mark
+    for (const oxArray *a : {oxCreateString(nullptr), oxCreateString(""), chars(u""),
+                             oxCreateString_UTF16(nullptr), oxCreateString_UTF16(u""),
+                             oxCreateCharArray(0, nullptr), oxCreateString("\xFE\xFF")})
+        EXPECT_EQ(text(a), "char 0x0"); // the last is only a byte-order mark
 }
 
 // As the converter alone would do it: the copying of ASCII must not show.
@@ -74,7 +68,7 @@ TEST_F(TextTest, ReadingAgreesWithTheConverterOnRandomTexts) {
         for (auto n = random.below(4); n > 0 && !s.empty(); --n)
             s[random.below(s.size())] = random.pick(letters);
         oxArray *a = chars(s);
-        std::string expected(random.below(80) + 1, '#'), got = expected, chars_got = expected;
+        std::string expected(random.below(80) + 1, '#'), got = expected;
         UErrorCode status = U_ZERO_ERROR;
         char *target = expected.data();
         const oxChar *source = s.data();
@@ -83,15 +77,6 @@ TEST_F(TextTest, ReadingAgreesWithTheConverterOnRandomTexts) {
         *target = 0;
         EXPECT_EQ(oxGetString_730(a, got.data(), got.size()), status == U_BUFFER_OVERFLOW_ERROR);
         EXPECT_EQ(got, expected) << utGetLocalCodePage() << ", text " << text(a);
-
-        s.resize(std::min(s.size(), s.find(u'\0')));
-        expected.assign(expected.size(), '#');
-        status = U_ZERO_ERROR;
-        ucnv_fromUChars(utGetConverter(nullptr), expected.data(),
-                        static_cast<int32_t>(expected.size()), s.data(),
-                        static_cast<int32_t>(s.size()), &status);
-        oxGetNChars_730(a, chars_got.data(), expected.size());
-        EXPECT_EQ(chars_got, expected) << utGetLocalCodePage() << ", text " << text(a);
         oxDestroyArray(a);
     }
 }
@@ -107,6 +92,8 @@ TEST_F(TextTest, TheByteReadersAnswerOneForACutTextAndForNone) {
     EXPECT_EQ(buf, std::string("he\0####", 7));
     EXPECT_EQ(oxGetString_UTF8(chars(u"a\u00e9"), buf.data(), 3), 1);
     EXPECT_EQ(buf, std::string("a\xC3\0####", 7)); // cut inside a character
+    oxGetNChars_730(chars(u"hello"), buf.data(), 5); // room for the text, none for a NUL
+    EXPECT_EQ(buf, "hello##");
 }
 
 TEST_F(TextTest, Utf16ReadersAreBoundedByTheArrayAndAnswerOneWhenTheTextFits) {
@@ -131,15 +118,11 @@ TEST_F(TextTest, TheStringEndsAtTheFirstNul) {
     const oxArray *a = arr("char 1x5: '\\u00e9b\\u0000cd'"), *number = arr("double 1x1: 65");
     utSetLocalCodePage("ISO-8859-1");
     EXPECT_EQ(a->get_string_length(), 2);
-    EXPECT_EQ(owned(oxArrayToString(a)), "\xE9"
-                                         "b");
-    EXPECT_EQ(owned(oxArrayToString_UTF8(a)), "\xC3\xA9"
-                                              "b");
+    EXPECT_EQ(owned(oxArrayToString(a)) + owned(oxArrayToString_UTF8(a)), "\351b\303\251b");
     oxChar *s = oxArrayToString_UTF16(a);
     EXPECT_EQ(std::u16string(s), u"\u00E9b");
     oxFreeEx(s);
-    EXPECT_EQ(oxArrayToString(number), nullptr);
-    EXPECT_EQ(oxArrayToString_UTF16(nullptr), nullptr);
+    EXPECT_TRUE(!oxArrayToString(number) && !oxArrayToString_UTF16(nullptr));
     EXPECT_EQ(oxArrayToUTF8StdString(number), "");
 }
 
@@ -231,14 +214,12 @@ TEST_F(TextTest, AByteRowWithoutMemoryStaysNullAndAUnitRowTakesTheListWithIt) {
 TEST_F(TextTest, FailedAllocations) {
     static const std::string mixed = long_ascii + "\xC3\xA9"; // asks for a second block
     static const char *strs[] = {"ab", "c"};
-    const Sweep table[] = {
-        {.name = "string",
-         .make = [](auto &) { return oxCreateString(mixed.c_str()); },
-         .may_survive = true},
-        {"utf16", {}, [](auto &) { return oxCreateString_UTF16(u"abc"); }},
-        {"matrix", {}, [](auto &) { return oxCreateCharMatrixFromStrings_UTF8(2, strs); }},
-        {"bytes", {"char 1x2: 'ab'"}, [](auto &in) { return oxArrayToByteChars(in[0]); }}};
-    for (const Sweep &s : table) sweep(s);
+    Sweep long_text{"string", {}, [](auto &) { return oxCreateString(mixed.c_str()); }};
+    long_text.may_survive = true;
+    sweep(long_text);
+    sweep({"utf16", {}, [](auto &) { return oxCreateString_UTF16(u"abc"); }});
+    sweep({"matrix", {}, [](auto &) { return oxCreateCharMatrixFromStrings_UTF8(2, strs); }});
+    sweep({"bytes", {"char 1x2: 'ab'"}, [](auto &in) { return oxArrayToByteChars(in[0]); }});
 }
 
 } // namespace
