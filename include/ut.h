@@ -195,8 +195,6 @@ UT_API void utf8_to_utf16_n(utChar16 *dst, int32_t *n, const char *src, int32_t 
  * other. */
 UT_API size_t utWidenAscii(utChar16 *dst, const char *src, size_t n);
 UT_API size_t utNarrowAscii(char *dst, const utChar16 *src, size_t n);
-/** How many leading bytes are ASCII. */
-UT_API size_t utAsciiPrefix(const char *src, size_t n);
 
 /** This thread's ICU converter for an encoding name (null: the local code page), reset to its start
  *  state. Never close it; it lives until the thread ends. Null if the name is unknown or memory is

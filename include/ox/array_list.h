@@ -29,10 +29,12 @@ OX_API void oxApplyToAllArraysOnArrayList(void (*fn)(oxArray *));
 /* Whether the scope is oxSCOPE_TEMPORARY, and the scope itself. */
 OX_API bool oxIsTemp(const oxArray *a);
 OX_API int oxGetArrayScopeField(const oxArray *a);
-/* Stores a scope; becoming temporary enters the array on the list, ceasing to be takes it off. */
+/* Stores a scope; becoming temporary enters the array on the list (error 18 when that cannot
+   grow), ceasing to be takes it off. */
 OX_API void oxSetArrayScope(oxArray *a, int scope);
 /* Makes an array the value of an object property: scope oxSCOPE_PROPERTY. Consumes a and returns
-   the array to store, which may be another one that shares its data; null gives null. */
+   the array to store, which may be another one that shares its data; null gives null. Raises
+   error 18 when a copy is needed and no memory is left. */
 OX_API oxArray *oxPreparePropertyValueForContainment(oxArray *a);
 /* A shared copy that is not on the list and belongs to the caller; null gives null. Raises error
    18 when no memory is left. */

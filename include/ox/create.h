@@ -40,7 +40,8 @@ OX_API oxArray *oxCreateSingleScalar(float value);
 OX_API oxArray *oxCreateLogicalScalar(bool value); /* the byte is stored as passed */
 OX_API oxArray *oxCreateNumericScalar(oxClassID id, oxComplexity c);
 
-/* Element contents are undefined, except for 1-by-1. Raises error 19 above the size limits. */
+/* Element contents are undefined, except for 1-by-1. Raises error 19 when rows times columns (the
+   product of all further sizes) exceed the limit of elements or of bytes. */
 OX_API oxArray *oxCreateUninitNumericMatrix(kwSize m, kwSize n, oxClassID id, oxComplexity c);
 OX_API oxArray *oxCreateUninitNumericArray(kwSize ndim, const kwSize *dims, oxClassID id,
                                            oxComplexity c);
@@ -50,7 +51,8 @@ OX_API oxArray *oxCreateUninitDoubleMatrix(kwSize m, kwSize n, oxComplexity c);
 OX_API oxArray *oxCreateArrayFromTypeAttr(oxClassID id, oxArray_attributes attributes);
 
 /* Drops one reference; the last one frees the array, and its data unless others share them or
-   they are private. Null is ignored. */
+   they are private. Null is ignored. Sharers of private data get storage of their own, which
+   raises error 18 when no memory is left. */
 OX_API void oxDestroyArray(oxArray *a);
 /* Gives unused header memory back to the system; true when there was some. */
 OX_API bool oxRecoverArrayStorage(void);

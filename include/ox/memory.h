@@ -36,7 +36,8 @@ OX_API void *oxRealloc(void *block, kwSize size);
 OX_API void oxFree(void *block);
 
 /* Enters a block on the current context, or takes it off; null is ignored. Ownership moves to
-   the list, or back to the caller. Only the current context is searched. */
+   the list (which raises error 18, and leaves the block to the caller, when it cannot grow), or
+   back to the caller. Only the current context is searched. */
 OX_API void oxAddToAllocList(void *block);
 OX_API void oxRemoveFromAllocList(void *block);
 /* Whether any context lists the block; false for null. */

@@ -14,10 +14,10 @@ namespace {
 
 // Chunks of the usual size come from the heap's own pages, others from the C library.
 void *allocate_chunk(std::size_t bytes) {
-    void *chunk = bytes == SmallBlocks::chunk_bytes ? allocate_heap_chunk() : nullptr;
 #if defined(_WIN32)
-    return _aligned_malloc(bytes, bytes);
+    return _aligned_malloc(bytes, bytes); // the heap has no pages of its own there
 #else
+    void *chunk = bytes == SmallBlocks::chunk_bytes ? allocate_heap_chunk() : nullptr;
     return chunk ? chunk : std::aligned_alloc(bytes, bytes);
 #endif
 }

@@ -78,4 +78,3 @@ size_t utWidenAscii(utChar16 *dst, const char *src, size_t n) {
 size_t utNarrowAscii(char *dst, const utChar16 *src, size_t n) {
     return ut::narrow_ascii(dst, src, n);
 }
-size_t utAsciiPrefix(const char *src, size_t n) { return ut::ascii_prefix(src, n); }

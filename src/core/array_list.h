@@ -1,6 +1,9 @@
 // The array list and the hook slots through which the rest of the library reaches it.
 #pragma once
 #include <core/array.h>
+#include <core/check_header.h>
+
+#include <cassert>
 
 namespace ox {
 
@@ -17,6 +20,7 @@ extern ArrayHooks array_hooks; // defined, with its contents at load, in contain
 
 // Hands a new array (or null: the creation failed) to the created hook and returns it.
 inline oxArray *hand_over(oxArray *a) {
+    assert(!a || well_formed(a));
     if (array_hooks.created) array_hooks.created(a);
     return a;
 }

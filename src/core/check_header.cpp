@@ -3,7 +3,6 @@
 #include <core/check_header.h>
 #include <core/class_table.h>
 #include <core/csc_rules.h>
-#include <core/dispatch.h>
 #include <core/name_index.h>
 #include <core/size_check.h>
 
@@ -14,10 +13,6 @@ constexpr uint32_t meaningful_flags =
     oxFLAG_SCALAR_DOUBLE | oxFLAG_EMPTY_BRACKET | oxFLAG_GLOBAL_WS | oxFLAG_LIST_MARK |
     oxFLAG_SPARSE | oxFLAG_HEADER_KEPT | oxFLAG_COLON | oxFLAG_PRIVATE_DATA | oxFLAG_NUMERIC |
     oxFLAG_COMMA_LIST | oxFLAG_INDEXING_OPAQUE | oxFLAG_REUSABLE | oxUSER_BITS_MASK;
-
-bool holds_values(const oxArray *a) {
-    return visit_class(a->class_code, false, []<class T>(std::type_identity<T>) { return true; });
-}
 
 // As stored: completing them would run code of the class layer.
 const kwSize *stored_dimensions(const oxArray *a) { return a->ndims <= 2 ? a->mn : a->dim_vector; }
@@ -80,7 +75,8 @@ int check_owners(const oxArray *a) {
 
 int check_kind(const oxArray *a) {
     const bool chars = a->class_code == oxCHAR_CLASS;
-    if (is_sparse(a) && (a->ndims != 2 || !holds_values(a) || chars)) return rule_sparse;
+    if (is_sparse(a) && (a->ndims != 2 || !holds_values(a->class_code) || chars))
+        return rule_sparse;
     if (a->has_flag(oxFLAG_COLON) && !is_numeric(a) && !chars) return rule_colon;
     if (a->is_indexing_opaque() && a->class_code != oxOPAQUE_CLASS) return rule_indexing_opaque;
     if (a->dim32 && (a->dim32->length < 0 || (a->dim32->length > 0 && !a->dim32->dims)))
@@ -108,12 +104,12 @@ int check_record(const oxArray *a, kwSize count) {
 
 int check_storage(const oxArray *a) {
     if (a->class_code == oxUNKNOWN_CLASS || a->is_indexing_opaque()) return rule_none;
-    if (holds_values(a) && !is_numeric(a) && a->num.pimag) return rule_no_imaginary;
+    if (holds_values(a->class_code) && !is_numeric(a) && a->num.pimag) return rule_no_imaginary;
     if (is_sparse(a)) return check_csc(a);
     kwSize count = 0;
     count_elements(a, &count);
     if (is_struct_like(a)) return check_record(a, count);
-    const bool needs_block = holds_values(a) || a->class_code == oxCELL_CLASS;
+    const bool needs_block = holds_values(a->class_code) || a->class_code == oxCELL_CLASS;
     return needs_block && count && !a->num.pdata ? rule_data : rule_none;
 }
 

@@ -41,6 +41,11 @@ enum class CheckDepth { header, storage };
 // completes dimensions. Storage depth fits arrays at rest: a header just re-typed has no data yet.
 int check_header(const oxArray *a, CheckDepth depth);
 
+// What debug builds demand of every array that is handed out or destroyed.
+inline bool well_formed(const oxArray *a) {
+    return check_header(a, CheckDepth::header) == rule_none;
+}
+
 // Whether the scope is that of temporaries exactly when a list has the array. Does not hold for
 // arrays that left the scope while an enclosing context listed them: their entries stay.
 bool listed_as_its_scope_says(const oxArray *a);

@@ -22,8 +22,7 @@ kwSize element_size(const oxArray *a) { return class_info(a->class_code).element
 // what they point at.
 bool can_lend(const oxArray *c, bool complex, kwSize count, kwSize size) {
     if (!c || !c->has_flag(oxFLAG_REUSABLE) || is_sparse(c) || c->is_imag_marked() ||
-        c->class_code < oxLOGICAL_CLASS || c->class_code > oxUINT64_CLASS ||
-        is_complex(c) != complex)
+        !holds_values(c->class_code) || is_complex(c) != complex)
         return false;
     const kwSize *dims = c->get_dimensions();
     kwSize trailing;
@@ -82,11 +81,12 @@ oxArray *make_nd_with(kwSize ndim, const kwSize *dims, int id, bool complex, Can
     return a.release();
 }
 
-// Undefined contents, as the exported creators define it: 1-by-1 is zeroed, other sizes are
-// checked by bytes and raise error 19.
+// Undefined contents, as the exported creators define it: 1-by-1 is zeroed, other m-by-n sizes are
+// checked by bytes and raise error 19. Trailing sizes that cannot be folded are a failed creation.
 oxArray *uninit_nd(kwSize ndim, const kwSize *dims, int id, bool complex) {
-    kwSize count = 0;
-    if (dims && ndim > 0) count = oxCheckDim(dims, ndim, class_info(id).element_size);
+    kwSize m, n;
+    if (!fold(ndim, dims, &m, &n)) return nullptr;
+    const kwSize count = oxCheckMN(m, n, class_info(id).element_size);
     return make_nd_with(ndim, dims, id, complex, {}, count == 1 ? raw_zeroed : checked_uninit);
 }
 

@@ -1,10 +1,13 @@
 // Destroying arrays: references, the list, the ring, and then storage by class.
 #include <core/alloc.h>
 #include <core/array_list.h>
+#include <core/check_header.h>
 #include <core/class_ops.h>
 #include <core/destroy.h>
 #include <core/imaginary.h>
 #include <core/ring.h>
+
+#include <cassert>
 
 namespace ox {
 namespace {
@@ -37,6 +40,11 @@ void free_data(oxArray *a) {
     if (is_numeric(a)) drop_imag(a);
 }
 
+// Not under construction, and no header that an earlier destruction has kept.
+[[maybe_unused]] bool in_use(const oxArray *a) {
+    return a->scope != oxSCOPE_NONE && a->scope != oxSCOPE_DESTROYED;
+}
+
 } // namespace
 
 void free_dim32(oxArray *a) {
@@ -44,16 +52,6 @@ void free_dim32(oxArray *a) {
     oxFreeEx(a->dim32->dims);
     oxFreeEx(a->dim32);
     a->dim32 = nullptr;
-}
-
-void *imag_marker() {
-    static char marker;
-    return &marker;
-}
-
-void drop_imag(oxArray *a) {
-    if (has_imag_block(a)) oxFreeEx(a->num.pimag);
-    a->num.pimag = nullptr;
 }
 
 void release_contents(oxArray *a) {
@@ -72,24 +70,15 @@ void release_contents(oxArray *a) {
 
 using namespace ox;
 
-bool oxArray_tag::is_imag_marked() const {
-    return has_flag(oxFLAG_NUMERIC) && num.pimag == imag_marker();
-}
-
-extern "C" {
-
-void oxMarkImagData(oxArray *a) { a->num.pimag = imag_marker(); }
-
-void oxDestroyArray(oxArray *a) {
+extern "C" void oxDestroyArray(oxArray *a) {
     if (!a) return;
     if (a->reference_count > 0) {
         --a->reference_count;
         return;
     }
+    assert(!in_use(a) || well_formed(a));
     if (array_hooks.leave) array_hooks.leave(a);
     if (a->has_flag(oxFLAG_HEADER_KEPT)) return;
     release_contents(a);
     free_header(a);
 }
-
-} // extern "C"

@@ -2,6 +2,8 @@
 #pragma once
 #include <core/array.h>
 
+#include <utility>
+
 namespace ox {
 
 // Leaves the ring, frees the 32-bit dimension cache, and for every class but unknown what the
@@ -10,9 +12,6 @@ void release_contents(oxArray *a);
 
 // Frees the 32-bit dimension cache, if any.
 void free_dim32(oxArray *a);
-
-// Destroys an array that was never handed to the created hook, or any other; null is ignored.
-inline void destroy(oxArray *a) { oxDestroyArray(a); }
 
 // Owns an array that is on no list yet, until release(). Never use it for listed arrays: leaving
 // their context destroys them.
@@ -25,15 +24,8 @@ public:
     oxArray *get() const { return a_; }
     oxArray *operator->() const { return a_; }
     explicit operator bool() const { return a_ != nullptr; }
-    oxArray *release() {
-        oxArray *a = a_;
-        a_ = nullptr;
-        return a;
-    }
-    void reset(oxArray *a = nullptr) {
-        oxDestroyArray(a_);
-        a_ = a;
-    }
+    oxArray *release() { return std::exchange(a_, nullptr); }
+    void reset(oxArray *a = nullptr) { oxDestroyArray(std::exchange(a_, a)); }
 
 private:
     oxArray *a_;

@@ -1,4 +1,4 @@
-// Dropping an imaginary part that is all zero.
+// The marker of an imaginary part to come, and dropping an imaginary part.
 #include <core/dispatch.h>
 #include <core/imaginary.h>
 #include <ox/convert.h>
@@ -21,6 +21,16 @@ template<class T> bool all_zero(const T *p, kwSize n) {
 
 } // namespace
 
+void *imag_marker() {
+    static char marker;
+    return &marker;
+}
+
+void drop_imag(oxArray *a) {
+    if (has_imag_block(a)) oxFreeEx(a->num.pimag);
+    a->num.pimag = nullptr;
+}
+
 void drop_imag_if_zero(oxArray *a) {
     if (!has_imag_block(a) || a->cross_link) return;
     const kwSize n = is_sparse(a) ? a->num.jc[cols(a)] : a->get_number_of_elements();
@@ -36,4 +46,13 @@ void drop_imag_if_zero(oxArray *a) {
 
 } // namespace ox
 
-extern "C" void oxFreeImagIfZero(oxArray *a) { ox::drop_imag_if_zero(a); }
+bool oxArray_tag::is_imag_marked() const {
+    return has_flag(oxFLAG_NUMERIC) && num.pimag == ox::imag_marker();
+}
+
+extern "C" {
+
+void oxMarkImagData(oxArray *a) { a->num.pimag = ox::imag_marker(); }
+void oxFreeImagIfZero(oxArray *a) { ox::drop_imag_if_zero(a); }
+
+} // extern "C"

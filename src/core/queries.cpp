@@ -3,19 +3,18 @@
 #include <core/class_table.h>
 #include <core/destroy.h>
 
-#include <cctype>
 #include <cstring>
-#include <ut.h>
 
 namespace ox {
 namespace {
 
+// ASCII letters only, whatever the locale.
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
 bool equal_ignoring_case(const char *a, const char *b) {
-    for (; *a && *b; ++a, ++b)
-        if (std::tolower(static_cast<unsigned char>(*a)) !=
-            std::tolower(static_cast<unsigned char>(*b)))
-            return false;
-    return *a == *b;
+    for (; *a && lower(*a) == lower(*b); ++a, ++b) {
+    }
+    return lower(*a) == lower(*b);
 }
 
 bool has_class(const oxArray *a, int id) { return a->class_code == id; }

@@ -27,7 +27,6 @@ struct Options {
 };
 
 void fill_prefix(const char *fmt, char (&prefix)[text_size]) {
-    prefix[0] = '\0';
     if (!prefix_fcn) return;
     prefix_fcn(fmt, prefix, text_size);
     prefix[text_size - 1] = '\0';
@@ -44,10 +43,10 @@ void record(const char *id, const char *prefix, const char *message, const oxArr
     oxSetLastErrIdAndMsgAndStack(id, message, stack);
 }
 
-// message may be changed (the period) and must have room for text_size bytes.
-[[noreturn]] void raise_message(const char *id, const char *fmt, char *message, Options o) {
-    char prefix[text_size] = "";
+[[noreturn]] void raise_formatted(const char *id, const char *fmt, va_list args, Options o = {}) {
+    char prefix[text_size] = "", message[text_size] = "";
     if (o.prefixed) fill_prefix(fmt, prefix);
+    utVSNprintf(message, text_size, translate(fmt), args);
     if (o.period) {
         message[text_size - 2] = '\0';
         std::strcat(message, ".");
@@ -56,12 +55,6 @@ void record(const char *id, const char *prefix, const char *message, const oxArr
     record(raised.identifier(), prefix, message, o.stack);
     oxCleanupForThrow();
     throw raised;
-}
-
-[[noreturn]] void raise_formatted(const char *id, const char *fmt, va_list args, Options o = {}) {
-    char message[text_size] = "";
-    utVSNprintf(message, text_size, translate(fmt), args);
-    raise_message(id, fmt, message, o);
 }
 
 // The utility library formats its own errors; they are recorded and cleaned up like every other.
