@@ -39,7 +39,6 @@ bool array_list_installed() { return array_hooks.leave != nullptr; }
 void set_array_list_initialized(bool on) { initialized = on; }
 bool array_list_contains(const oxArray *a) { return arrays.contains(a); }
 kwSize array_list_length() { return arrays.length(); }
-kwSize array_list_context_length() { return arrays.length() - arrays.start(); }
 
 void array_list_append(oxArray *a) {
     if (!arrays.append(a)) raise_out_of_memory();

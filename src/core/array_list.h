@@ -41,7 +41,6 @@ void exit_array_list_context(int index, oxArray **keep, int nkeep, bool destroy,
 bool array_list_contains(const oxArray *a);
 // Arrays listed in all contexts, for tests and statistics.
 kwSize array_list_length();
-kwSize array_list_context_length();
 // Back to the state at load, for tests.
 void reset_array_hooks();
 

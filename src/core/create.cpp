@@ -72,22 +72,21 @@ bool fold(kwSize ndim, const kwSize *dims, kwSize *m, kwSize *n) {
     return *m == 0;
 }
 
-oxArray *make_nd_with(kwSize ndim, const kwSize *dims, int id, bool complex, Candidates reuse,
-                      Allocate allocate) {
+// An array of ndim sizes over make(m, n), which makes its m-by-n fold. Sizes that cannot be folded
+// are a failed creation.
+template<class Make> oxArray *make_nd_with(kwSize ndim, const kwSize *dims, Make make) {
     kwSize m, n;
     if (!fold(ndim, dims, &m, &n)) return nullptr;
-    ArrayGuard a(make_with(m, n, id, complex, reuse, allocate));
+    ArrayGuard a(make(m, n));
     if (a && dims && ndim > 2 && store_dimensions(a.get(), ndim, dims) != 0) return nullptr;
     return a.release();
 }
 
-// Undefined contents, as the exported creators define it: 1-by-1 is zeroed, other m-by-n sizes are
-// checked by bytes and raise error 19. Trailing sizes that cannot be folded are a failed creation.
-oxArray *uninit_nd(kwSize ndim, const kwSize *dims, int id, bool complex) {
-    kwSize m, n;
-    if (!fold(ndim, dims, &m, &n)) return nullptr;
+// Undefined contents, as the exported creators define it: 1-by-1 is zeroed, other sizes are
+// checked by bytes and raise error 19.
+oxArray *uninit(kwSize m, kwSize n, int id, bool complex) {
     const kwSize count = oxCheckMN(m, n, class_info(id).element_size);
-    return make_nd_with(ndim, dims, id, complex, {}, count == 1 ? raw_zeroed : checked_uninit);
+    return make_with(m, n, id, complex, {}, count == 1 ? raw_zeroed : checked_uninit);
 }
 
 } // namespace
@@ -126,7 +125,8 @@ oxArray *make_full(kwSize m, kwSize n, int id, bool complex, Candidates reuse) {
 }
 
 oxArray *make_full_nd(kwSize ndim, const kwSize *dims, int id, bool complex, Candidates reuse) {
-    return make_nd_with(ndim, dims, id, complex, reuse, raw_zeroed);
+    return make_nd_with(ndim, dims,
+                        [&](kwSize m, kwSize n) { return make_full(m, n, id, complex, reuse); });
 }
 
 oxArray *make_uninit(kwSize m, kwSize n, int id, bool complex, Candidates reuse) {
@@ -134,7 +134,8 @@ oxArray *make_uninit(kwSize m, kwSize n, int id, bool complex, Candidates reuse)
 }
 
 oxArray *make_uninit_nd(kwSize ndim, const kwSize *dims, int id, bool complex) {
-    return make_nd_with(ndim, dims, id, complex, {}, raw_uninit);
+    return make_nd_with(ndim, dims,
+                        [&](kwSize m, kwSize n) { return make_uninit(m, n, id, complex); });
 }
 
 oxArray *make_double_scalar(double value) {
@@ -204,11 +205,11 @@ oxArray *oxCreateNumericScalar(oxClassID id, oxComplexity c) {
 }
 
 oxArray *oxCreateUninitNumericArray(kwSize ndim, const kwSize *dims, oxClassID id, oxComplexity c) {
-    return hand_over(uninit_nd(ndim, dims, id, c != oxREAL));
+    return hand_over(make_nd_with(
+        ndim, dims, [&](kwSize m, kwSize n) { return uninit(m, n, id, c != oxREAL); }));
 }
 oxArray *oxCreateUninitNumericMatrix(kwSize m, kwSize n, oxClassID id, oxComplexity c) {
-    const kwSize dims[2] = {m, n};
-    return hand_over(uninit_nd(2, dims, id, c != oxREAL));
+    return hand_over(uninit(m, n, id, c != oxREAL));
 }
 oxArray *oxCreateUninitDoubleMatrix(kwSize m, kwSize n, oxComplexity c) {
     return oxCreateUninitNumericMatrix(m, n, oxDOUBLE_CLASS, c);

@@ -12,7 +12,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
+#include <string>
 #include <vector>
 
 using namespace ox;
@@ -80,43 +80,32 @@ TEST_F(Alloc, FailedGrowthKeepsTheBlock) {
     oxFreeEx(raw);
 }
 
-TEST_F(Alloc, FreeTakesOffTheListInItsContextOnly) {
-    void *a = oxMalloc(8), *b = oxMalloc(8);
-    oxFree(a);
-    EXPECT_EQ(GetAllocListLength(), 1u);
-    Contexts inner;
-    oxRemoveFromAllocList(b); // of the enclosing context
-    EXPECT_TRUE(oxIsOnAllocList(b)) << "every context is searched";
-    EXPECT_EQ(GetAllocListLength(), 1u);
-}
-
 // Deliberate: a block of an enclosing context is freed, its entry stays behind.
-TEST_F(Alloc, FreeingABlockOfAnEnclosingContextLeavesAStaleEntry) {
-    void *a = oxMalloc(8);
+TEST_F(Alloc, OnlyTheCurrentContextLosesEntries) {
+    void *a = oxMalloc(8), *b = oxMalloc(8), *c = oxMalloc(8);
+    oxFree(a);
+    EXPECT_EQ(GetAllocListLength(), 2u);
     {
         Contexts inner;
-        oxFree(a);
-        EXPECT_TRUE(oxIsOnAllocList(a));
+        oxRemoveFromAllocList(b);
+        oxFree(c);
+        EXPECT_TRUE(oxIsOnAllocList(b) && oxIsOnAllocList(c)) << "every context is searched";
+        EXPECT_EQ(GetAllocListLength(), 2u);
     }
-    oxRemoveFromAllocList(a); // or the end of the context would free it again
-    EXPECT_EQ(GetAllocListLength(), 0u);
+    oxRemoveFromAllocList(c); // or the end of the context would free it again
+    EXPECT_EQ(GetAllocListLength(), 1u);
 }
 
 TEST_F(Alloc, ContextsFreeTheirOwn) {
-    std::vector<void *> outer, inner;
+    std::vector<void *> outer;
     for (int k = 0; k < 30; ++k) outer.push_back(oxMalloc(8));
     const int index = oxEnterNewAllocListContext();
-    for (int k = 0; k < 250; ++k) inner.push_back(oxMalloc(8)); // the vector grows twice
+    for (int k = 0; k < 250; ++k) oxMalloc(8); // the vector grows twice
     EXPECT_EQ(GetAllocListLength(), 280u);
     oxFreeAllocListContext();
     EXPECT_EQ(GetAllocListLength(), 30u);
     for (void *b : outer) EXPECT_TRUE(oxIsOnAllocList(b));
     oxRestorePreviousAllocListContext(index);
-    EXPECT_EQ(GetAllocListLength(), 30u);
-    oxRemoveFromAllocList(outer[3]);
-    EXPECT_FALSE(oxIsOnAllocList(outer[3]));
-    oxAddToAllocList(outer[3]);
-    EXPECT_TRUE(oxIsOnAllocList(outer[3]));
 }
 
 TEST_F(Alloc, ShutdownForgetsTheBlocks) {
@@ -159,25 +148,23 @@ TEST_F(Alloc, Listeners) {
     oxSetOutOfMemoryListener([] { ++refusals; });
     refusals = 0;
     void *a = oxMalloc(8), *b = oxCalloc(1, 8), *fresh = oxRealloc(nullptr, 8);
-    using Heard = std::vector<std::pair<char, void *>>;
-    Heard expected = {{'+', a}, {'+', b}, {'+', fresh}};
-    for (void *&block : {std::ref(a), std::ref(b)}) { // the heap may or may not move it
-        void *moved = oxRealloc(block, block == a ? 9 : 1 << 20);
-        if (moved != block) expected.insert(expected.end(), {{'-', block}, {'+', moved}});
-        block = moved;
-    }
-    EXPECT_GE(expected.size(), 5u) << "from 8 bytes to 1 MiB it must move";
+    void *moved = oxRealloc(b, 1 << 20); // from 8 bytes to 1 MiB it must move
+    EXPECT_EQ(oxRealloc(moved, (1 << 20) - 1), moved) << "in place: nothing is heard";
     oxRealloc(fresh, 0);
     oxFree(a);
-    oxFree(b);
-    expected.insert(expected.end(), {{'-', fresh}, {'-', a}, {'-', b}});
-    EXPECT_EQ(heard, expected);
+    oxFree(moved);
+    EXPECT_EQ(heard, (std::vector<std::pair<char, void *>>{{'+', a},
+                                                           {'+', b},
+                                                           {'+', fresh},
+                                                           {'-', b},
+                                                           {'+', moved},
+                                                           {'-', fresh},
+                                                           {'-', a},
+                                                           {'-', moved}}));
     EXPECT_EQ(oxMalloc(all), nullptr) << "a listener that returns";
-    EXPECT_EQ(oxMallocExCheck(all), nullptr);
     EXPECT_EQ(oxCallocExCheck(all, 2), nullptr);
-    EXPECT_EQ(refusals, 3);
     EXPECT_EQ(oxMallocEx(all), nullptr);
-    EXPECT_EQ(refusals, 3) << "the raw layer is silent";
+    EXPECT_EQ(refusals, 2) << "the raw layer is silent";
 }
 
 // The mechanism of both lists, with a vector that starts at two entries.
@@ -185,26 +172,23 @@ TEST_F(Alloc, ContextListKeepsOrder) {
     int items[9];
     ContextList<int, 2> list;
     const auto order = [&] {
-        std::vector<long> indices;
-        for (kwSize k = 0; k < list.length(); ++k) indices.push_back(list[k] - items);
-        return indices;
+        std::string digits;
+        for (kwSize k = 0; k < list.length(); ++k) digits += std::to_string(list[k] - items);
+        return digits;
     };
-    using Order = std::vector<long>;
     for (int k = 0; k < 5; ++k) ASSERT_TRUE(list.append(items + k));
     EXPECT_TRUE(list.remove(items + 1));
-    EXPECT_EQ(order(), (Order{0, 2, 3, 4}));
+    EXPECT_EQ(order(), "0234");
     const int index = list.enter();
-    list.append(items + 3);
-    list.append(items + 7);
-    EXPECT_TRUE(list.remove(items + 3)) << "the most recent entry, in this context";
-    EXPECT_FALSE(list.remove(items + 3)) << "not those of the enclosing one";
-    EXPECT_TRUE(list.contains(items + 3));
-    EXPECT_EQ(order(), (Order{0, 2, 3, 4, 7}));
-    EXPECT_EQ(list.pop(), items + 7);
-    EXPECT_TRUE(list.context_empty());
+    for (const int k : {3, 7, 3, 8}) list.append(items + k);
+    EXPECT_TRUE(list.remove(items + 3)) << "the most recent entry";
+    EXPECT_EQ(order(), "0234378");
+    EXPECT_TRUE(list.remove(items + 3));
+    EXPECT_FALSE(list.remove(items + 3)) << "not those of the enclosing context";
+    EXPECT_EQ(list.pop(), items + 8);
     list.restore(index);
     EXPECT_TRUE(list.remove(items));
-    EXPECT_EQ(order(), (Order{2, 3, 4}));
+    EXPECT_EQ(order(), "2347");
     list.shutdown();
 }
 

@@ -50,27 +50,18 @@ TEST_F(ArrayList, CreatedArraysAreTemporariesOnce) {
 
 // Deliberate: destroying the oldest array of several turns the context over, for good.
 TEST_F(ArrayList, DestroyingTheOldestReversesTheContext) {
-    make(4);
+    make(5);
     oxDestroyArray(made_[1]);
-    EXPECT_EQ(context(), "234");
-    oxDestroyArray(made_[4]);
-    EXPECT_EQ(context(), "32") << "the oldest is now the one created last";
+    EXPECT_EQ(context(), "2345");
+    oxDestroyArray(made_[5]);
+    EXPECT_EQ(context(), "432") << "the oldest is now the one created last";
+    made_[2]->set_flag(oxFLAG_LIST_MARK, true);
+    oxSetArrayScope(made_[2], oxSCOPE_CONTAINED);
+    EXPECT_EQ(context(), "234") << "also when the mark then keeps it on the list";
+    made_[2]->set_flag(oxFLAG_LIST_MARK, false);
+    made_[2]->scope = oxSCOPE_TEMPORARY;
     oxDestroyArray(made_[3]);
-    EXPECT_EQ(context(), "2");
-    oxDestroyArray(made_[2]);
-    EXPECT_EQ(context(), "");
-}
-
-// Also when the mark then keeps the array on the list.
-TEST_F(ArrayList, AMarkedOldestReversesButStays) {
-    make(3);
-    made_[1]->set_flag(oxFLAG_LIST_MARK, true);
-    oxSetArrayScope(made_[1], oxSCOPE_CONTAINED);
-    EXPECT_EQ(context(), "123");
-    made_[1]->set_flag(oxFLAG_LIST_MARK, false);
-    made_[1]->scope = oxSCOPE_TEMPORARY;
-    oxDestroyArray(made_[2]);
-    EXPECT_EQ(context(), "13");
+    EXPECT_EQ(context(), "24");
 }
 
 TEST_F(ArrayList, ExitDestroysWhateverTheCount) {

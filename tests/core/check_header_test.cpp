@@ -1,4 +1,4 @@
-// The structure checker: each rule broken by hand, and sound arrays of every kind.
+// The structure checker: each rule broken by hand. Sound arrays pass it at the end of every test.
 #include <core/array_list.h>
 #include <core/check_header.h>
 #include <core/name_index.h>
@@ -12,33 +12,6 @@ using namespace ox::test;
 namespace {
 
 class CheckHeader : public HostTest {};
-
-const char *const sound[] = {
-    "double 0x5",
-    "5",
-    "1+2i",
-    "double 2x1x2: 1; 2 | 3; 4",
-    "char 1x2: 'ab'",
-    "logical 1x2: 0 1",
-    "uint64 1x1: 18446744073709551615",
-    "sparse double 0x0",
-    "sparse double 1x1: (0,0)=1",
-    "sparse logical 3x3 nzmax 7: (1,0)=1 (2,0)=1 (0,2)=1",
-    "cell 1x2: {1} {}",
-    "cell 0x0",
-    "struct 1x2 a,b: {1} {2} {3} {}",
-    "struct 0x1 a",
-    "struct 1x1",
-};
-
-TEST_F(CheckHeader, SoundArrays) {
-    for (const char *t : sound) {
-        oxArray *a = arr(t);
-        EXPECT_EQ(check_header(a, CheckDepth::storage), rule_none)
-            << t << ": " << rule_text(check_header(a, CheckDepth::storage));
-        EXPECT_TRUE(listed_as_its_scope_says(a)) << t;
-    }
-}
 
 // A broken state: the record as it is, with fields replaced; blocks are not written to.
 struct Broken {
@@ -55,10 +28,12 @@ name_index_info no_owner{1, 0, nullptr, {"a"}}, no_name{1, 1, nullptr, {nullptr}
 ox_dim32_cache no_vector{nullptr, 2}, negative{nullptr, -1};
 oxArray other, third;
 
-void in_ring(oxArray &a, void *data) {
+// Into a ring of two with a copy of itself.
+oxArray &in_ring(oxArray &a) {
     other = a;
-    other.num.pdata = data;
+    other.cross_link = &a;
     a.cross_link = &other;
+    return other;
 }
 
 // a is the array under test, a copy of a sound one; its address matters for rings.
@@ -79,28 +54,13 @@ const Broken broken[] = {
     {rule_scalar_double, "single 1x1: 1", [](oxArray &a) { a.flag_word |= oxFLAG_SCALAR_DOUBLE; }},
     {rule_destroyed, "5", [](oxArray &a) { a.scope = oxSCOPE_DESTROYED; }},
     {rule_ring, "1 2", [](oxArray &a) { a.cross_link = &a; }},
-    {rule_ring, "1 2", [](oxArray &a) { in_ring(a, a.num.pdata), other.cross_link = nullptr; }},
+    {rule_ring, "1 2", [](oxArray &a) { in_ring(a).cross_link = nullptr; }},
     {rule_ring, "1 2",
-     [](oxArray &a) {
-         in_ring(a, a.num.pdata), third = other;
-         other.cross_link = &third, third.cross_link = &other;
-     }},
-    {rule_ring_data, "1 2", [](oxArray &a) { in_ring(a, &other), other.cross_link = &a; }},
-    {rule_ring_data, "1 2",
-     [](oxArray &a) {
-         in_ring(a, a.num.pdata), other.cross_link = &a;
-         other.num.pimag = &other;
-     }},
-    {rule_ring_data, "sparse double 2x2: (0,0)=1",
-     [](oxArray &a) {
-         in_ring(a, a.num.pdata), other.cross_link = &a;
-         other.num.ir = rising;
-     }},
-    {rule_reusable, "1 2",
-     [](oxArray &a) {
-         in_ring(a, a.num.pdata), other.cross_link = &a;
-         a.set_reusable(true);
-     }},
+     [](oxArray &a) { third = in_ring(a), other.cross_link = &third, third.cross_link = &other; }},
+    {rule_ring_data, "1 2", [](oxArray &a) { in_ring(a).num.pdata = &other; }},
+    {rule_ring_data, "1 2", [](oxArray &a) { in_ring(a).num.pimag = &other; }},
+    {rule_ring_data, "sparse double 2x2: (0,0)=1", [](oxArray &a) { in_ring(a).num.ir = rising; }},
+    {rule_reusable, "1 2", [](oxArray &a) { in_ring(a), a.set_reusable(true); }},
     {rule_reusable, "1 2", [](oxArray &a) { a.set_reusable(true), a.reference_count = 1; }},
     {rule_sparse, "double 1x1x2: 1 | 2", [](oxArray &a) { a.flag_word |= oxFLAG_SPARSE; }},
     {rule_sparse, "char 1x1: 'a'", [](oxArray &a) { a.flag_word |= oxFLAG_SPARSE; }},
@@ -162,7 +122,6 @@ TEST_F(CheckHeader, LegalOddities) {
 
 TEST_F(CheckHeader, ListingFollowsTheScope) {
     oxArray *a = arr("5");
-    EXPECT_TRUE(listed_as_its_scope_says(a));
     a->scope = 9; // behind the list's back
     EXPECT_FALSE(listed_as_its_scope_says(a));
     a->scope = oxSCOPE_TEMPORARY;
@@ -171,13 +130,10 @@ TEST_F(CheckHeader, ListingFollowsTheScope) {
     a->scope = oxSCOPE_TEMPORARY;
     EXPECT_FALSE(listed_as_its_scope_says(a));
     a->scope = 9;
-    {
-        Contexts inner;
-        oxArray *b = arr("5");
-        Contexts innermost;
-        oxDestroyArray(a);
-        EXPECT_TRUE(array_list_contains(b)) << "enclosing contexts count";
-    }
+    oxDestroyArray(a);
+    oxArray *b = arr("5");
+    const Contexts inner;
+    EXPECT_TRUE(listed_as_its_scope_says(b)) << "enclosing contexts count";
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using namespace ox::test;
 
 namespace {
@@ -14,99 +16,69 @@ oxArray *lend(oxArray *a) {
     return a;
 }
 
+constexpr kwSize cube[] = {2, 3, 4}, flat[] = {0, 3, 4}, pair[] = {1, 2, 1};
+
+// Calls that need no input.
+const std::pair<const char *, oxArray *(*)()> creators[] = {
+    {"double", [] { return oxCreateDoubleMatrix(3, 3, oxCOMPLEX); }},
+    {"empty", [] { return oxCreateDoubleMatrix(0, 3, oxREAL); }},
+    {"large", [] { return oxCreateDoubleMatrix(1 << 10, 1 << 8, oxCOMPLEX); }},
+    {"array", [] { return oxCreateNumericArray(3, cube, oxINT16_CLASS, oxCOMPLEX); }},
+    {"logical array", [] { return oxCreateLogicalArray(3, flat); }},
+    {"logical", [] { return oxCreateLogicalMatrix(3, 3); }},
+    {"double scalar", [] { return oxCreateDoubleScalar(1); }},
+    {"single scalar", [] { return oxCreateSingleScalar(1); }},
+    {"logical scalar", [] { return oxCreateLogicalScalar(true); }},
+    {"scalar", [] { return oxCreateNumericScalar(oxINT8_CLASS, oxCOMPLEX); }},
+    {"uninit array", [] { return oxCreateUninitNumericArray(3, cube, oxINT16_CLASS, oxCOMPLEX); }},
+    {"uninit", [] { return oxCreateUninitDoubleMatrix(3, 3, oxCOMPLEX); }},
+};
+
+// Whether there is a block; without a list it is ours to free.
+bool give_back(void *block) {
+    if (!oxIsOnAllocList(block)) oxFree(block);
+    return block != nullptr;
+}
+
+bool grow_listed(const Arrays &) {
+    void *small = oxMalloc(10), *large = small ? oxRealloc(small, 1 << 20) : nullptr;
+    give_back(large ? large : small);
+    return large != nullptr;
+}
+
+bool list_raw(const Arrays &) {
+    void *raw = oxMallocEx(8);
+    if (!raw) oxErrMsg(FNOMEM);
+    try {
+        oxAddToAllocList(raw);
+    } catch (...) {
+        oxFreeEx(raw); // still the caller's
+        throw;
+    }
+    return true;
+}
+
 const Sweep sweeps[] = {
-    {.name = "oxCreateDoubleMatrix",
-     .make = [](const Arrays &) { return oxCreateDoubleMatrix(3, 3, oxCOMPLEX); }},
-    {.name = "oxCreateDoubleMatrix, empty",
-     .make = [](const Arrays &) { return oxCreateDoubleMatrix(0, 3, oxREAL); }},
-    {.name = "oxCreateNumericArray",
-     .make =
-         [](const Arrays &) {
-             const kwSize dims[] = {2, 3, 4};
-             return oxCreateNumericArray(3, dims, oxINT16_CLASS, oxCOMPLEX);
-         }},
-    {.name = "oxCreateLogicalArray",
-     .make =
-         [](const Arrays &) {
-             const kwSize dims[] = {0, 3, 4};
-             return oxCreateLogicalArray(3, dims);
-         }},
-    {.name = "oxCreateLogicalMatrix",
-     .make = [](const Arrays &) { return oxCreateLogicalMatrix(3, 3); }},
-    {.name = "oxCreateDoubleScalar",
-     .make = [](const Arrays &) { return oxCreateDoubleScalar(1); }},
-    {.name = "oxCreateSingleScalar",
-     .make = [](const Arrays &) { return oxCreateSingleScalar(1); }},
-    {.name = "oxCreateLogicalScalar",
-     .make = [](const Arrays &) { return oxCreateLogicalScalar(true); }},
-    {.name = "oxCreateNumericScalar",
-     .make = [](const Arrays &) { return oxCreateNumericScalar(oxINT8_CLASS, oxCOMPLEX); }},
-    {.name = "oxCreateUninitNumericArray",
-     .make =
-         [](const Arrays &) {
-             const kwSize dims[] = {2, 3, 4};
-             return oxCreateUninitNumericArray(3, dims, oxINT16_CLASS, oxCOMPLEX);
-         }},
-    {.name = "oxCreateUninitDoubleMatrix",
-     .make = [](const Arrays &) { return oxCreateUninitDoubleMatrix(3, 3, oxCOMPLEX); }},
-    // Large blocks take another way through the heap.
-    {.name = "oxCreateDoubleMatrix, large",
-     .make = [](const Arrays &) { return oxCreateDoubleMatrix(1 << 10, 1 << 8, oxCOMPLEX); }},
-    {.name = "oxCreateNumericArrayWithReuse",
+    {.name = "reuse",
      .make =
          [](const Arrays &in) {
-             const kwSize dims[] = {1, 2, 1};
-             return oxCreateNumericArrayWithReuse(3, dims, oxDOUBLE_CLASS, oxREAL, 1, in.data());
+             return oxCreateNumericArrayWithReuse(3, pair, oxDOUBLE_CLASS, oxREAL, 1, in.data());
          },
      .changes_inputs = true, // the next call finds nothing to reuse
      .setup = [] { return Arrays{lend(arr("1 2"))}; }},
     {.name = "oxSetDimensions",
      .inputs = {"double 2x1x2: 1; 2 | 3; 4"},
-     .act =
-         [](const Arrays &in) {
-             const kwSize dims[] = {1, 2, 2};
-             return oxSetDimensions(in[0], dims, 3) == 0;
-         },
+     .act = [](const Arrays &in) { return oxSetDimensions(in[0], cube, 3) == 0; },
      .silent = true},
-    {.name = "oxMalloc",
-     .act =
-         [](const Arrays &) {
-             void *block = oxMalloc(100);
-             if (!oxIsOnAllocList(block)) oxFree(block); // without a list it is ours
-             return block != nullptr;
-         }},
-    {.name = "oxCalloc",
-     .act =
-         [](const Arrays &) {
-             void *block = oxCalloc(100, 3);
-             if (!oxIsOnAllocList(block)) oxFree(block);
-             return block != nullptr;
-         }},
-    {.name = "oxRealloc",
-     .act =
-         [](const Arrays &) {
-             void *small = oxMalloc(10), *large = small ? oxRealloc(small, 1 << 20) : nullptr;
-             void *block = large ? large : small;
-             if (!oxIsOnAllocList(block)) oxFree(block);
-             return large != nullptr;
-         }},
-    {.name = "oxAddToAllocList",
-     .act =
-         [](const Arrays &) {
-             void *raw = oxMallocEx(8);
-             if (!raw) oxErrMsg(FNOMEM);
-             try {
-                 oxAddToAllocList(raw);
-             } catch (...) {
-                 oxFreeEx(raw); // still the caller's
-                 throw;
-             }
-             return true;
-         },
-     .bare = false},
+    {.name = "oxMalloc", .act = [](const Arrays &) { return give_back(oxMalloc(100)); }},
+    {.name = "oxCalloc", .act = [](const Arrays &) { return give_back(oxCalloc(100, 3)); }},
+    {.name = "oxRealloc", .act = grow_listed},
+    {.name = "oxAddToAllocList", .act = list_raw, .bare = false},
 };
 
 TEST(CoreSweep, EveryAllocationFailsOnce) {
+    for (const auto &[name, create] : creators)
+        sweep({.name = name, .make = [create](const Arrays &) { return create(); }});
     for (const Sweep &s : sweeps) sweep(s);
 }
 

@@ -1,4 +1,4 @@
-// Pools against a shadow model, and the memory manager's mode.
+// Pools against a shadow model.
 #include "fl.hpp"
 
 #include <cstdint>
@@ -63,15 +63,5 @@ INSTANTIATE_TEST_SUITE_P(Shapes, PoolWalk,
                          testing::Values(PoolShape{104, 8192}, PoolShape{1, 64},
                                          PoolShape{24, 1000}, PoolShape{5000, 4096},
                                          PoolShape{4096, 65536}));
-
-TEST(Manager, CanBeReplacedByOneThatRaises) {
-    struct Raising final : fl::manager {
-        int mode() override { throw 5; }
-    } raising;
-    EXPECT_NE(fl::manager::instance().mode(), fl::manager::utility_allocator);
-    EXPECT_EQ(fl::manager::set_instance(&raising), nullptr);
-    EXPECT_THROW(fl::manager::instance().mode(), int);
-    EXPECT_EQ(fl::manager::set_instance(nullptr), &raising);
-}
 
 } // namespace

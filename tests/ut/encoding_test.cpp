@@ -15,22 +15,21 @@ struct PinnedCodePage {
     ~PinnedCodePage() { utSetLocalCodePage(nullptr); }
 };
 
-std::u16string to_units(const std::string &bytes, int32_t capacity = 256) {
-    std::u16string units(static_cast<std::size_t>(capacity) + 1, u'#');
+// The conversion of a whole text; whether it stays within the capacity is checked on the way.
+template<class D, class S, class F>
+std::basic_string<D> through(F convert, const std::basic_string<S> &in, int32_t capacity) {
+    std::basic_string<D> out(static_cast<std::size_t>(capacity) + 1, D{'#'});
     int32_t n = capacity;
-    lcp_to_utf16_n(units.data(), &n, bytes.data(), static_cast<int32_t>(bytes.size()));
-    EXPECT_EQ(units[static_cast<std::size_t>(capacity)], u'#') << "wrote beyond the capacity";
-    units.resize(static_cast<std::size_t>(std::min(n, capacity)));
-    return units;
+    convert(out.data(), &n, in.data(), static_cast<int32_t>(in.size()));
+    EXPECT_EQ(out.back(), D{'#'}) << "wrote beyond the capacity";
+    out.resize(static_cast<std::size_t>(std::min(n, capacity)));
+    return out;
 }
-
+std::u16string to_units(const std::string &bytes, int32_t capacity = 256) {
+    return through<char16_t>(lcp_to_utf16_n, bytes, capacity);
+}
 std::string to_bytes(const std::u16string &units, int32_t capacity = 256) {
-    std::string bytes(static_cast<std::size_t>(capacity) + 1, '#');
-    int32_t n = capacity;
-    utf16_to_lcp_n(bytes.data(), &n, units.data(), static_cast<int32_t>(units.size()));
-    EXPECT_EQ(bytes[static_cast<std::size_t>(capacity)], '#') << "wrote beyond the capacity";
-    bytes.resize(static_cast<std::size_t>(std::min(n, capacity)));
-    return bytes;
+    return through<char>(utf16_to_lcp_n, units, capacity);
 }
 
 TEST(Encoding, CodePagesConvertBothWaysAndReplaceWhatIsMalformed) {
