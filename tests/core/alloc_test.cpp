@@ -149,18 +149,15 @@ TEST_F(Alloc, Listeners) {
     refusals = 0;
     void *a = oxMalloc(8), *b = oxCalloc(1, 8), *fresh = oxRealloc(nullptr, 8);
     void *moved = oxRealloc(b, 1 << 20); // from 8 bytes to 1 MiB it must move
-    EXPECT_EQ(oxRealloc(moved, (1 << 20) - 1), moved) << "in place: nothing is heard";
+    void *last = oxRealloc(moved, (1 << 20) - 1);
     oxRealloc(fresh, 0);
     oxFree(a);
-    oxFree(moved);
-    EXPECT_EQ(heard, (std::vector<std::pair<char, void *>>{{'+', a},
-                                                           {'+', b},
-                                                           {'+', fresh},
-                                                           {'-', b},
-                                                           {'+', moved},
-                                                           {'-', fresh},
-                                                           {'-', a},
-                                                           {'-', moved}}));
+    oxFree(last);
+    std::vector<std::pair<char, void *>> expected = {{'+', a}, {'+', b}, {'+', fresh}};
+    expected.insert(expected.end(), {{'-', b}, {'+', moved}});
+    if (last != moved) expected.insert(expected.end(), {{'-', moved}, {'+', last}}); // sanitizers
+    expected.insert(expected.end(), {{'-', fresh}, {'-', a}, {'-', last}});
+    EXPECT_EQ(heard, expected);
     EXPECT_EQ(oxMalloc(all), nullptr) << "a listener that returns";
     EXPECT_EQ(oxCallocExCheck(all, 2), nullptr);
     EXPECT_EQ(oxMallocEx(all), nullptr);
