@@ -58,11 +58,9 @@ std::string_view Scanner::number() {
 }
 
 kwSize Scanner::size() {
+    if (!at_digit()) fail("expected a size");
     kwSize n = 0;
-    peek();
-    const auto end = std::from_chars(rest_.data(), rest_.data() + rest_.size(), n);
-    if (end.ec != std::errc()) fail("expected a size");
-    rest_.remove_prefix(static_cast<std::size_t>(end.ptr - rest_.data()));
+    for (; at_digit(); rest_.remove_prefix(1)) n = n * 10 + static_cast<kwSize>(rest_[0] - '0');
     return n;
 }
 
@@ -87,10 +85,11 @@ NumberText read_number(Scanner &in) {
 
 namespace {
 
+template<class T> using WideOf =
+    std::conditional_t<std::is_same_v<T, bool> || std::is_same_v<T, oxChar>, uint32_t, T>;
+
 template<class T> T value_of(std::string_view s) {
-    using Wide =
-        std::conditional_t<std::is_same_v<T, bool> || std::is_same_v<T, oxChar>, uint32_t, T>;
-    Wide v{};
+    WideOf<T> v{};
     const auto end = std::from_chars(s.data(), s.data() + s.size(), v);
     if (end.ec != std::errc() || end.ptr != s.data() + s.size())
         throw std::invalid_argument("not a number of this class: " + std::string(s));
@@ -98,14 +97,11 @@ template<class T> T value_of(std::string_view s) {
 }
 
 template<class T> void print_value(T v, std::string &out) {
-    if constexpr (std::is_floating_point_v<T>) {
-        if (std::isnan(v)) return void(out += "NaN");
+    if (v != v) return void(out += "NaN"); // without a sign
+    if constexpr (std::is_floating_point_v<T>)
         if (std::isinf(v)) return void(out += v < 0 ? "-Inf" : "Inf");
-    }
-    using Wide =
-        std::conditional_t<std::is_same_v<T, bool> || std::is_same_v<T, oxChar>, unsigned, T>;
     char buffer[64];
-    const auto end = std::to_chars(buffer, buffer + sizeof buffer, static_cast<Wide>(v));
+    const auto end = std::to_chars(buffer, buffer + sizeof buffer, static_cast<WideOf<T>>(v));
     out.append(buffer, end.ptr);
 }
 
@@ -139,59 +135,25 @@ void print_number(const oxArray *a, kwSize k, std::string &out) {
 
 namespace {
 
-void append_utf8(char32_t c, std::string &out) {
-    auto tail = [&](int shift) { out += static_cast<char>(0x80 | ((c >> shift) & 0x3F)); };
-    if (c < 0x80) return void(out += static_cast<char>(c));
-    if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-    } else {
-        if (c < 0x10000) {
-            out += static_cast<char>(0xE0 | (c >> 12));
-        } else {
-            out += static_cast<char>(0xF0 | (c >> 18));
-            tail(12);
-        }
-        tail(6);
-    }
-    tail(0);
-}
-
-char32_t read_utf8(Scanner &in, char first) {
-    const auto lead = static_cast<unsigned char>(first);
-    const int more = lead < 0x80 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
-    char32_t c = more == 0 ? lead : lead & (0x3Fu >> more);
-    for (int k = 0; k < more; ++k) c = (c << 6) | (static_cast<unsigned char>(in.next()) & 0x3Fu);
-    return c;
-}
-
-char32_t read_escape(Scanner &in) {
+char16_t read_escape(Scanner &in) {
     const char c = in.next();
     if (c != 'u') return static_cast<unsigned char>(c);
-    char32_t unit = 0;
-    for (int k = 0; k < 4; ++k) {
-        const char hex[2] = {in.next(), '\0'};
-        unit = unit * 16 + static_cast<char32_t>(std::strtoul(hex, nullptr, 16));
-    }
-    return unit;
+    std::string digits;
+    for (int k = 0; k < 4; ++k) digits += in.next();
+    return static_cast<char16_t>(std::stoul(digits, nullptr, 16));
 }
 
 std::u16string read_quoted(Scanner &in) {
     std::u16string units;
     in.expect('\'');
-    for (char c; (c = in.next()) != '\'';) {
-        const char32_t p = c == '\\' ? read_escape(in) : read_utf8(in, c);
-        if (p >= 0x10000) units += static_cast<char16_t>(0xD7C0 + (p >> 10));
-        units += static_cast<char16_t>(p < 0x10000 ? p : 0xDC00 + (p & 0x3FF));
-    }
+    for (char c; (c = in.next()) != '\'';)
+        units += c == '\\' ? read_escape(in) : static_cast<char16_t>(c);
     return units;
 }
 
-void print_unit(const std::u16string &s, std::size_t &k, std::string &out) {
-    const char16_t c = s[k];
-    const bool pair = (c & 0xFC00) == 0xD800 && k + 1 < s.size() && (s[k + 1] & 0xFC00) == 0xDC00;
-    if (pair) return append_utf8(0x10000u + ((c & 0x3FFu) << 10) + (s[++k] & 0x3FFu), out);
+void print_unit(char16_t c, std::string &out) {
     if (c == '\'' || c == '\\') out += '\\';
-    if (c >= 0x20 && (c & 0xF800) != 0xD800) return append_utf8(c, out);
+    if (c >= 0x20 && c < 0x7F) return void(out += static_cast<char>(c));
     char escape[8];
     std::snprintf(escape, sizeof escape, "\\u%04X", static_cast<unsigned>(c));
     out += escape;
@@ -270,10 +232,8 @@ oxArray *read_numbers(Scanner &in, const Dims &given, int id) {
 }
 
 void print_char_row(const oxArray *a, kwSize first, kwSize m, kwSize n, std::string &out) {
-    std::u16string row;
-    for (kwSize c = 0; c < n; ++c) row += a->get_chars()[first + c * m];
     out += '\'';
-    for (std::size_t k = 0; k < row.size(); ++k) print_unit(row, k, out);
+    for (kwSize c = 0; c < n; ++c) print_unit(a->get_chars()[first + c * m], out);
     out += '\'';
 }
 

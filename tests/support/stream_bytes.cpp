@@ -130,10 +130,6 @@ Bytes TestStream::contents() const {
     return out;
 }
 
-std::unique_ptr<TestStream> TestStream::reopened() const {
-    return std::make_unique<TestStream>(form_, contents());
-}
-
 int32_t TestStream::put(const oxArray *a, const char *name) {
     const oiItem_tag item = {oiMATRIX, 0, const_cast<oxArray *>(a),
                              reinterpret_cast<uintptr_t>(name)};

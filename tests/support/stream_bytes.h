@@ -4,7 +4,6 @@
 #include <ox.h>
 
 #include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,8 +41,6 @@ public:
     oiStreamRec_tag *get() const { return s_; }
     // What the carrier holds: of a buffer, what has been written.
     Bytes contents() const;
-    // The same bytes in a new stream of the same form, at its first element.
-    std::unique_ptr<TestStream> reopened() const;
 
     int32_t put(const oxArray *a, const char *name = nullptr);
     int32_t put(int32_t type, const Bytes &data);
