@@ -53,4 +53,21 @@ show 0 "normalize_image: bytes in and out; the brightest pixel saturates at 255,
 show 0 "pagerank: 67 nodes of a sparse graph ranked in 41 rounds" \
     pagerank --nlhs 2 examples/data/west0067.mtx
 
+# tool SENTENCE WORD ARG...: the same for the words that work on files.
+tool() {
+    say "$1"
+    shift
+    echo "\$ vel $*"
+    "$vel" "$@" </dev/null
+}
+
+file=build/demo.vel
+tool "save: a table and a sparse matrix go into one compressed file" \
+    save "$file" --compress iris="$data" west=examples/data/west0067.mtx
+tool "ls: the listing reads headers only; the table shrinks to a sixth" ls "$file"
+tool "check: every element against every rule, then read by the library" check "$file"
+tool "show: the pattern of the sparse matrix as it came back" show "$file" west
+show 0 "pagerank: the same ranks as before, from the file; the largest is 0.0287" \
+    pagerank "$file:west"
+
 say "demo: done"

@@ -7,18 +7,21 @@
 #include "matrix_market.h"
 #include "numbers.h"
 #include "text.h"
+#include "vel_file.h"
 
 #include <string_view>
 
 namespace vel {
 
-const char *const argument_help = "ARG is one of\n"
-                                  "  3.5  -2  inf        a number\n"
-                                  "  '[1 2;3 4]'         a matrix; rows end at ';'\n"
-                                  "  \"'abc'\"             text, in single quotes of its own\n"
-                                  "  'uint8([1 2 3])'    any ARG converted to a class\n"
-                                  "  FILE.csv            a table of numbers\n"
-                                  "  FILE.mtx            a Matrix Market file\n";
+const char *const argument_help =
+    "ARG is one of\n"
+    "  3.5  -2  inf        a number\n"
+    "  '[1 2;3 4]'         a matrix; rows end at ';'\n"
+    "  \"'abc'\"             text, in single quotes of its own\n"
+    "  'uint8([1 2 3])'    any ARG converted to a class\n"
+    "  FILE.csv            a table of numbers\n"
+    "  FILE.mtx            a Matrix Market file\n"
+    "  FILE.vel:s.a{3}     a variable of a VEL file, or what is inside of one";
 
 namespace {
 
@@ -41,22 +44,36 @@ std::string unquoted(const std::string &word) {
 }
 
 // uint8(ARG): null when the word has not that form.
-oxArray *parse_conversion(const std::string &word, const ReadOptions &options) {
+const oxArray *parse_conversion(const std::string &word, const ReadOptions &options) {
     const size_t open = word.find('(');
     if (open == std::string::npos || word.back() != ')') return nullptr;
     const oxClassID to = oxClassIDFromClassName(word.substr(0, open).c_str());
     if (to < oxLOGICAL_CLASS || to > oxUINT64_CLASS) return nullptr;
-    return oxMustBe(parse_argument(word.substr(open + 1, word.size() - open - 2), options), to);
+    const oxArray *a = parse_argument(word.substr(open + 1, word.size() - open - 2), options);
+    return oxMustBe(const_cast<oxArray *>(a), to); // gives it back, or a copy
 }
 
 } // namespace
 
-oxArray *parse_argument(const std::string &word, const ReadOptions &options) {
+bool split_place(const std::string &word, std::string &file, std::string &place) {
+    const size_t end = word.find(".vel:");
+    if (end == std::string::npos && !word.ends_with(".vel")) return false;
+    file = word.substr(0, end == std::string::npos ? end : end + 4);
+    place = end == std::string::npos ? "" : word.substr(end + 5);
+    return true;
+}
+
+const oxArray *parse_argument(const std::string &word, const ReadOptions &options) {
     double x;
+    std::string file, place;
     if (parse_number(word, x)) return oxCreateDoubleScalar(x);
     if (is_between(word, '[', ']')) return parse_matrix(word);
     if (is_between(word, '\'', '\'')) return make_text(unquoted(word));
-    if (oxArray *a = parse_conversion(word, options)) return a;
+    if (const oxArray *a = parse_conversion(word, options)) return a;
+    if (split_place(word, file, place)) {
+        if (const oxArray *a = read_place(file, place)) return a;
+        throw Failure(Exit::data, word + ": the slot is empty");
+    }
     if (word.ends_with(".mtx")) return read_matrix_market(word, options.force);
     return read_csv(word);
 }

@@ -12,7 +12,10 @@ struct ReadOptions {
 
 // A temporary of the current context for one of the forms that argument_help lists. Throws Failure
 // with a sentence for anything else.
-oxArray *parse_argument(const std::string &word, const ReadOptions &options = {});
+const oxArray *parse_argument(const std::string &word, const ReadOptions &options = {});
+
+// The parts of FILE.vel:PLACE; false for words of another form.
+bool split_place(const std::string &word, std::string &file, std::string &place);
 
 extern const char *const argument_help;
 

@@ -3,8 +3,10 @@
 #include "command.h"
 #include "failure.h"
 #include "host.h"
+#include "json.h"
 #include "numbers.h"
 #include "print.h"
+#include "vel_file.h"
 
 #include <iostream>
 #include <memory>
@@ -13,9 +15,10 @@ namespace vel {
 namespace {
 
 struct CallOptions {
-    std::string module;
+    std::string module, out;
+    Form form;
     int nlhs = 1;
-    bool stats = false, force = false;
+    bool stats = false, force = false, json = false, compress = false;
 };
 
 // What begins like an option and is no number was meant as one.
@@ -46,11 +49,32 @@ void print_outputs(const CallResult &result) {
             print_array(std::cout, "output " + std::to_string(k + 1), result.outputs[k]);
 }
 
+void print_json(const CallResult &result) {
+    Json outputs = Json::array();
+    for (const oxArray *a : result.outputs)
+        if (a) outputs.push_back(json_array(a));
+    std::cout << json_text(Json{{"outputs", outputs}});
+}
+
+// The variables output1, output2, ... of a VEL file.
+void save_outputs(const CallOptions &options, const CallResult &result) {
+    VelWriter writer(options.out, options.form, options.compress);
+    for (size_t k = 0; k < result.outputs.size(); ++k)
+        if (result.outputs[k]) writer.put("output" + std::to_string(k + 1), result.outputs[k]);
+    writer.commit();
+}
+
+void deliver(const CallOptions &options, const CallResult &result) {
+    check_outputs(options, result);
+    if (!options.out.empty()) return save_outputs(options, result);
+    options.json ? print_json(result) : print_outputs(result);
+}
+
 int run(const CallOptions &options, const std::vector<std::string> &words) {
     Host host;
     const Context context;
     const Module module(options.module);
-    std::vector<oxArray *> inputs;
+    std::vector<const oxArray *> inputs;
     for (const std::string &word : words)
         inputs.push_back(parse_argument(word, {.force = options.force}));
     const CallResult result = call_module(module, options.nlhs, inputs);
@@ -58,8 +82,7 @@ int run(const CallOptions &options, const std::vector<std::string> &words) {
         std::cerr << "error: " << result.identifier << (result.identifier.empty() ? "" : ": ")
                   << result.message << '\n';
     } else {
-        check_outputs(options, result);
-        print_outputs(result);
+        deliver(options, result);
     }
     if (options.stats) print_stats(result.reclaimed, result.raised);
     return static_cast<int>(result.raised ? Exit::data : Exit::good);
@@ -71,6 +94,9 @@ std::function<int()> declare_call(CLI::App &word) {
     auto options = std::make_shared<CallOptions>();
     word.add_option("module", options->module, "the module, a .vex file")->required();
     word.add_option("--nlhs", options->nlhs, "outputs to ask for")->check(CLI::Range(0, 50));
+    word.add_option("-o,--out", options->out, "write the outputs to this VEL file");
+    add_form_options(word, options->form, options->compress);
+    word.add_flag("--json", options->json, "print the outputs as JSON");
     word.add_flag("--stats", options->stats, "say what leaving the contexts reclaimed");
     word.add_flag("--force", options->force, "read sparse files of 2^26 columns and more");
     // Arguments are taken as they stand: the parser would split what is in brackets.

@@ -22,5 +22,14 @@ const std::vector<Command> &commands();
 
 // One per word, each defined in the file of that name.
 std::function<int()> declare_call(CLI::App &word);
+std::function<int()> declare_check(CLI::App &word);
+std::function<int()> declare_diff(CLI::App &word);
+std::function<int()> declare_ls(CLI::App &word);
+std::function<int()> declare_save(CLI::App &word);
+std::function<int()> declare_show(CLI::App &word);
+
+// Options that several words share.
+struct Form;
+void add_form_options(CLI::App &word, Form &form, bool &compress);
 
 } // namespace vel

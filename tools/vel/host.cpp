@@ -42,10 +42,10 @@ Host::~Host() {
     oxShutdownAllocLst();
 }
 
-CallResult call_module(const Module &module, int nlhs, const std::vector<oxArray *> &inputs) {
+CallResult call_module(const Module &module, int nlhs, const std::vector<const oxArray *> &inputs) {
     CallResult result;
     result.outputs.resize(static_cast<size_t>(std::max(nlhs, 1)), nullptr);
-    std::vector<const oxArray *> prhs(inputs.begin(), inputs.end());
+    std::vector<const oxArray *> prhs(inputs);
     const size_t blocks_before = GetAllocListLength();
     const int arrays = oxEnterNewArrayListContext(), blocks = oxEnterNewAllocListContext();
     try {

@@ -46,6 +46,6 @@ struct CallResult {
 
 // Calls the module in contexts of its own with max(nlhs, 1) places for outputs. Keeps the outputs
 // and reclaims everything else; catches what the module raises.
-CallResult call_module(const Module &module, int nlhs, const std::vector<oxArray *> &inputs);
+CallResult call_module(const Module &module, int nlhs, const std::vector<const oxArray *> &inputs);
 
 } // namespace vel

@@ -7,7 +7,7 @@
 #include <ut.hpp>
 
 int main(int argc, char **argv) {
-    CLI::App app{"Looks into data files and runs extension modules."};
+    CLI::App app{"Looks into data files and runs extension modules.", "vel"};
     vel::prepare_help(app);
     app.require_subcommand(1);
     std::function<int()> work;

@@ -2,6 +2,7 @@
 #include "paths.h"
 
 #include "failure.h"
+#include "text.h"
 
 #include <charconv>
 
@@ -75,7 +76,7 @@ private:
 std::string step_label(const oxArray *container, size_t i, size_t field) {
     const std::string index = std::to_string(i + 1);
     if (oxIsCell(container)) return "{" + index + "}";
-    const std::string name = oxGetFieldNameByNumber(container, static_cast<int>(field));
+    const std::string name = printable(oxGetFieldNameByNumber(container, static_cast<int>(field)));
     return (oxGetNumberOfElements(container) > 1 ? "(" + index + ")." : ".") + name;
 }
 

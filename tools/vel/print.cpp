@@ -25,7 +25,7 @@ template<class T> std::string format_value(T x) {
 std::string short_value(const oxArray *a) {
     if (oxIsSparse(a)) return "";
     if (oxIsChar(a) && oxIsVector2D(a) && oxGetM(a) == 1) {
-        const std::string text = text_of(a);
+        const std::string text = printable(text_of(a));
         if (text.size() <= most_text) return "'" + text + "'";
     }
     if (oxGetNumberOfElements(a) == 1 && has_elements(a)) return format_element(a, 0);
@@ -113,7 +113,7 @@ std::string describe(const oxArray *a) {
         s += (k            ? ", "
               : fields > 1 ? " with fields "
                            : " with field ") +
-             std::string(oxGetFieldNameByNumber(a, k));
+             printable(oxGetFieldNameByNumber(a, k));
     return s;
 }
 

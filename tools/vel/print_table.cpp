@@ -54,8 +54,8 @@ void print_page(std::ostream &out, const oxArray *a, const std::string &indent, 
 void print_text(std::ostream &out, const oxArray *a, const std::string &indent, size_t offset,
                 size_t m, size_t n) {
     for (size_t i : cut(m, most_rows))
-        out << indent << "  " << (i == m ? "..." : "'" + text_of(a, offset + i, n, m) + "'")
-            << '\n';
+        out << indent << "  "
+            << (i == m ? "..." : "'" + printable(text_of(a, offset + i, n, m)) + "'") << '\n';
 }
 
 } // namespace

@@ -49,6 +49,12 @@ std::string text_of(const oxArray *a, size_t first, size_t count, size_t step) {
     return out;
 }
 
+std::string printable(std::string text) {
+    for (char &c : text)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '.';
+    return text;
+}
+
 std::string text_of(const oxArray *a) { return text_of(a, 0, oxGetNumberOfElements(a), 1); }
 
 } // namespace vel

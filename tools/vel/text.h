@@ -15,4 +15,7 @@ oxArray *make_text(std::string_view utf8);
 std::string text_of(const oxArray *a);
 std::string text_of(const oxArray *a, size_t first, size_t count, size_t step);
 
+// Without control characters, which a hostile file could steer a terminal with.
+std::string printable(std::string text);
+
 } // namespace vel
