@@ -12,68 +12,35 @@ namespace {
 
 class Assign : public HostTest {};
 
-struct Row {
-    const char *a;
-    std::vector<std::string> subs;
-    const char *rhs, *result;
-};
-
-void check(const std::vector<Row> &rows) {
-    for (const Row &row : rows) {
-        oxArray *a = sub(row.a);
-        EXPECT_EQ(text(assign(a, subs(row.subs), sub(row.rhs))), row.result)
-            << row.a << " (" << row.subs[0] << ") = " << row.rhs;
-        const bool one = oxIsDouble(a) && oxGetNumberOfElements(a) == 1;
-        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), one) << row.result;
-    }
-}
-
-TEST_F(Assign, InPlaceAndByGrowth) {
-    check({
-        {"2x2: 1 2; 3 4", {"2", "1"}, "1x1: 9", "double 2x2: 1 2; 9 4"},
-        {"2x2: 1 2; 3 4", {"3"}, "1x1: 9", "double 2x2: 1 9; 3 4"},
-        {"2x2: 1 2; 3 4", {":"}, "1x1: 9", "double 2x2: 9 9; 9 9"},
-        {"2x2: 1 2; 3 4", {":", "2:-1:1"}, "2x2: 5 6; 7 8", "double 2x2: 6 5; 8 7"},
-        {"2x2: 1 2; 3 4", {"logical 2x2: 1 0; 0 1"}, "1x2: 8 9", "double 2x2: 8 2; 3 9"},
+TEST_F(Assign, GrowsAndConverts) {
+    const struct {
+        const char *a;
+        std::vector<std::string> subs;
+        const char *rhs, *result;
+    } rows[] = {
         {"1x3: 1 2 3", {"1x3: 2 2 2"}, "1x3: 7 8 9", "double 1x3: 1 9 3"}, // the last one wins
-        {"2x2: 1 2; 3 4", {"2", "3"}, "1x1: 1", "double 2x3: 1 2 0; 3 4 1"},
-        {"2x2: 1 2; 3 4", {"3", "1"}, "1x1: 1", "double 3x2: 1 2; 3 4; 1 0"},
         {"2x2: 1 2; 3 4", {"1", "1", "2"}, "1x1: 9", "double 2x2x2: 1 2; 3 4 | 9 0; 0 0"},
-        {"1x1: 5", {"3"}, "1x1: 9", "double 1x3: 5 0 9"},
-        {"1x2: 5 6", {"3"}, "1x1: 9", "double 1x3: 5 6 9"}, // end+1
         {"2x1: 5; 6", {"3"}, "1x1: 9", "double 3x1: 5; 6; 9"},
         {"2x2: 1 2; 3 4", {"7"}, "1x1: 9", "double 2x4: 1 2 0 9; 3 4 0 0"},
         {"0x1", {"2"}, "1x1: 9", "double 2x1: 0; 9"},
         {"0x3", {"2"}, "1x1: 9", "double 1x2: 0 9"},
-        {"0x0", {"2", "3"}, "1x1: 1", "double 2x3: 0 0 0; 0 0 1"},
-        {"0x0", {":"}, "1x3: 1 2 3", "double 1x3: 1 2 3"},
         {"0x0", {"1x2: 2 4"}, "2x1: 5; 6", "double 4x1: 0; 5; 0; 6"},
         {"0x0", {":", "2"}, "3x1: 1; 2; 3", "double 3x2: 0 1; 0 2; 0 3"},
         {"0x0", {"1", ":"}, "3x1: 1; 2; 3", "double 1x3: 1 2 3"},
         {"0x0", {":", ":", "2"}, "1x3: 1 1 1", "double 1x3x2: 0 0 0 | 1 1 1"},
-        {"0x0", {":", "3"}, "1x1: 5", "double 1x3: 0 0 5"},
         {"2x2: 1 2; 3 4", {"logical 2x2: 0 0; 0 0", "5"}, "1x1: 9", "double 2x2: 1 2; 3 4"},
-        {"2x2: 1 2; 3 4", {"0x0"}, "0x0", "double 2x2: 1 2; 3 4"},
         {"0x3", {":", "7"}, "1x1: 9", "double 0x3"},
-    });
-}
-
-TEST_F(Assign, ConvertsTheRightHandSide) {
-    check({
-        {"int8 1x2: 1 2", {"2"}, "1x1: 300", "int8 1x2: 1 127"},
         {"1x2: 1 2", {"2"}, "char 1x1: 'a'", "double 1x2: 1 97"},
-        {"char 1x2: 'ab'", {"3"}, "1x1: 99", "char 1x3: 'abc'"},
         {"logical 1x2: 1 0", {"2"}, "1x1: 7", "logical 1x2: 1 1"},
-        {"1x2: 1 2", {"2"}, "1x1: 3+4i", "double 1x2: 1+0i 3+4i"},
         {"1x2: 1+1i 2", {"1"}, "1x1: 3", "double 1x2: 3 2"}, // the last imaginary part went
-        {"single 1x2: 1 2", {"3"}, "1x1: 3+4i", "single 1x3: 1+0i 2+0i 3+4i"},
         {"1x2: 1 2", {":"}, "sparse double 1x2: (0,1)=5", "double 1x2: 0 5"},
-        {"cell 1x2: {1} {2}",
-         {"2"},
-         "cell 1x1: {char 1x1: 'x'}",
-         "cell 1x2: {double 1x1: 1} {char 1x1: 'x'}"},
         {"cell 1x1: {1}", {"0x0"}, "0x0", "cell 1x1: {double 1x1: 1}"},
-    });
+    };
+    for (const auto &row : rows) {
+        oxArray *a = sub(row.a);
+        EXPECT_EQ(text(assign(a, subs(row.subs), sub(row.rhs))), row.result) << row.a;
+        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), oxIsDouble(a) && oxGetNumberOfElements(a) == 1);
+    }
     EXPECT_WARNS("VELTRO:intConvertOverflow",
                  "Out of range value converted to intmin('int8') or intmax('int8').",
                  assign(sub("int8 1x2: 1 2"), {sub("2")}, sub("1x1: 300")));
@@ -85,83 +52,38 @@ TEST_F(Assign, ConvertsTheRightHandSide) {
     EXPECT_EQ(text(a), "int8 1x4: 1 2 0 0");
 }
 
-struct Error {
-    const char *a;
-    std::vector<std::string> subs;
-    const char *rhs, *id, *text;
-};
-
 TEST_F(Assign, ErrorsLeaveTheTargetAlone) {
-    constexpr const char *shapes = "VELTRO:subsassigndimmismatch";
-    const Error rows[] = {
-        {"2x3: 1 2 3; 4 5 6",
-         {"1:1:2", "1:1:3"},
-         "3x2: 1 2; 3 4; 5 6",
-         nullptr,
-         "Subscripted assignment dimension mismatch."},
-        {"2x2: 1 2; 3 4",
-         {"1:1:2", "1"},
-         "2x2: 1 1; 1 1",
-         shapes,
-         "Assignment has more non-singleton rhs dimensions than non-singleton\nsubscripts"},
-        {"2x2: 1 2; 3 4",
-         {":", ":"},
-         "1x2: 1 1",
-         shapes,
-         "Assignment has fewer non-singleton rhs dimensions than non-singleton\nsubscripts"},
-        {"2x2: 1 2; 3 4",
-         {":"},
-         "1x5: 1 2 3 4 5",
-         nullptr,
+    constexpr const char *shapes = "VELTRO:subsassigndimmismatch",
+                         *mismatch = "Subscripted assignment dimension mismatch.",
+                         *too_large = "VELTRO:pmaxsize", *one = "struct 1x1 a: {1}";
+    const struct {
+        const char *a;
+        std::vector<std::string> subs;
+        const char *rhs, *id, *text;
+    } rows[] = {
+        // clang-format off
+        {"2x3: 1 2 3; 4 5 6", {"1:1:2", "1:1:3"}, "3x2: 1 2; 3 4; 5 6", shapes, mismatch},
+        {"2x2: 1 2; 3 4", {":"}, "1x5: 1 2 3 4 5", "VELTRO:subsassignnumelmismatch",
          "In an assignment  A(:) = B, the number of elements in A and B\nmust be the same."},
-        {"2x2x2: 1 2; 3 4 | 5 6; 7 8",
-         {"1", "9"},
-         "1x1: 1",
-         "VELTRO:indexed_matrix_cannot_be_resized",
+        {"1x1x2: 1 | 2", {"3"}, "1x1: 1", "VELTRO:indexed_matrix_cannot_be_resized",
          "Attempt to grow array along ambiguous dimension."},
-        {"1x1x2: 1 | 2", {"3"}, "1x1: 1", "VELTRO:indexed_matrix_cannot_be_resized", nullptr},
-        {"1x3: 1 2 3", {"0"}, "1x1: 1", "VELTRO:badsubscript", nullptr},
-        {"1x3: 1 2 3",
-         {"1x1: 281474976710655"},
-         "1x1: 1",
-         "VELTRO:pmaxsize",
+        {"1x3: 1 2 3", {"1x1: 281474976710655"}, "1x1: 1", too_large,
          "Maximum variable size allowed by the program is exceeded."},
-        {"1x3: 1 2 3", {"int64 1x1: -1"}, "1x1: 1", "VELTRO:pmaxsize", nullptr},
-        {"cell 1x1: {1}",
-         {"2"},
-         "1x1: 1",
-         "VELTRO:invalidConversion",
-         "Conversion to cell from double is not possible."},
+        {"1x3: 1 2 3", {"int64 1x1: -1"}, "1x1: 1", too_large, nullptr},
         {"logical 1x2: 1 0", {"9"}, "1x1: NaN", "VELTRO:nologicalnan", nullptr},
-        {"struct 1x1 a: {1}",
-         {"2"},
-         "struct 1x1 b: {1}",
-         nullptr,
-         "Subscripted assignment dimension mismatch."},
-        {"struct 1x1 a: {1}",
-         {"2"},
-         "struct 1x1 a,b: {1} {2}",
-         nullptr,
-         "Subscripted assignment dimension mismatch."},
-        {"struct 1x1 a: {1}",
-         {"2"},
-         "1x1: 1",
-         "VELTRO:invalidConversion",
-         "Conversion to struct from double is not possible."},
+        {one, {"2"}, "struct 1x1 b: {1}", shapes, mismatch},
+        {one, {"2"}, "struct 1x1 a,b: {1} {2}", shapes, mismatch},
+        {one, {"2"}, "1x1: 1", "VELTRO:invalidConversion", "Conversion to struct from double is not possible."},
+        {one, {}, one, "VELTRO:nindexIsZero", nullptr},
+        // clang-format on
     };
-    for (const Error &row : rows) {
+    for (const auto &row : rows) {
         oxArray *a = sub(row.a), *sharer = oxCreateSharedDataCopy(a);
         const std::string before = text(a);
-        const Subs s = subs(row.subs);
-        const oxArray *rhs = sub(row.rhs);
-        const std::string of_entry = row.subs.size() == 1 && row.subs[0] == ":"
-                                         ? "VELTRO:subsassignnumelmismatch"
-                                         : "VELTRO:subsassigndimmismatch";
-        EXPECT_RAISES(row.id ? row.id : of_entry.c_str(), row.text, assign(a, s, rhs)) << row.a;
+        EXPECT_RAISES(row.id, row.text, assign(a, subs(row.subs), sub(row.rhs))) << row.a;
         EXPECT_EQ(text(a), before);
         EXPECT_TRUE(oxIsSharedArray(sharer));
     }
-    EXPECT_RAISES("VELTRO:nindexIsZero", nullptr, assign(sub("1x1: 1"), {}, sub("1x1: 1")));
 }
 
 TEST_F(Assign, TakesTheClassOfWhatIsAssignedWhenItHasNone) {
@@ -171,7 +93,6 @@ TEST_F(Assign, TakesTheClassOfWhatIsAssignedWhenItHasNone) {
     oxSetDimensions(unknown, none, 2);
     oxArray *bracket = sub("0x3");
     oxSetEmptySqrBrktFlag(bracket, true);
-    oxSetScalarDoubleFlag(sub("1x1: 1"));
     EXPECT_EQ(text(assign(unknown, subs({"2"}), sub("cell 1x1: {7}"))),
               "cell 1x2: {} {double 1x1: 7}");
     EXPECT_EQ(text(assign(bracket, subs({"2", "1"}), sub("int8 1x1: 7"))),
@@ -188,25 +109,28 @@ TEST_F(Assign, TakesTheClassOfWhatIsAssignedWhenItHasNone) {
 }
 
 TEST_F(Assign, GrowthIsFilled) {
-    auto filled = [](const char *a, const std::vector<std::string> &texts, const char *filler) {
-        oxArray *x = sub(a);
-        Subs s = subs(texts);
-        EXPECT_EQ(oxSubscriptedAssignmentWithFiller(x, s.size(), s.data(), sub("1x1: 9"),
-                                                    filler ? sub(filler) : nullptr, false),
-                  nullptr);
-        return text(x);
+    const struct {
+        const char *a;
+        std::vector<std::string> subs;
+        const char *filler, *result;
+    } rows[] = {
+        {"1x1: 1", {"3"}, "1x2: 7 8", "double 1x3: 1 7 9"},
+        {"char 1x1: 'a'", {"3"}, "1x1: 32", "char 1x3: 'a \\u0009'"},
+        {"int8 1x1: 1", {"3"}, "sparse double 1x1: (0,0)=5", "int8 1x3: 1 5 9"},
+        {"1x1: 1+1i", {"3"}, "1x1: 7+2i", "double 1x3: 1+1i 7+2i 9+0i"},
+        {"1x1: 1", {"3"}, "0x0", "double 1x3: 1 0 9"},
     };
-    EXPECT_EQ(filled("1x1: 1", {"3"}, "1x2: 7 8"), "double 1x3: 1 7 9");
-    EXPECT_EQ(filled("2x1: 1; 2", {"1", "3"}, "1x1: 7"), "double 2x3: 1 7 9; 2 7 7");
-    EXPECT_EQ(filled("2x2: 1 2; 3 4", {"3", "1"}, "1x1: 7"), "double 3x2: 1 2; 3 4; 9 7");
-    EXPECT_EQ(filled("char 1x1: 'a'", {"3"}, "1x1: 32"), "char 1x3: 'a \\u0009'");
-    EXPECT_EQ(filled("int8 1x1: 1", {"3"}, "sparse double 1x1: (0,0)=5"), "int8 1x3: 1 5 9");
-    EXPECT_EQ(filled("1x1: 1+1i", {"3"}, "1x1: 7+2i"), "double 1x3: 1+1i 7+2i 9+0i");
-    EXPECT_EQ(filled("1x1: 1", {"3"}, "1x1: 7+2i"), "double 1x3: 1 7 9");
-    EXPECT_EQ(filled("1x1: 1", {"3"}, "0x0"), "double 1x3: 1 0 9");
+    for (const auto &row : rows) {
+        oxArray *x = sub(row.a);
+        Subs s = subs(row.subs);
+        EXPECT_EQ(oxSubscriptedAssignmentWithFiller(x, s.size(), s.data(), sub("1x1: 9"),
+                                                    sub(row.filler), false),
+                  nullptr);
+        EXPECT_EQ(text(x), row.result);
+    }
 }
 
-TEST_F(Assign, OneElementAtATime) {
+TEST_F(Assign, OneElementAtATimeAndFromItself) {
     oxArray *row = sub("0x0"), *column = sub("2x1: 1; 2");
     for (int k = 1; k <= 300; ++k) {
         const oxArray *at = oxCreateDoubleScalar(k), *next = oxCreateDoubleScalar(k + 2),
@@ -217,20 +141,11 @@ TEST_F(Assign, OneElementAtATime) {
     ASSERT_EQ(oxGetN(row), 300u);
     ASSERT_EQ(oxGetM(column), 302u);
     for (int k = 0; k < 300; ++k) EXPECT_EQ(oxGetPr(row)[k] + oxGetPr(column)[k + 2], 2 * (k + 1));
-    oxArray *x = sub("1x1: 4");
-    EXPECT_EQ(text(assign(x, {sub("2")}, x)), "double 1x2: 4 4");
-}
-
-TEST_F(Assign, OperandsMayBeTheTarget) {
-    oxArray *a = sub("1x3: 3 1 2");
-    EXPECT_EQ(text(assign(a, {a}, a)), "double 1x3: 1 2 3");
-    oxArray *m = sub("logical 1x3: 0 1 1");
+    oxArray *m = sub("logical 1x3: 0 1 1"), *c = sub("cell 1x2: {1} {2}");
     EXPECT_EQ(text(assign(m, {m}, sub("logical 1x1: 0"))), "logical 1x3: 0 0 0");
-    oxArray *c = sub("cell 1x2: {1} {2}");
     EXPECT_EQ(text(assign(c, {sub("1x2: 3 2")}, c)),
               "cell 1x3: {double 1x1: 1} {double 1x1: 2} {double 1x1: 1}");
-    EXPECT_EQ(text(erase(a, {a})), "double 1x0");
-    EXPECT_FALSE(oxIsSharedArray(a));
+    EXPECT_EQ(text(erase(row, {row})), "double 1x0");
 }
 
 TEST_F(Assign, ContainersOwnWhatTheyHold) {
@@ -314,8 +229,7 @@ TEST_F(Assign, HeterogeneousClassObjectsAskTheirStaticMethod) {
     oxArray *a = sub("opaque 1x1: 1");
     a->opaque.info = &info;
     a->set_opaque_heterogeneous(true);
-    assign(a, {sub("3")}, sub("opaque 1x1: 2"));
-    EXPECT_EQ(text(a), "opaque 1x3: 1 6 2");
+    EXPECT_EQ(text(assign(a, {sub("3")}, sub("opaque 1x1: 2"))), "opaque 1x3: 1 6 2");
     EXPECT_EQ(called, "Growing.getDefaultObject");
     ox_register_object_layer(previous);
 }
@@ -348,13 +262,9 @@ TEST_F(Assign, Resizing) {
         const char *result;
     } rows[] = {
         {"2x2: 1 2; 3 4", {3, 3}, "double 3x3: 1 2 0; 3 4 0; 0 0 0"},
-        {"2x2: 1 2; 3 4", {1, 3}, "double 1x3: 1 2 0"},
-        {"2x3: 1 2 3; 4 5 6", {2, 1}, "double 2x1: 1; 4"},
         {"2x2x2: 1 2; 3 4 | 5 6; 7 8", {2, 3}, "double 2x3: 1 2 0; 3 4 0"},
         {"2x2: 1 2; 3 4", {2, 1, 2}, "double 2x1x2: 1; 3 | 0; 0"},
-        {"1x2: 1+1i 2", {1, 1}, "double 1x1: 1+1i"},
         {"2x2: 1 2; 3 4", {0, 5}, "double 0x5"},
-        {"0x5", {2, 1}, "double 2x1: 0; 0"},
         {"cell 2x2: {1} {2} {3} {4}", {3, 1}, "cell 3x1: {double 1x1: 1} {double 1x1: 2} {}"},
         {"struct 1x2 a,b: {1} {2} {3} {4}",
          {2, 1},
@@ -387,30 +297,16 @@ TEST_F(Assign, Resizing) {
 
 TEST_F(Assign, SurvivesFailingAllocations) {
     const WithLayer layer;
-    const struct {
-        const char *name;
-        std::vector<std::string> inputs;
-    } rows[] = {
-        {"append", {"double 1x1: 1", "double 1x1: 5", "double 1x1: 2"}},
-        {"grow", {"double 2x2: 1 2; 3 4", "double 1x1: 5", "double 1x1: 3", "double 1x1: 3"}},
-        {"three dimensions",
-         {"double 1x1: 1", "double 1x1: 5", "double 1x1: 1", "double 1x1: 1", "double 1x1: 2"}},
-        {"cell", {"cell 1x2: {1} {2}", "cell 1x1: {3}", "double 1x2: 4 1"}},
-        {"struct", {"struct 1x2 a,b: {1} {2} {3} {4}", "struct 1x1 b,a: {3} {4}", "double 1x1: 2"}},
-        {"opaque", {"opaque 1x3: 4 5 6", "opaque 1x1: 7", "double 1x2: 1 3"}},
-        {"handle", {"function_handle 1x1: 7", "function_handle 1x1: 8", "double 1x1: 1"}},
-    };
-    for (const auto &row : rows)
-        sweep({.name = row.name,
-               .inputs = row.inputs,
-               .act =
-                   [](auto &in) {
-                       assign(in[0], Subs(in.begin() + 2, in.end()), in[1]);
-                       return true;
-                   },
-               .bare = false,
-               .may_survive = true,
-               .changes_inputs = true});
+    sweep_changes(
+        {
+            {"double 1x1: 1", "double 1x1: 5", "double 1x1: 2"},
+            {"double 1x1: 1", "double 1x1: 5", "double 1x1: 1", "double 1x1: 1", "double 1x1: 2"},
+            {"cell 1x2: {1} {2}", "cell 1x1: {3}", "double 1x2: 4 1"},
+            {"struct 1x2 a,b: {1} {2} {3} {4}", "struct 1x1 b,a: {3} {4}", "double 1x1: 2"},
+            {"opaque 1x3: 4 5 6", "opaque 1x1: 7", "double 1x2: 1 3"},
+            {"function_handle 1x1: 7", "function_handle 1x1: 8", "double 1x1: 1"},
+        },
+        [](auto &in) { assign(in[0], Subs(in.begin() + 2, in.end()), in[1]); });
 }
 
 } // namespace

@@ -22,19 +22,15 @@ TEST_F(Colon, CountsWithATolerance) {
         double first, step, last, count;
     } rows[] = {
         {1, 1, 0, 0},
-        {5, -1, 1, 5},
         {1, 0, 5, 0},
         {0, 0.1, 1, 11},
         {0, 0.1, 0.95, 10},
         {1, -0.1, 0, 11},
         {0.1 + 0.2, 0.1, 0.3, 0},
-        {1, 2, 6, 3},
-        {-1, 0.1, 1, 21},
         {0, 1, inf, inf},
         {0, inf, 5, 1},
         {-0x1p60, 0x1p60, 0x1p60, 3},
         {-1e308, 1e308, 1e308, 3},
-        {3, 1, 3, 1},
     };
     for (const auto &r : rows)
         EXPECT_EQ(oxColonop_size(r.first, r.step, r.last, oxDOUBLE_CLASS), r.count)
@@ -51,9 +47,7 @@ TEST_F(Colon, ExpandsToArrays) {
         const char *result;
     } rows[] = {
         {0, 0.25, 1, oxDOUBLE_CLASS, "double 1x5: 0 0.25 0.5 0.75 1"},
-        {1, 1, 0, oxDOUBLE_CLASS, "double 1x0"},
         {1, nan, 3, oxDOUBLE_CLASS, "double 1x1: NaN"},
-        {1, 1, 3, oxSINGLE_CLASS, "single 1x3: 1 2 3"},
         {5, -2, 0, oxINT8_CLASS, "int8 1x3: 5 3 1"},
         {97, 2, 101, oxCHAR_CLASS, "char 1x3: 'ace'"},
         {9223372036854774784.0, 512, 0x1p63, oxINT64_CLASS,
@@ -70,7 +64,7 @@ TEST_F(Colon, ExpandsToArrays) {
 
 TEST_F(Colon, ReversedRangesAreMirrorsAndEndExactly) {
     Random r{5};
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         const double step = r.real(0.001, 2), first = r.real(-10, 10);
         const kwSize n = 1 + r.below(200);
         const double last = first + static_cast<double>(n - 1) * step;
@@ -134,9 +128,7 @@ TEST_F(Colon, ObjectsAreCounted) {
     const struct {
         double first, step, last;
         kwSize real, index;
-    } rows[] = {{1, 1, 0, 0, 0},    {5, -1, 1, 5, 5},
-                {1, 0, 5, 0, 0},    {1, 2, 6, 3, 3},
-                {-9, 1, 2, 12, 12}, {1, 1, 1e300, 281474976710655, 281474976710655}};
+    } rows[] = {{5, -1, 1, 5, 5}, {1, 0, 5, 0, 0}, {1, 1, 1e300, 281474976710655, 281474976710655}};
     for (const auto &r : rows) {
         const oxArray *a = oxCreateColonObj(r.first, r.step, r.last);
         EXPECT_EQ(oxCountColonObj(a), r.real);
@@ -162,25 +154,21 @@ TEST_F(Colon, ObjectsExpandInTheirHeader) {
     EXPECT_EQ(oxExpandColonObj(a), a); // an ordinary array by now
 }
 
-struct ArgsRow {
-    std::vector<std::string> args;
-    oxClassID cls;
-    std::vector<double> out;
-};
-
 TEST_F(Colon, ArgumentsGiveClassAndValues) {
-    const ArgsRow rows[] = {
-        {{"1", "5"}, oxDOUBLE_CLASS, {1, 1, 5, 0}},
+    const struct {
+        std::vector<std::string> args;
+        oxClassID cls;
+        std::vector<double> out;
+    } rows[] = {
         {{"1", "0.5", "2"}, oxDOUBLE_CLASS, {1, 0.5, 2, 0}},
         {{"1 2", "5 6"}, oxDOUBLE_CLASS, {1, 1, 5, 0}}, // not scalar, but all double
         {{"int8 1x1: 3", "9"}, oxINT8_CLASS, {3, 1, 9, 0}},
-        {{"char 1x1: 'a'", "2", "char 1x1: 'e'"}, oxCHAR_CLASS, {97, 2, 101, 0}},
         {{"0x0", "5"}, oxDOUBLE_CLASS, {0, 0, 0, 1}},
         {{"sparse double 1x1:", "5"}, oxDOUBLE_CLASS, {0, 1, 5, 0}},
         {{"int64 1x1: 3", "9223372036854775808"}, oxINT64_CLASS, {3, 1, 0x1p63, 0}},
         {{"uint8 1x1: 1", "300", "9"}, oxUINT8_CLASS, {1, 300, 9, 0}}, // any step
     };
-    for (const ArgsRow &row : rows) {
+    for (const auto &row : rows) {
         Subs args = subs(row.args);
         std::vector<double> out(4, -1);
         oxClassID cls = oxUNKNOWN_CLASS;
@@ -191,11 +179,6 @@ TEST_F(Colon, ArgumentsGiveClassAndValues) {
     }
 }
 
-struct ComplaintRow {
-    std::vector<std::string> args;
-    const char *id, *text;
-};
-
 oxClassID colon_args(const std::vector<std::string> &texts) {
     Subs args = subs(texts);
     double out[4];
@@ -203,38 +186,32 @@ oxClassID colon_args(const std::vector<std::string> &texts) {
 }
 
 TEST_F(Colon, ArgumentsThatRaise) {
-    constexpr const char *range = "Colon operands must be in range of the data type.";
-    const ComplaintRow rows[] = {
-        {{"char 1x1: 'a'", "5"},
-         "mixedCharOperands",
-         "For colon operator with char operands, first and last operands must be char."},
-        {{"char 1x1: 'a'", "int8 1x1: 1", "char 1x1: 'b'"},
-         "mixedCharOperands",
-         "For colon operator with char operands, second operand must be char or real scalar "
-         "double."},
-        {{"int8 1x1: 1", "int16 1x1: 2"},
-         "mixedNonDoubleOperands",
-         "Colon operands must be all the same type, or mixed with real scalar doubles."},
-        {{"logical 1x1: 1", "int8 1x1: 2"}, "mixedNonDoubleOperands", nullptr},
-        {{"int8 1x1: 1", "1 2"},
-         "nonDoubleOperandsNotRealScalar",
-         "Colon operands must be real scalars."},
-        {{"single 1x1: 1+2i", "4"}, "nonDoubleOperandsNotRealScalar", nullptr},
-        {{"char 1x1: 'a'", "0.5", "char 1x1: 'e'"},
-         "scalarDoubleMustBeIntegerValued",
-         "Double operands interacting with char operands must have integer values."},
-        {{"int8 1x1: 1", "0.5", "4"},
-         "scalarDoubleMustBeIntegerValued",
-         "Double operands interacting with integer operands must have integer values."},
-        {{"int8 1x1: 100", "int8 1x1: 1", "200"}, "OutOfRange", range},
-        {{"uint8 1x1: 1", "-1"}, "OutOfRange", range},
+    constexpr const char *range = "Colon operands must be in range of the data type.",
+                         *mixed_char = "mixedCharOperands", *mixed = "mixedNonDoubleOperands",
+                         *not_scalar = "nonDoubleOperandsNotRealScalar",
+                         *fraction = "scalarDoubleMustBeIntegerValued", *a = "char 1x1: 'a'",
+                         *b = "int8 1x1: 1";
+    // clang-format off
+    const struct {
+        std::vector<std::string> args;
+        const char *id, *text;
+    } rows[] = {
+        {{a, "5"}, mixed_char, "For colon operator with char operands, first and last operands must be char."},
+        {{a, b, a}, mixed_char, "For colon operator with char operands, second operand must be char or real scalar double."},
+        {{b, "int16 1x1: 2"}, mixed, "Colon operands must be all the same type, or mixed with real scalar doubles."},
+        {{"logical 1x1: 1", b}, mixed, nullptr},
+        {{b, "1 2"}, not_scalar, "Colon operands must be real scalars."},
+        {{"single 1x1: 1+2i", "4"}, not_scalar, nullptr},
+        {{a, "0.5", a}, fraction, "Double operands interacting with char operands must have integer values."},
+        {{b, "0.5", "4"}, fraction, "Double operands interacting with integer operands must have integer values."},
+        {{b, b, "200"}, "OutOfRange", range},
         {{"single 1x1: 1", "1e300"}, "OutOfRange", range},
         {{"uint64 1x1: 1", "-1"}, "OutOfRange", range},
     };
-    for (const ComplaintRow &row : rows)
+    // clang-format on
+    for (const auto &row : rows)
         EXPECT_RAISES((std::string("VELTRO:colon:") + row.id).c_str(), row.text,
-                      colon_args(row.args))
-            << row.args[0];
+                      colon_args(row.args));
 }
 
 TEST_F(Colon, ArgumentsThatWarn) {
@@ -245,7 +222,6 @@ TEST_F(Colon, ArgumentsThatWarn) {
         colon_args({"logical 1x1: 1", "logical 1x1: 1"});
     }));
     EXPECT_TRUE(warns({scalar}, [] { colon_args({"1+1i", "2+1i"}); }));
-    EXPECT_TRUE(warns({scalar}, [] { colon_args({"int8 0x0", "0x0"}); }));
     EXPECT_TRUE(warns({scalar}, [] { colon_args({"char 1x2: 'ab'", "char 1x1: 'e'"}); }));
 }
 

@@ -80,16 +80,12 @@ class Transpose : public HostTest {
 // clang-format off
 const char *const pairs[][2] = {
     {"1+1i 2-2i 3", "1+1i; 2-2i; 3"}, // not conjugated
-    {"1 2 3; 4 5 6", "1 4; 2 5; 3 6"},
     {"double 0x3", "double 3x0"},
     {"1+1i 2; 3 4-4i", "1+1i 3; 2 4-4i"},
     {"logical 2x2: 1 0; 1 1", "logical 2x2: 1 1; 0 1"},
-    {"char 2x3: 'abc'; 'def'", "char 3x2: 'ad'; 'be'; 'cf'"},
-    {"int16 2x2: 1 2; 3 4", "int16 2x2: 1 3; 2 4"},
     {"cell 2x2: {1} {2} {} {char 1x1: 'x'}", "cell 2x2: {1} {} {2} {char 1x1: 'x'}"},
     {"sparse double 2x3: (1,0)=2 (0,2)=1+1i", "sparse double 3x2: (2,0)=1+1i (0,1)=2"},
     {"function_handle 2x2: 1 2 3 4", "function_handle 2x2: 1 3 2 4"},
-    {"struct 2x2 a: {1} {2} {3} {4}", "struct 2x2 a: {1} {3} {2} {4}"},
 };
 // clang-format on
 
@@ -145,18 +141,19 @@ TEST_F(Transpose, BlocksByClass) {
 }
 
 TEST_F(Transpose, FailingAllocations) {
-    const auto make = [](const Arrays &in) { return oxTranspose(in[0]); };
-    const auto act = [](const Arrays &in) {
-        oxInPlaceBlockTranspose(in[0], oxGetData(in[0]), 2, 3);
-        return true;
-    };
     for (const char *in :
          {"1 2 3", "1+1i 2; 3 4", "cell 2x2: {1} {} {2} {3}", "sparse double 2x2: (0,1)=1"})
-        sweep({.name = in, .inputs = {in}, .make = make, .act = nullptr});
+        sweep({.name = in,
+               .inputs = {in},
+               .make = [](const Arrays &a) { return oxTranspose(a[0]); },
+               .act = nullptr});
+    const auto in_place = [](const Arrays &a) {
+        return oxInPlaceBlockTranspose(a[0], oxGetData(a[0]), 2, 3), true;
+    };
     sweep({.name = "in place",
            .inputs = {"1 2 3; 4 5 6"},
            .make = nullptr,
-           .act = act,
+           .act = in_place,
            .bare = false,
            .changes_inputs = true});
 }
