@@ -166,6 +166,8 @@ void *Heap::resize_large(LargeBlocks::Block *block, std::size_t size) {
     const std::size_t capacity = block->capacity;
     if (size > capacity) {
         const std::size_t roomy = with_slack(capacity, size);
+        // Into kept pages a copy is cheaper than the first touch of new ones.
+        if (large.keeps(roomy)) return move(block->start, capacity, size, roomy);
         if (!large.grow(block, roomy) && !large.grow(block, size))
             return move(block->start, capacity, size, size);
         block->dirty = size;

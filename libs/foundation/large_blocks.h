@@ -31,6 +31,8 @@ public:
     // The block, found before, with room for `size` bytes more than it has, perhaps at another
     // address; contents kept. False: nothing changed.
     bool grow(Block *block, std::size_t size);
+    // Whether a kept block could serve such a request.
+    bool keeps(std::size_t size) const { return kept_lists_[class_for(size)].newest != nullptr; }
     // Keeps the block for reuse, or unmaps it.
     void free(Block *block);
 

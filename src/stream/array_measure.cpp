@@ -1,6 +1,7 @@
 // Measuring an array element: every container once, in the order of writing.
 #include <stream/array_walk.h>
 #include <stream/head_size.h>
+#include <stream/plain_matrix.h>
 
 namespace ox {
 namespace {
@@ -11,6 +12,8 @@ public:
 
     int32_t enter(const oxArray *a, const char *name, ArrayPlan &plan, WalkFrame &frame,
                   WalkFrame *parent) {
+        PlainMatrix plain;
+        if (parent && describe_plain(a, options_, &plain)) return add(plain.bytes(), parent);
         if (const int32_t status = plan_array(a, options_, PlanPass::measuring, &plan))
             return status;
         if (a->class_code == oxOPAQUE_CLASS)

@@ -7,6 +7,7 @@
 #include <core/size_check.h>
 #include <ox/structs.h>
 #include <stream/array_reader.h>
+#include <stream/plain_matrix.h>
 
 namespace ox {
 namespace {
@@ -41,6 +42,7 @@ private:
     int32_t read_tree(char *name, oxArray **out);
     int32_t read_header(char *name, oxArray **out);
     int32_t read_element(kwSize end, char *name, oxArray **out);
+    int32_t read_plain(const PlainMatrix &p, char *name, oxArray **out);
     int32_t read_contents(const ArrayHead &head, kwSize end, ArrayGuard &a);
     int32_t open_frame(const ArrayHead &head, kwSize end, ArrayGuard &a);
     int32_t open_opaque(kwSize end);
@@ -153,6 +155,10 @@ oxArray *make_array(const ArrayHead &head) {
 // An array whose data begin here and end at `end`: *out when it is complete, or a frame.
 int32_t ArrayReader::read_element(kwSize end, char *name, oxArray **out) {
     *out = nullptr;
+    PlainMatrix plain;
+    const unsigned char *start =
+        is_plain_form(in_.form()) ? in_.peek(PlainMatrix::head_bytes) : nullptr;
+    if (start && recognise_plain(start, in_.left(), &plain)) return read_plain(plain, name, out);
     ArrayHead head;
     if (const int32_t status = read_head(&head, name)) return status;
     if (!head.file_class.known) {
@@ -165,6 +171,25 @@ int32_t ArrayReader::read_element(kwSize end, char *name, oxArray **out) {
     const int32_t status = read_contents(head, end, a);
     *out = status == oiSUCCESS ? a.release() : nullptr;
     return status;
+}
+
+int32_t ArrayReader::read_plain(const PlainMatrix &p, char *name, oxArray **out) {
+    in_.pass(PlainMatrix::head_bytes);
+    if (name) {
+        std::memcpy(name, &p.words[9], 4);
+        name[p.name_length()] = '\0';
+    }
+    ArrayGuard a(make_header(p.id(), p.rows(), p.columns()));
+    if (!a) return oiREFUSED;
+    const kwSize n = p.data_bytes();
+    const int32_t status = read_block(in_, n, n, 1, &a->num.pdata, [&](void *dst, kwSize k) {
+        return in_.take_raw(dst, k) ? oiSUCCESS : oiSHORT_READ;
+    });
+    if (status != oiSUCCESS) return status;
+    if (p.id() == oxDOUBLE_CLASS && p.rows() == 1 && p.columns() == 1)
+        a->set_flag(oxFLAG_SCALAR_DOUBLE, true);
+    *out = a.release();
+    return oiSUCCESS;
 }
 
 int32_t ArrayReader::read_contents(const ArrayHead &head, kwSize end, ArrayGuard &a) {

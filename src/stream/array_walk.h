@@ -49,10 +49,12 @@ template<class Visitor> int32_t walk_array(const oxArray *root, const char *name
             if (open.size() == oiNESTING_LIMIT) return oiSHORT_WRITE;
             if (const int32_t status = visit.enter(a, name, plan, frame, parent())) return status;
             name = nullptr; // nested arrays have none
-            frame.slots = plan.slots;
-            frame.contents = plan.contents;
-            frame.count = plan.nslots;
-            if (plan.nests && !open.push(frame)) return oiREFUSED;
+            if (plan.nests) {
+                frame.slots = plan.slots;
+                frame.contents = plan.contents;
+                frame.count = plan.nslots;
+                if (!open.push(frame)) return oiREFUSED;
+            }
         } else {
             visit.null(parent());
         }
@@ -65,6 +67,8 @@ template<class Visitor> int32_t walk_array(const oxArray *root, const char *name
         WalkFrame &f = open.top();
         a = f.slots ? f.slots[f.next] : f.contents;
         ++f.next;
+        // Headers lie anywhere, and little is done with each.
+        if (f.slots && f.next + 3 < f.count) __builtin_prefetch(f.slots[f.next + 3]);
     }
 }
 

@@ -1,6 +1,7 @@
 // Writing an array element that was measured.
 #include <stream/array_walk.h>
 #include <stream/head_size.h>
+#include <stream/plain_matrix.h>
 
 namespace ox {
 namespace {
@@ -75,6 +76,11 @@ public:
 
     int32_t enter(const oxArray *a, const char *name, ArrayPlan &plan, WalkFrame &,
                   WalkFrame *parent) {
+        PlainMatrix plain;
+        if (parent && describe_plain(a, options_, &plain)) {
+            put_plain(a, plain);
+            return oiSUCCESS;
+        }
         plan_array(a, options_, PlanPass::writing, &plan);
         if (a->class_code == oxOPAQUE_CLASS) plan.contents = m_.saved[next_saved_++];
         const kwSize own = plan.nests ? m_.containers[next_container_++] : 0;
@@ -90,6 +96,16 @@ public:
     int32_t leave(const WalkFrame &, WalkFrame *) { return oiSUCCESS; }
 
 private:
+    void put_plain(const oxArray *a, const PlainMatrix &p) {
+        const uint32_t tag[2] = {oiMATRIX, static_cast<uint32_t>(p.bytes())};
+        unsigned char *to = out_.room(sizeof tag + sizeof p.words);
+        std::memcpy(to, tag, sizeof tag);
+        std::memcpy(to + sizeof tag, p.words, sizeof p.words);
+        out_.advance(to + sizeof tag + sizeof p.words);
+        out_.put(a->num.pdata, p.data_bytes());
+        if (padding(p.data_bytes())) out_.put_padding(p.data_bytes());
+    }
+
     Output &out_;
     HeadWriter head_;
     EncodeOptions options_;

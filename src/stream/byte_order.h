@@ -18,6 +18,14 @@ inline uint16_t reverse_bytes(uint16_t x) { return __builtin_bswap16(x); }
 inline uint32_t reverse_bytes(uint32_t x) { return __builtin_bswap32(x); }
 inline uint64_t reverse_bytes(uint64_t x) { return __builtin_bswap64(x); }
 
+// Eight bytes as units of 1, 2 or 4.
+inline uint64_t reverse_units(uint64_t x, kwSize unit) {
+    constexpr uint64_t low = 0x00FF00FF00FF00FF;
+    if (unit == 2) return (x & low) << 8 | (x >> 8 & low);
+    if (unit == 4) return reverse_bytes(x) << 32 | reverse_bytes(x) >> 32;
+    return x;
+}
+
 // Whole units only: a tail of fewer bytes than a unit is copied as it is. dst may be src.
 template<class T> void copy_reversed_units(void *dst, const void *src, kwSize bytes) {
     auto *d = static_cast<unsigned char *>(dst);

@@ -43,15 +43,14 @@ void drop_buffer(oiStreamRec_tag *s) {
 }
 
 // What lies between the old end and `offset`, and behind the n bytes there, is new and cleared; so
-// are the n bytes themselves unless they are about to be written. Growth is geometric, but for the
-// first block.
+// are the n bytes themselves unless they are about to be written. The first block is exact,
+// growth doubles.
 int32_t grow_buffer(oiStreamRec_tag *s, kwSize n, kwSize offset, kwSize *capacity, bool clear) {
     kwSize needed;
     if (__builtin_add_overflow(offset, n, &needed) || needed > ~kwSize{0} / 2) return oiREFUSED;
     const kwSize old = s->handle ? s->capacity : 0;
     if (needed + padding_room > s->physical || !s->handle) {
-        const kwSize physical =
-            std::max(round8(needed + padding_room), s->physical + s->physical / 2);
+        const kwSize physical = std::max(round8(needed + padding_room), 2 * s->physical);
         void *block = oxReallocEx(s->handle, physical);
         if (!block) return oiREFUSED;
         s->handle = block;

@@ -79,7 +79,7 @@ bool Input::skip(kwSize n) {
 
 int32_t Input::open(SubElement *e) {
     const kwSize size = form_.tag_size();
-    if (left() < size || !fetch(size)) return oiSHORT_READ;
+    if (!peek(size)) return oiSHORT_READ;
     Tag tag;
     if (!parse_tag(form_, cursor_, &tag)) return oiBAD_ELEMENT;
     cursor_ += size;
@@ -87,7 +87,7 @@ int32_t Input::open(SubElement *e) {
     e->small = tag.small;
     e->count = tag.count;
     e->taken = 0;
-    std::memcpy(e->inlined, tag.inlined, sizeof e->inlined);
+    if (tag.small) std::memcpy(e->inlined, tag.inlined, sizeof e->inlined);
     return tag.small || tag.count <= left() ? oiSUCCESS : oiSHORT_READ;
 }
 

@@ -47,6 +47,13 @@ public:
     // swapped; then n must be whole units. False when the carrier ends.
     bool take(SubElement &e, void *dst, kwSize n);
     bool take_units(SubElement &e, void *dst, kwSize n);
+    // The next n bytes without taking them, or null when they are not together; and taking n bytes
+    // that are no sub-element.
+    const unsigned char *peek(kwSize n) {
+        return left() >= n && (available() >= n || fetch(n)) ? cursor_ : nullptr;
+    }
+    bool take_raw(void *dst, kwSize n) { return read(static_cast<unsigned char *>(dst), n); }
+    bool pass(kwSize n) { return skip(n); }
     // The rest of the data where they lie, if they lie together; otherwise null.
     const unsigned char *view(SubElement &e);
     // Passes the rest of the data and the padding.

@@ -4,6 +4,7 @@
 #include <stream/items.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace ox {
 namespace {
@@ -105,12 +106,12 @@ int32_t get_contents(oiStreamRec_tag *s, const Tag &tag, oiItem_tag *item, Want 
 
 // Takes back what an item was given.
 void take_back(oiStreamRec_tag *s, oiItem_tag *item) {
-    if (item->data == &item->name || !item->data) return;
+    void *data = std::exchange(item->data, nullptr);
+    if (data == &item->name) return;
     if (item->type == oiMATRIX)
-        oxDestroyArray(static_cast<oxArray *>(item->data));
+        oxDestroyArray(static_cast<oxArray *>(data));
     else
-        s->free(item->data);
-    item->data = nullptr;
+        s->free(data);
 }
 
 // A compressed element holds one element that is not compressed. What it claims to hold must be

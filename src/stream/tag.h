@@ -61,20 +61,17 @@ inline bool parse_tag(TagForm form, const unsigned char *bytes, Tag *tag) {
     if (form.swapped) type = reverse_bytes(type);
     const unsigned char *rest = bytes + form.tag_size() - form.small_limit();
     tag->small = type >> 16 != 0;
+    uint64_t data = 0; // of a small element, or the count
+    std::memcpy(&data, rest, form.small_limit());
     if (tag->small) {
         tag->type = type & 0xFFFF;
         tag->count = type >> 16;
-        store(tag->inlined, uint64_t{0});
-        if (form.swapped)
-            copy_reversed(tag->inlined, rest, form.small_limit(), inline_unit(tag->type));
-        else
-            std::memcpy(tag->inlined, rest, form.small_limit());
+        store(tag->inlined, form.swapped ? reverse_units(data, inline_unit(tag->type)) : data);
         return tag->count <= form.small_limit();
     }
     tag->type = type;
-    unsigned char count[8];
-    copy_reversed(count, rest, form.small_limit(), form.swapped ? 4 : 1);
-    tag->count = form.wide ? load<uint64_t>(count) : load<uint32_t>(count);
+    if (form.swapped) data = reverse_units(data, 4);
+    tag->count = form.wide ? data : load<uint32_t>(&data);
     return true;
 }
 
@@ -87,7 +84,9 @@ inline unsigned char *build_tag(TagForm form, unsigned char *bytes, uint32_t typ
     } else {
         store(bytes + 4, static_cast<uint32_t>(n));
     }
-    if (form.swapped) reverse_in_place(bytes, form.tag_size(), 4);
+    if (form.swapped)
+        for (kwSize k = 0; k < form.tag_size(); k += 8)
+            store(bytes + k, reverse_units(load<uint64_t>(bytes + k), 4));
     return bytes + form.tag_size();
 }
 
@@ -95,12 +94,12 @@ inline unsigned char *build_tag(TagForm form, unsigned char *bytes, uint32_t typ
 inline unsigned char *build_small(TagForm form, unsigned char *bytes, uint32_t type,
                                   const void *data, kwSize n) {
     const uint32_t word = type | static_cast<uint32_t>(n) << 16;
-    unsigned char *rest = bytes + form.tag_size() - form.small_limit();
+    uint64_t inlined = 0;
+    std::memcpy(&inlined, data, n);
+    if (form.swapped) inlined = reverse_units(inlined, inline_unit(type));
     store(bytes, uint64_t{0});
-    if (form.wide) store(rest, uint64_t{0});
     store(bytes, form.swapped ? reverse_bytes(word) : word);
-    std::memcpy(rest, data, n);
-    if (form.swapped) reverse_in_place(rest, form.small_limit(), inline_unit(type));
+    std::memcpy(bytes + form.tag_size() - form.small_limit(), &inlined, form.small_limit());
     return bytes + form.tag_size();
 }
 
