@@ -1,5 +1,4 @@
 // Creating cell arrays, and storing arrays in them.
-#include <containers/cells.h>
 #include <core/array_list.h>
 #include <core/create.h>
 #include <core/destroy.h>
@@ -7,7 +6,9 @@
 #include <ox/sharing.h>
 
 namespace ox {
+namespace {
 
+// Deliberate: without the limit on elements that oxCreateCellArray has.
 oxArray *make_cell(kwSize m, kwSize n) {
     ArrayGuard a(make_header(oxCELL_CLASS, m, n));
     if (!a || m == 0 || n == 0) return a.release();
@@ -17,10 +18,7 @@ oxArray *make_cell(kwSize m, kwSize n) {
     return a->cell.slots ? a.release() : nullptr;
 }
 
-oxArray *make_cell_nd(kwSize ndim, const kwSize *dims) {
-    return make_full_nd(ndim, dims, oxCELL_CLASS, false);
-}
-
+} // namespace
 } // namespace ox
 
 using namespace ox;
@@ -30,7 +28,7 @@ extern "C" {
 oxArray *oxCreateCellMatrix_730(kwSize m, kwSize n) { return hand_over(make_cell(m, n)); }
 
 oxArray *oxCreateCellArray_730(kwSize ndim, const kwSize *dims) {
-    return hand_over(make_cell_nd(ndim, dims));
+    return hand_over(make_full_nd(ndim, dims, oxCELL_CLASS, false));
 }
 
 oxArray *oxGetCell_730(const oxArray *a, kwSize i) { return a->cell.slots[i]; }

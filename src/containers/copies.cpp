@@ -58,6 +58,14 @@ RawBlock undefined_storage(const oxArray *a) {
                                                                            : oxMallocEx(n * size)));
 }
 
+// A source that others hold, too, lives on beside dst, which is then one array more.
+bool move_or_share(oxArray *dst, oxArray *src) {
+    const bool shares = src && src != dst && src->reference_count > 0;
+    if (!move_onto_header(dst, src)) return false;
+    if (shares) notify_object_copy(dst, src);
+    return true;
+}
+
 } // namespace
 
 oxArray *shared_copy(const oxArray *a) {
@@ -173,13 +181,13 @@ oxArray *oxCreateClaimedDataCopy(oxArray *a) {
 }
 
 void oxMoveArrayOntoHeader(oxArray *dst, oxArray *src) {
-    if (!move_onto_header(dst, src)) hand_over(nullptr);
+    if (!move_or_share(dst, src)) hand_over(nullptr);
 }
 
 void oxMoveCopyOntoHeader(oxArray *dst, oxArray *src) {
     if (dst == src) return;
     oxCreateReference(src);
-    if (move_onto_header(dst, src)) return;
+    if (move_or_share(dst, src)) return;
     oxDestroyArray(src);
     hand_over(nullptr);
 }

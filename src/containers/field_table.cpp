@@ -202,7 +202,6 @@ bool own_field_table(oxArray *a) {
     if (!copy) return false;
     release_field_table(a);
     a->record.names = copy;
-    rebuild_hash(copy); // without memory: none
     return true;
 }
 

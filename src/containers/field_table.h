@@ -23,8 +23,8 @@ int32_t find_field(const name_index_info *table, const char *name);
 // then as before.
 bool add_field_name(oxArray *a, const char *name);
 
-// Makes the array the only owner of its table, or leaves it alone when it has none. False without
-// memory.
+// Makes the array the only owner of its table, or leaves it alone when it has none; a copy made for
+// that has no hash until its names change. False without memory.
 bool own_field_table(oxArray *a);
 // Takes name n from a table that the array owns alone, or drops a table of one name, which may be
 // shared: the array then has none. Cannot fail.

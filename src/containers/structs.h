@@ -1,5 +1,5 @@
-// Making and growing struct arrays, as cores: they answer null without memory and are handed to no
-// hook.
+// Making struct arrays, and turning them into cells and back, as cores: they answer null without
+// memory and are handed to no hook.
 #pragma once
 #include <containers/field_table.h>
 

@@ -1,9 +1,9 @@
 // Catenation: the dimension argument, the class, the conversions and the checks, in that order.
+#include <containers/copies.h>
 #include <containers/field_table.h>
 #include <core/alloc.h>
 #include <core/array_list.h>
 #include <core/create.h>
-#include <core/header_copy.h>
 #include <core/position.h>
 #include <errors/raise.h>
 #include <errors/warn.h>
@@ -203,7 +203,7 @@ oxArray *catenate(kwSize dim, int n, const oxArray *args[], oxCatConvertFcn conv
     check_extents(operands, dim, sparse);
     if (operands.count() > 1) return join(operands, dim, sparse);
     const oxArray *only = operands.count() ? *operands.begin() : fallback;
-    return share_header(const_cast<oxArray *>(only));
+    return shared_copy(only);
 }
 
 } // namespace

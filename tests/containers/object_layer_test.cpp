@@ -46,9 +46,21 @@ TEST_F(Layer, EveryCopyOfAnObjectIsAnnouncedOnce) {
     const WithLayer layer;
     oxArray *a = arr("object Point 1x2 a: {1} {2}");
     const auto skeleton = [](const oxArray *p) { return oxCreateSkeletonCopy(p, 0); };
+    const auto onto_header = [](const oxArray *p) {
+        oxArray *dst = arr("1");
+        oxMoveCopyOntoHeader(dst, const_cast<oxArray *>(p));
+        return dst;
+    };
+    const auto alone_in_brackets = [](const oxArray *p) {
+        oxCatContext objects{[](auto...) { return oxOBJECT_CLASS; }, nullptr};
+        const auto as_is = [](oxCatContext *, oxClassID, const oxArray *operand) {
+            return operand;
+        };
+        return oxCatenateDispatch(oxCAT_VERTICAL, 1, &p, as_is, &objects);
+    };
     for (oxArray *(*copy)(const oxArray *) :
-         {oxCreateSharedDataCopy, oxCreateDeepCopy, oxCreateEmptyCopy, +skeleton,
-          oxCreateSharedCopyNotOnArrayList}) {
+         {oxCreateSharedDataCopy, oxCreateDeepCopy, oxCreateEmptyCopy, +skeleton, +onto_header,
+          +alone_in_brackets, oxCreateSharedCopyNotOnArrayList}) {
         layer_calls = {};
         oxArray *c = copy(a);
         EXPECT_EQ(layer_calls.objects_created, 1);

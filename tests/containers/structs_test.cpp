@@ -138,6 +138,13 @@ TEST_F(Structs, AFailedFieldLeavesItsNameBehind) {
     oxSetFields(a, nullptr);
 }
 
+TEST_F(Structs, StackOfAnError) {
+    const char *file[] = {"f.vel"}, *name[] = {""};
+    const double line = 14;
+    EXPECT_EQ(text(oxCreateStackStruct(1, file, name, &line)),
+              "struct 1x1 file,name,line: {char 1x5: 'f.vel'} {char 0x0} {double 1x1: 14}");
+}
+
 TEST_F(Structs, NamesAreALetterThenLettersDigitsAndUnderscores) {
     for (const char *good : {"a", "a_1", "Z9", "a__"}) EXPECT_TRUE(oxIsValidVelName(good)) << good;
     for (const char *bad : {"", "1a", "_a", "a b", "\xE9", "a\x80"})
