@@ -5,6 +5,7 @@
 #include <index/assign.h>
 #include <index/growth.h>
 #include <index/kernels.h>
+#include <index/operands/positions.h>
 #include <index/operands/shapes.h>
 #include <index/sparse_route.h>
 #include <ox.h>
@@ -40,13 +41,12 @@ struct Kept {
 };
 
 Kept complement(const Subscript &s, kwSize extent) {
-    Kept kept{RawArray<uint8_t>::make(extent), extent};
+    Kept kept{RawArray<uint8_t>::make(extent), 0};
     if (!kept.mask) raise_out_of_memory();
-    std::memset(kept.mask.get(), 1, extent);
-    s.for_each([&](kwIndex p) {
-        kept.count -= kept.mask[p];
-        kept.mask[p] = 0;
-    });
+    uint8_t *mask = kept.mask.get();
+    std::memset(mask, 1, extent);
+    s.for_each([mask](kwIndex p) { mask[p] = 0; });
+    kept.count = count_true(mask, extent);
     return kept;
 }
 

@@ -3,31 +3,52 @@
 #define HWY_TARGET_INCLUDE "index/kernels.cpp"
 #include <hwy/foreach_target.h>
 // (the first include repeats this file once for every target)
+#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
 #include <core/tuning.h>
 #include <index/kernels.h>
 
+#include <algorithm>
+
 HWY_BEFORE_NAMESPACE();
 namespace ox::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-void gather_list64(uint64_t *dst, const uint64_t *src, const Axis &x, const Axis &y) {
+// While one column is gathered, the lines that the next one will touch are fetched in passing: a
+// random walk within a column tells the hardware nothing about the next. They are `ahead` lines.
+void gather_list64(uint64_t *dst, const uint64_t *src, const Axis &x, const Axis &y, kwSize ahead) {
     const hn::ScalableTag<uint64_t> d;
     const hn::RebindToSigned<decltype(d)> di;
     const kwSize lanes = hn::Lanes(d), n = x.count;
     const auto *list = reinterpret_cast<const int64_t *>(x.list);
+    const kwSize each = ahead / (n / (2 * lanes) + 1) + 1;
     for (kwSize j = 0; j < y.count; ++j, dst += n) {
         const uint64_t *column = src + y.offset(j);
-        kwSize k = 0;
+        const uint64_t *next = src + y.offset(j + 1 < y.count ? j + 1 : j);
+        kwSize k = 0, line = 0;
         for (; k + 2 * lanes <= n; k += 2 * lanes) {
             const auto u = hn::GatherIndex(d, column, hn::LoadU(di, list + k));
             const auto v = hn::GatherIndex(d, column, hn::LoadU(di, list + k + lanes));
             hn::StoreU(u, d, dst + k);
             hn::StoreU(v, d, dst + k + lanes);
+            for (const kwSize end = std::min(line + each, ahead); line < end; ++line)
+                hwy::Prefetch(next + 8 * line);
         }
         for (; k < n; ++k) dst[k] = column[list[k]];
     }
+}
+
+// The selected lanes first. Packing within a register and storing all of it beats the storing
+// instruction, which some processors run as a program; the library's own form for 64-bit lanes
+// copies a table for every vector.
+template<class V, class M> V packed(V v, M some) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+    if constexpr (sizeof(hn::TFromV<V>) == 8)
+        return V{_mm512_maskz_compress_epi64(some.raw, v.raw)};
+    else
+#endif
+        return hn::Compress(v, some);
 }
 
 // Whole vectors are stored, so the last ones are written element by element.
@@ -46,7 +67,8 @@ template<class T> void compress(T *dst, const T *src, const uint8_t *mask, kwSiz
             const uint8_t group[8] = {static_cast<uint8_t>(bits[k / 8] >> k % 8 & used),
                                       bits[k / 8 + 1]};
             const auto some = hn::LoadMaskBits(d, group);
-            dst += hn::CompressStore(hn::LoadU(d, src + i + k), some, d, dst);
+            hn::StoreU(packed(hn::LoadU(d, src + i + k), some), d, dst);
+            dst += hn::CountTrue(d, some);
         }
     }
     for (; i < n; ++i)
@@ -86,7 +108,9 @@ HWY_EXPORT(compress32);
 HWY_EXPORT(take_every_second64);
 
 void gather_list64(uint64_t *dst, const uint64_t *src, const Axis &x, const Axis &y) {
-    HWY_DYNAMIC_DISPATCH(gather_list64)(dst, src, x, y);
+    kwSize lines = 0; // that a column spans, where the list is dense enough to want most of them
+    if (y.count > 1) lines = *std::max_element(x.list, x.list + x.count) / 8 + 1;
+    HWY_DYNAMIC_DISPATCH(gather_list64)(dst, src, x, y, lines <= x.count ? lines : 0);
 }
 
 void compress64(uint64_t *dst, const uint64_t *src, const uint8_t *mask, kwSize n, kwSize count) {

@@ -129,10 +129,11 @@ oxArray *gather_array(const oxArray *a, const Selection &from, const Extents &di
     return result.release();
 }
 
-oxArray *reference(const oxArray *a, kwSize nsubs, const oxArray *const *subs) {
-    kwSize position;
-    if (is_plain_array(a) && plain_element(a, nsubs, subs, &position))
-        return reference_element(a, position);
+namespace {
+
+// Kept apart, so that single elements do not pay for its frame.
+[[gnu::noinline]] oxArray *reference_any(const oxArray *a, kwSize nsubs,
+                                         const oxArray *const *subs) {
     if (nsubs == 0) {
         oxArray *copy = shared_copy(a);
         if (!copy) raise_out_of_memory();
@@ -152,6 +153,15 @@ oxArray *reference(const oxArray *a, kwSize nsubs, const oxArray *const *subs) {
     result_shape(a, s, subs, dims);
     if (a->is_indexing_opaque()) return reference_opaque(a, s, dims);
     return gather_array(a, Selection(s, extents.get(), element_layout(a).parts), dims);
+}
+
+} // namespace
+
+oxArray *reference(const oxArray *a, kwSize nsubs, const oxArray *const *subs) {
+    kwSize position;
+    if (is_plain_array(a) && plain_element(a, nsubs, subs, &position))
+        return reference_element(a, position);
+    return reference_any(a, nsubs, subs);
 }
 
 } // namespace ox

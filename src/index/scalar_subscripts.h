@@ -13,9 +13,10 @@ inline bool plain_position(const oxArray *sub, kwSize extent, kwSize *position) 
         sub->num.pimag)
         return false;
     const double x = *data<double>(sub);
-    if (!(x >= 1 && x <= static_cast<double>(extent))) return false; // before the cast
-    const auto p = static_cast<kwSize>(static_cast<int64_t>(x));
-    *position = p - 1;
+    // Signed conversions take one instruction each; the range comes before the cast.
+    if (!(x >= 1 && x <= static_cast<double>(static_cast<int64_t>(extent)))) return false;
+    const auto p = static_cast<int64_t>(x);
+    *position = static_cast<kwSize>(p - 1);
     return static_cast<double>(p) == x;
 }
 
