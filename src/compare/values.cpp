@@ -52,8 +52,9 @@ template<class T> bool read_block(double *out, const void *values, kwSize first,
 }
 
 ReadBlock block_reader(int id) {
-    return visit_class(id, static_cast<ReadBlock>(nullptr),
-                       []<class T>(std::type_identity<T>) -> ReadBlock { return read_block<T>; });
+    return visit_class(
+        id, static_cast<ReadBlock>(nullptr),
+        []<class T>(std::type_identity<T>) -> ReadBlock { return read_block<Stored<T>>; });
 }
 
 bool equal_mixed(int class_a, const void *a, int class_b, const void *b, kwSize n, bool nan_equal) {
@@ -87,7 +88,7 @@ template<class T> Element read_element(const void *values, kwSize k) {
 ReadElement element_reader(int id) {
     return visit_class(
         id, static_cast<ReadElement>(nullptr),
-        []<class T>(std::type_identity<T>) -> ReadElement { return read_element<T>; });
+        []<class T>(std::type_identity<T>) -> ReadElement { return read_element<Stored<T>>; });
 }
 
 bool equal_elements(const Element &x, const Element &y, bool nan_equal) {
@@ -112,8 +113,8 @@ bool equal_runs(int class_a, const void *a, int class_b, const void *b, kwSize n
 
 bool all_zero(int id, const void *values, kwSize first, kwSize n) {
     return visit_class(id, true, [&]<class T>(std::type_identity<T>) {
-        const T *v = static_cast<const T *>(values) + first;
-        return std::all_of(v, v + n, [](T x) { return x == T{}; });
+        const auto *v = static_cast<const Stored<T> *>(values) + first;
+        return std::all_of(v, v + n, [](Stored<T> x) { return x == 0; });
     });
 }
 

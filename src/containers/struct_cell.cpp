@@ -17,14 +17,11 @@ bool push_shared(SlotBlock &slots, oxArray *value) {
     return copy || !value;
 }
 
-// Size k of the cell as if it had dimensions without end.
-kwSize extent(const oxArray *c, kwSize k) { return k < c->ndims ? c->get_dimensions()[k] : 1; }
-
 // The dimensions of c but d, in their order, padded to two; dims has room for ndims of them.
 kwSize other_dimensions(const oxArray *c, kwSize d, kwSize *dims) {
     kwSize n = 0;
     for (kwSize k = 0; k < c->ndims || n < 2; ++k)
-        if (k != d) dims[n++] = extent(c, k);
+        if (k != d) dims[n++] = extent_along(c, k);
     while (d > 0 && n > 2 && dims[n - 1] == 1) --n;
     return n;
 }
@@ -34,7 +31,8 @@ kwSize other_dimensions(const oxArray *c, kwSize d, kwSize *dims) {
 // d.
 bool fill_fields(SlotBlock &slots, const oxArray *c, kwSize d, kwSize fields) {
     kwSize before = 1, after = 1;
-    for (kwSize k = 0; k < c->ndims; ++k) (k < d ? before : after) *= k == d ? 1 : extent(c, k);
+    for (kwSize k = 0; k < c->ndims; ++k)
+        (k < d ? before : after) *= k == d ? 1 : extent_along(c, k);
     for (kwSize o = 0; o < after; ++o)
         for (kwSize i = 0; i < before; ++i)
             for (kwSize f = 0; f < fields; ++f)
@@ -62,7 +60,7 @@ oxArray *struct_to_cell(const oxArray *s) {
 }
 
 oxArray *cell_to_struct(const oxArray *c, kwSize d, const char *const *names) {
-    const kwSize fields = extent(c, d), n = c->get_number_of_elements();
+    const kwSize fields = extent_along(c, d), n = c->get_number_of_elements();
     if (fields > static_cast<kwSize>(std::numeric_limits<int32_t>::max())) return nullptr;
     auto dims = RawArray<kwSize>::make(c->ndims + 1);
     ArrayGuard s(make_header(oxSTRUCT_CLASS, 0, 0));

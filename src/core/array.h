@@ -40,6 +40,17 @@ inline kwSize cols(const oxArray *a) {
     return n;
 }
 
+// Dimension k (from 0) of an array that has ones without end behind its last.
+inline kwSize extent_along(const oxArray *a, kwSize k) {
+    const kwSize *d = a->get_dimensions(); // may yet change ndims
+    return k < a->ndims ? d[k] : 1;
+}
+
+inline bool is_0_by_0(const oxArray *a) {
+    const kwSize *d = a->get_dimensions();
+    return a->ndims == 2 && d[0] == 0 && d[1] == 0;
+}
+
 inline bool same_dimensions(const oxArray *a, const oxArray *b) {
     const kwSize *da = a->get_dimensions(), *db = b->get_dimensions();
     if (a->ndims != b->ndims) return false;

@@ -46,6 +46,12 @@ template<class R, class F> R visit_class(int id, R otherwise, F &&f) {
     }
 }
 
+// The plain integer as which elements of logical and char, whatever their bits, are read and
+// stored; other element types are themselves.
+template<class T> using Stored =
+    std::conditional_t<std::is_same_v<T, bool>, uint8_t,
+                       std::conditional_t<std::is_same_v<T, oxChar>, uint16_t, T>>;
+
 // Calls f(std::type_identity<T>{}) with an unsigned type of the width; false for other widths.
 template<class F> bool visit_width(kwSize width, F &&f) {
     switch (width) {

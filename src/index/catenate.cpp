@@ -76,13 +76,6 @@ private:
     kwSize count_ = 0, made_count_ = 0;
 };
 
-bool is_0_by_0(const oxArray *a) {
-    return a->ndims == 2 && rows(a) == 0 && a->get_dimensions()[1] == 0;
-}
-kwSize extent(const oxArray *a, kwSize dim) {
-    return dim < a->ndims ? a->get_dimensions()[dim] : 1;
-}
-
 kwSize parse_dimension(const oxArray *d) {
     const double x = oxIsDouble(d) && d->get_number_of_elements() == 1 ? oxGetScalar(d) : -1;
     if (!(x >= 0) || std::isinf(x) || x != std::floor(x))
@@ -128,8 +121,15 @@ void check_fields(const Operands &operands) {
 bool agrees(const oxArray *a, const oxArray *reference, kwSize dim) {
     const kwSize most = std::max(a->ndims, reference->ndims);
     for (kwSize k = 0; k < most; ++k)
-        if (k != dim && extent(a, k) != extent(reference, k)) return false;
+        if (k != dim && extent_along(a, k) != extent_along(reference, k)) return false;
     return true;
+}
+
+// Deliberate: sparse and full arrays have a text each under one identifier.
+[[noreturn]] void raise_mismatch(bool sparse) {
+    oxErrMsgIdAndTxt("VELTRO:catenate:dimensionMismatch",
+                     sparse ? "CAT argument dimensions are not consistent."
+                            : "CAT arguments dimensions are not consistent.");
 }
 
 void warn_of_empty(kwSize dim) {
@@ -143,7 +143,7 @@ void warn_of_empty(kwSize dim) {
 }
 
 // Drops what does not count and checks the rest: 0-by-0 operands, and empty ones that disagree
-// (with one warning a call). Deliberate: sparse and full arrays have a text each.
+// (with one warning a call).
 void check_extents(Operands &operands, kwSize dim, bool sparse) {
     operands.filter([](const oxArray *a) { return !is_0_by_0(a); });
     if (operands.count() == 0) return;
@@ -156,10 +156,7 @@ void check_extents(Operands &operands, kwSize dim, bool sparse) {
     bool warn = false;
     operands.filter([&](const oxArray *a) {
         if (agrees(a, reference, dim)) return true;
-        if (!oxIsEmpty(a))
-            oxErrMsgIdAndTxt("VELTRO:catenate:dimensionMismatch",
-                             sparse ? "CAT argument dimensions are not consistent."
-                                    : "CAT arguments dimensions are not consistent.");
+        if (!oxIsEmpty(a)) raise_mismatch(sparse);
         warn = true;
         return false;
     });
@@ -169,16 +166,15 @@ void check_extents(Operands &operands, kwSize dim, bool sparse) {
 // Joins two or more operands whose extents agree. Raises 19 above the element limit.
 oxArray *join(const Operands &operands, kwSize dim, bool sparse) {
     const oxArray *first = *operands.begin();
-    if (dim == no_dimension)
-        oxErrMsgIdAndTxt("VELTRO:catenate:dimensionMismatch",
-                         sparse ? "CAT argument dimensions are not consistent."
-                                : "CAT arguments dimensions are not consistent.");
+    if (dim == no_dimension) raise_mismatch(sparse);
     if (dim >= most_dimensions) oxErrMsg(FNOMEM);
     kwSize ndim = std::max(first->ndims, dim + 1), total = 0;
     auto dims = RawArray<kwSize>::make(ndim);
     if (!dims) oxErrMsg(FNOMEM);
-    for (const oxArray *a : operands) total = saturating_add(total, extent(a, dim));
-    for (kwSize k = 0; k < ndim; ++k) dims[k] = k == dim ? total : extent(first, k);
+    // The sum is exact: saturated at the limit it would pass the check.
+    for (const oxArray *a : operands)
+        if (__builtin_add_overflow(total, extent_along(a, dim), &total)) oxErrMsg(FPMAXSIZE);
+    for (kwSize k = 0; k < ndim; ++k) dims[k] = k == dim ? total : extent_along(first, k);
     while (ndim > 2 && dims[ndim - 1] == 1) --ndim;
     oxCheckDim(dims.get(), ndim, kwSize{1});
     if (sparse)

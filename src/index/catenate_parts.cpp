@@ -16,10 +16,6 @@
 namespace ox {
 namespace {
 
-kwSize extent(const oxArray *a, kwSize dim) {
-    return dim < a->ndims ? a->get_dimensions()[dim] : 1;
-}
-
 // Calls f(operand, source position, target position, count) for every contiguous run, positions
 // in elements: the result is `outer` stacks of one run per operand.
 template<class F> void for_each_run(const CatParts &p, F &&f) {
@@ -32,7 +28,7 @@ template<class F> void for_each_run(const CatParts &p, F &&f) {
     kwSize target = 0;
     for (kwSize o = 0; o < outer; ++o)
         for (kwSize k = 0; k < p.n; ++k) {
-            const kwSize count = inner * extent(p.operands[k], p.dim);
+            const kwSize count = inner * extent_along(p.operands[k], p.dim);
             if (count) f(k, o * count, target, count);
             target += count;
         }

@@ -144,14 +144,14 @@ bool oxIsPermutationTrivial(int nlhs, oxArray *plhs[], int nrhs, const oxArray *
     if (prhs[1]->class_code != oxDOUBLE_CLASS)
         oxErrMsgIdAndTxt("VELTRO:permute:badIndexType",
                          "ORDER must contain double-precision indices");
-    const kwSize n = prhs[1]->get_number_of_elements();
+    const kwSize n = prhs[1]->get_number_of_elements(), *own = a->get_dimensions();
     if (n < a->ndims)
         oxErrMsgIdAndTxt("VELTRO:permute:tooFewIndices",
                          "ORDER must have at least N elements for an N-D array");
     oxArray *given = oxMustBeFull(const_cast<oxArray *>(prhs[1]));
     auto *dims = static_cast<kwSize *>(oxCalloc(n, sizeof(kwSize)));
     auto *read = static_cast<kwSize *>(oxCalloc(n, sizeof(kwSize)));
-    std::fill(std::copy_n(a->get_dimensions(), a->ndims, dims), dims + n, kwSize{1});
+    std::fill(std::copy_n(own, a->ndims, dims), dims + n, kwSize{1});
     read_order(data<double>(given), n, read);
     if (given != prhs[1]) oxDestroyArray(given);
     if (is_identity(read, 0, n)) {

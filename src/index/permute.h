@@ -1,4 +1,4 @@
-// Transposing and permuting whole arrays without raising: the cores under <ox/permute.h>.
+// Permuting a whole array without raising: what permute and the transpose of containers share.
 #pragma once
 #include <core/array.h>
 

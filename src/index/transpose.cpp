@@ -20,10 +20,7 @@ namespace ox {
 namespace {
 
 // Bytes of an element of the classes that are transposed by blocks, else 0.
-kwSize block_width(int id) {
-    return visit_class<kwSize>(id, 0,
-                               []<class T>(std::type_identity<T>) { return kwSize{sizeof(T)}; });
-}
+kwSize block_width(int id) { return holds_values(id) ? class_info(id).element_size : 0; }
 
 // The n-by-m block dst from the m-by-n block src.
 void transpose_block(const void *src, void *dst, kwSize m, kwSize n, kwSize width) {
@@ -84,13 +81,14 @@ using namespace ox;
 extern "C" {
 
 oxArray *oxTranspose(const oxArray *a) {
-    if (a->get_number_of_dims() > 2)
+    const kwSize m = rows(a), n = cols(a); // before ndims, which an opaque array completes here
+    if (a->ndims > 2)
         oxErrMsgIdAndTxt("VELTRO:transpose:notImplemented", "Transpose on ND array is not defined");
     if (is_sparse(a)) return hand_over(sparse_transpose(a));
-    if ((rows(a) == 1 || cols(a) == 1) && !is_complex(a)) return hand_over(shared_vector(a));
+    if ((m == 1 || n == 1) && !is_complex(a)) return hand_over(shared_vector(a));
     if (block_width(a->class_code) > 0) return hand_over(transposed_values(a));
     if (a->class_code == oxOPAQUE_CLASS || a->class_code == oxOBJECT_CLASS)
-        BlockTransposeN(nullptr, nullptr, rows(a), cols(a), oxGetElementSize(a));
+        BlockTransposeN(nullptr, nullptr, m, n, oxGetElementSize(a));
     return hand_over(transposed_elements(a));
 }
 

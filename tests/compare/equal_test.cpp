@@ -70,6 +70,15 @@ TEST_F(EqualTest, PairsOfArrays) {
     for (const Row &r : rows) EXPECT_EQ(equal(r.a, r.b), r.expected) << r.a << " against " << r.b;
 }
 
+TEST_F(EqualTest, StoredBytesOfLogicalsCount) {
+    oxArray *a = arr("logical 1x1: 1");
+    *static_cast<unsigned char *>(oxGetData(a)) = 2;
+    EXPECT_FALSE(equal(a, arr("logical 1x1: 1")));
+    EXPECT_FALSE(equal(a, arr("1")));
+    EXPECT_TRUE(equal(a, arr("2")));
+    EXPECT_FALSE(equal(a, arr("sparse double 1x1")));
+}
+
 TEST_F(EqualTest, NanFollowsTheRule) {
     const char *const pairs[][2] = {
         {"double 1x1: NaN", "double 1x1: NaN"},

@@ -1,6 +1,7 @@
 // Catenation: classes, empties, fields, extents, and random joins against a per-element model.
 #include "support/array_text.h"
 #include "support/expect.h"
+#include "support/fake_layer.h"
 #include "support/faults.h"
 #include "support/host.h"
 #include "support/random.h"
@@ -86,6 +87,7 @@ TEST_F(CatenateTest, Refusals) {
         {beside, {"sparse double 2x1", "sparse double 3x1"}, mismatch, "CAT argument dimensions are not consistent."},
         {dimension, {"3", "sparse double 2x1"}, "catenate:sparseDimensionBad", "Dimension for sparse matrix concatenation must be <= 2."},
         {dimension, {}, "minrhs", "Not enough input arguments."},
+        {below, {"sparse double 281474976710655x1", "sparse double 1x1"}, "pmaxsize", "Maximum variable size allowed by the program is exceeded."},
         {beside, {"struct 1x1 a: {}", "struct 1x1 a,b: {} {}"}, field, "CAT arguments are not consistent in structure field number."},
         {beside, {"struct 1x0 a", "struct 1x1 b: {}"}, field, "CAT arguments are not consistent in structure field names."},
     };
@@ -95,6 +97,14 @@ TEST_F(CatenateTest, Refusals) {
     for (const char *d : {"1.5", "-1", "NaN", "Inf", "1 2", "int8 1x1: 1", "double 0x0"})
         EXPECT_RAISES("VELTRO:catenate:invalidDimension", "Dimension must be a finite integer.",
                       cat(dimension, {d, "1"}));
+    const WithLayer layer;
+    const Contexts contexts;
+    oxArray *a = arr("opaque 1x1: 1"), *b = arr("opaque 1x2: 2 3"), *none = arr("opaque 1x0");
+    none->opaque.tag = 7; // but it is empty
+    EXPECT_EQ(text(cat_arrays(beside, {a, none, b})), "opaque 1x3: 1 2 3");
+    b->opaque.tag = 7;
+    EXPECT_RAISES("VELTRO:catenate:incompatibleType",
+                  "Arrays being catenated have incompatible classes.", cat_arrays(beside, {a, b}));
     // A dimension that no vector can hold is refused before one is sized.
     EXPECT_RAISES_ENTRY(FNOMEM, cat(dimension, {"1e15", "1", "2"}));
 }

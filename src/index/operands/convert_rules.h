@@ -1,5 +1,6 @@
 // One element converted, for every pair of element types; the vector kernels must agree with it.
 #pragma once
+#include <core/dispatch.h>
 #include <ox/types.h>
 
 #include <cmath>
@@ -87,12 +88,6 @@ template<class D, class S> D saturate(S x, uint32_t &kinds) {
 inline char16_t float_to_char(double x) {
     return !(x > 0) ? u'\0' : x < 65535 ? static_cast<char16_t>(x) : u'\uffff';
 }
-
-// The type that a class's elements are handled as: logical and char are plain integers, except as
-// destinations of rules of their own.
-template<class T> using Stored =
-    std::conditional_t<std::is_same_v<T, bool>, uint8_t,
-                       std::conditional_t<std::is_same_v<T, char16_t>, uint16_t, T>>;
 
 // D is the type of the destination's class (bool, char16_t or a number), S a stored type.
 template<class D, class S> Stored<D> convert_value(S x, uint32_t &kinds) {

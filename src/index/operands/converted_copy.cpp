@@ -127,8 +127,6 @@ Converted convert_copy(const oxArray *a, int to, oxArray **out) {
         *out = struct_to_cell(a);
     else if (a->class_code == oxOBJECT_CLASS && to == oxSTRUCT_CLASS)
         *out = object_as_struct(a);
-    else if (is_struct_like(a) && to == oxCELL_CLASS)
-        *out = struct_to_cell(a);
     return *out ? Converted::done : Converted::impossible;
 }
 
