@@ -38,7 +38,6 @@ TEST_F(Structs, CreationMakesATableForNamesAndABlockForElements) {
     const char *p[] = {"p"};
     const kwSize dims[] = {2, 1, 1};
     EXPECT_EQ(text(oxCreateStructArray(3, dims, 1, p)), "struct 2x1x1 p: {} {}");
-    EXPECT_EQ(text(oxCreateStructArray(1, dims, 1, p)), "struct 2x1 p: {} {}");
     EXPECT_RAISES_ENTRY(FNOMEM, struct_of(kwSize{1} << 40, kwSize{1} << 40, {"p"}));
     EXPECT_STREQ(oxGetFieldNameByNumber(no_elements, 0), "p");
     EXPECT_EQ(oxGetFieldNameByNumber(no_elements, 1), oxGetFieldNameByNumber(no_elements, -1));

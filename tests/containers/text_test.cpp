@@ -165,7 +165,6 @@ TEST_F(TextTest, ShortRowsArePaddedWithNulNotBlankAndWidthCountsUnits) {
     const char *strs[] = {"ab", "c"}, *wide[] = {"\xF0\x9F\x98\x80", "x"};
     const oxChar *wide16[] = {u"\U0001F600", u"x"};
     EXPECT_EQ(text(oxCreateCharMatrixFromStrings_730(2, strs)), "char 2x2: 'ab'; 'c\\u0000'");
-    EXPECT_EQ(text(oxCreateCharMatrixFromStrings_730(0, nullptr)), "char 0x0");
     const oxArray *a = oxCreateCharMatrixFromStrings_UTF8(2, wide);
     EXPECT_EQ(std::u16string(a->get_chars(), 4), std::u16string(u"\xD83Dx\xDE00\0", 4));
     EXPECT_EQ(text(oxCreateCharMatrixFromStrings_UTF16(2, wide16)), text(a));

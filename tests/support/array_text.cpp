@@ -198,7 +198,7 @@ template<class Item, class ReadRow> Rows<Item> read_rows(Scanner &in, ReadRow &&
 }
 
 template<class Item> Dims shape(Scanner &in, const Dims &given, const Rows<Item> &r) {
-    if (given.empty()) return r.pages > 1 ? Dims{r.rows, r.cols, r.pages} : Dims{r.rows, r.cols};
+    if (given.empty()) return {r.rows, r.cols};
     if (given[0] != r.rows || given[1] != r.cols || element_count(given) != r.items.size())
         in.fail("elements do not fill the dimensions");
     return given;

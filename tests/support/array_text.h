@@ -1,7 +1,7 @@
 // Arrays from and to text, so that a case of a test is one line.
 //
-//   "double 2x2: 1 2; 3 4"            rows by ';', further pages by '|' (first of the later dims
-//   first) "1 2; 3 4"                        class double and dimensions are what the rows say
+//   "double 2x2: 1 2; 3 4"            rows by ';', further pages by '|'
+//   "1 2; 3 4"                        class double and dimensions are what the rows say
 //   "single 1x2: 1+2i NaN-Inf*i"      complex as soon as one element has an imaginary part
 //   "int8 0x3", "logical 1x3: 1 0 1"
 //   "char 2x2: 'ab'; 'c\''"           ASCII; \' \\ and \uXXXX for units
