@@ -60,7 +60,7 @@ void vexFunction(int nlhs, oxArray *plhs[], int nrhs, const oxArray *prhs[]) {
         oxErrMsgIdAndTxt("VELTRO:word_count:input", "s = word_count(text) takes one text.");
     const size_t n = oxGetNumberOfElements(prhs[0]);
     oxChar *text = oxMalloc((n + 1) * sizeof *text); /* listed: freed with the call */
-    memcpy(text, oxGetChars(prhs[0]), n * sizeof *text);
+    if (n > 0) memcpy(text, oxGetChars(prhs[0]), n * sizeof *text);
     for (size_t i = 0; i < n; ++i)
         if (text[i] >= 'A' && text[i] <= 'Z') text[i] = (oxChar)(text[i] - 'A' + 'a');
 

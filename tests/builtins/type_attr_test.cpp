@@ -54,8 +54,7 @@ TEST_F(TypeAttr, GivesTheSmallestArrayOrNull) {
         const oxArray *a = oxCreateArrayFromTypeAttr(static_cast<oxClassID>(r.id), r.attributes);
         EXPECT_EQ(text(a), r.expected) << r.id << ' ' << std::hex << r.attributes;
     }
-    const oxArray *a =
-        oxCreateArrayFromTypeAttr(oxSINGLE_CLASS, sparse | complex | oxATTR_MATRIX);
+    const oxArray *a = oxCreateArrayFromTypeAttr(oxSINGLE_CLASS, sparse | complex | oxATTR_MATRIX);
     ASSERT_NE(a, nullptr);
     EXPECT_EQ(oxGetNzmax(a), 1u);
     EXPECT_TRUE(oxIsSingle(a) && oxIsComplex(a));

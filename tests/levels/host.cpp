@@ -43,6 +43,7 @@ oxArray *call(const char *path, int nrhs, const oxArray **prhs, std::string &rai
 int main(int count, char **paths) {
     oxInitAllocListManager();
     oxInitArrayListManager();
+    const int context = oxEnterNewArrayListContext();
     const kwSize dims[] = {2, 3, 2};
     const oxArray *inputs[] = {oxCreateNumericArray(3, dims, oxINT8_CLASS, oxREAL),
                                oxCreateSparse(3, 3, 1, oxREAL)};
@@ -67,6 +68,7 @@ int main(int count, char **paths) {
         expect(!refuses || raised == "VELTRO:matrix:ERR_SPARSE_64BIT_OBSOLETE", paths[k],
                raised.c_str());
     }
+    oxExitArrayListContext(context, nullptr, 0, true);
     oxErrorCleanup();
     oxShutdownArrayList();
     oxShutdownAllocLst();
