@@ -128,7 +128,10 @@ TEST_F(Colon, ObjectsAreCounted) {
     const struct {
         double first, step, last;
         kwSize real, index;
-    } rows[] = {{5, -1, 1, 5, 5}, {1, 0, 5, 0, 0}, {1, 1, 1e300, 281474976710655, 281474976710655}};
+    } rows[] = {{5, -1, 1, 5, 5},
+                {1, 0, 5, 0, 0},
+                {1, 1, 1e300, 281474976710655, 281474976710655},
+                {0x1p50, 1, 0x1p50 + 9, 10, 10}};
     for (const auto &r : rows) {
         const oxArray *a = oxCreateColonObj(r.first, r.step, r.last);
         EXPECT_EQ(oxCountColonObj(a), r.real);

@@ -119,6 +119,7 @@ kwSize oxCountColonObj(const oxArray *a) {
 kwSize oxCountIntColonObj(const oxArray *a) {
     if (!a->has_flag(oxFLAG_COLON)) return a->get_number_of_elements();
     const ColonRecord r = read_colon_object(a);
-    const IndexRange range = colon_index_range(r.first, r.step, r.last);
-    return range.whole ? range.count : oxCountColonObj(a);
+    if (!colon_index_range(r.first, r.step, r.last).whole) return oxCountColonObj(a);
+    // Of the ends as they are: as positions they would saturate.
+    return double_to_size(int_count(r.first, r.step, r.last));
 }
