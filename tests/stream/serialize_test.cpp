@@ -63,18 +63,12 @@ TEST_F(Serialize, VectorsCarryArrayAndTag) {
 TEST_F(Serialize, SecondElementIsSubsystemData) {
     const Bytes one = bytes_of(oxSerialize(arr("double 1x1: 1")));
     const Bytes item(one.begin() + 8, one.end());
-    const auto with = [&](const Bytes &tail) {
-        Bytes b = one;
-        b.insert(b.end(), tail.begin(), tail.end());
-        return b;
-    };
-    Bytes longer = one, swapped_tag = one;
+    const auto with = [&](const Bytes &tail) { return joined(one, tail); };
+    Bytes longer = one;
     longer[12] += 8;
     EXPECT_NE(deserialized(one), nullptr);
     EXPECT_NE(deserialized(with(item)), nullptr);
-    Bytes two = item;
-    two.insert(two.end(), item.begin(), item.end());
-    EXPECT_NE(deserialized(with(two)), nullptr) << "what follows is not looked at";
+    EXPECT_NE(deserialized(with(joined(item, item))), nullptr) << "what follows is not read";
     const struct {
         const char *what;
         Bytes bytes;

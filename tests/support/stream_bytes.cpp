@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <cstring>
+#include <fstream>
 #include <stdexcept>
 
 namespace ox::test {
@@ -62,10 +63,35 @@ std::string to_hex(const Bytes &bytes) {
     return out;
 }
 
-Bytes patched(Bytes bytes, std::size_t at, std::string_view text) {
-    const Bytes patch = hex(text);
+Bytes joined(Bytes a, const Bytes &b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+Bytes patched(Bytes bytes, std::size_t at, const Bytes &patch) {
     std::copy(patch.begin(), patch.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
     return bytes;
+}
+
+std::vector<Record> records(const char *file) {
+    std::ifstream in(std::string(OX_SOURCE_DIR) + "/tests/stream/" + file);
+    std::vector<Record> all;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        if (line[0] == ' ') {
+            all.back().bytes = joined(all.back().bytes, hex(line));
+            continue;
+        }
+        Record r;
+        for (std::size_t at = 0, end; at != std::string::npos; at = end) {
+            end = line.find(" | ", at);
+            r.fields.push_back(line.substr(at, end - at));
+            if (end != std::string::npos) end += 3;
+        }
+        all.push_back(std::move(r));
+    }
+    if (all.empty()) throw std::invalid_argument(file);
+    return all;
 }
 
 Bytes bytes_of(const oxArray *a) {
@@ -81,6 +107,13 @@ std::string name_of(const StreamForm &f) {
     if (f.options & oiCOMPRESS) name += " compressed";
     if (f.options & oiOPTION16) name += " option16";
     return name;
+}
+
+StreamForm form_of(std::string_view words, Carrier carrier) {
+    const auto has = [&](const char *w) { return words.find(w) != std::string_view::npos; };
+    const uint32_t options = (has("wide") ? oiWIDE : 0) | (has("compressed") ? oiCOMPRESS : 0) |
+                             (has("option16") ? oiOPTION16 : 0);
+    return {carrier, has("swapped"), static_cast<uint16_t>(options)};
 }
 
 TestStream::TestStream(StreamForm form, const Bytes &contents) : form_(form) {

@@ -15,11 +15,19 @@ using Bytes = std::vector<unsigned char>;
 // "0e 00 (comment) 38" without its comments and spaces; "z08" stands for 8 zero bytes.
 Bytes hex(std::string_view text);
 std::string to_hex(const Bytes &bytes);
-// Replaces what a text of hex says, at an offset.
-Bytes patched(Bytes bytes, std::size_t at, std::string_view text);
-
+Bytes joined(Bytes a, const Bytes &b);
+// Replaces bytes at an offset.
+Bytes patched(Bytes bytes, std::size_t at, const Bytes &patch);
 // The bytes of a uint8 array.
 Bytes bytes_of(const oxArray *a);
+
+// A file of records beside the tests: a line of fields parted by " | ", then indented lines of hex.
+// Lines that begin with '#' are notes.
+struct Record {
+    std::vector<std::string> fields;
+    Bytes bytes;
+};
+std::vector<Record> records(const char *file);
 
 enum class Carrier { buffer, file, sequential };
 struct StreamForm {
@@ -28,6 +36,8 @@ struct StreamForm {
     uint16_t options = 0; // oiCOMPRESS, oiOPTION16, oiWIDE
 };
 std::string name_of(const StreamForm &form);
+// "native", or any of "swapped", "wide", "compressed", "option16".
+StreamForm form_of(std::string_view words, Carrier carrier = Carrier::buffer);
 
 // A stream over a temporary file or a buffer of its own.
 class TestStream {
