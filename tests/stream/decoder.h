@@ -22,7 +22,7 @@ public:
     void expect_array(const oxArray *a, const std::string &name) {
         const Element e = next();
         if (e.type != 15) return array(e, a, name);
-        Bytes inner(1 << 20);
+        Bytes inner(2 << 20);
         uLongf length = inner.size();
         const int status = uncompress(inner.data(), &length, &bytes_[e.at], e.n);
         require(status == Z_OK, "zlib stream");

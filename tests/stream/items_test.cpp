@@ -99,32 +99,27 @@ TEST_F(Items, StatusesOfWriting) {
 TEST_F(Items, OffsetsAndRewriting) {
     for (const Carrier c : {Carrier::buffer, Carrier::file}) {
         TestStream s({c});
-        unsigned char bytes[16] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
-        oiItem_tag item{oiUINT8, 16, bytes, 0};
-        kwSize at = oiCURRENT_OFFSET, start = c == Carrier::buffer ? 8 : 0;
-        ASSERT_EQ(oiPutItem(s.get(), &item, &at), oiSUCCESS);
-        EXPECT_EQ(at, start + 24);
-        ASSERT_EQ(oiPutItem(s.get(), &item, &at), oiSUCCESS);
-        const kwSize capacity = s->capacity;
-        item.count = 12; // over the first, then read all three places
-        at = start;
-        ASSERT_EQ(oiPutItem(s.get(), &item, &at), oiSUCCESS);
-        EXPECT_EQ(at, start + 24);
-        EXPECT_TRUE(c != Carrier::buffer || s->capacity == capacity) << "never shrinks";
-        unsigned char got[16] = {};
-        oiItem_tag read{0, 0, got, 0};
-        EXPECT_EQ(oiGetCurrentItem(s.get(), &read), oiSUCCESS);
-        EXPECT_EQ(read.count, 16u);
-        EXPECT_EQ(oiGetItem(s.get(), &read, start), oiSUCCESS);
-        EXPECT_EQ(read.count, 12u);
-        EXPECT_EQ(oiGetItem(s.get(), &read, start + 24), oiSUCCESS);
+        unsigned char bytes[16] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}, got[16];
+        oiItem_tag item{oiUINT8, 16, bytes, 0}, read{0, 0, got, 0};
+        const kwSize start = c == Carrier::buffer ? 8 : 0;
+        // At the end twice, over the first, and behind a gap.
+        const kwSize places[] = {oiCURRENT_OFFSET, start + 24, start, start + 64};
+        const kwSize ends[] = {start + 24, start + 48, start + 24, start + 88};
+        for (int k = 0; k < 4; ++k) {
+            item.count = k == 2 ? 12 : 16;
+            kwSize at = places[k];
+            ASSERT_EQ(oiPutItem(s.get(), &item, &at), oiSUCCESS);
+            EXPECT_EQ(at, ends[k]);
+            EXPECT_TRUE(k != 2 || c != Carrier::buffer || s->capacity == 56u) << "never shrinks";
+        }
+        for (const int k : {2, 1, 3}) {
+            EXPECT_EQ(oiGetItem(s.get(), &read, places[k]), oiSUCCESS);
+            EXPECT_EQ(read.count, k == 2 ? 12u : 16u);
+            EXPECT_EQ(0, std::memcmp(got, bytes, read.count));
+        }
+        EXPECT_EQ(s.contents()[start + 50], 0);
         EXPECT_EQ(oiGetItem(s.get(), &read, uint64_t{1} << 62), oiSHORT_READ);
         EXPECT_EQ(oiGetItem(s.get(), &read, ~kwSize{0} - 1), oiSHORT_READ);
-        EXPECT_EQ(0, std::memcmp(got, bytes, 16));
-        // A gap behind the end is zeros.
-        at = start + 64;
-        ASSERT_EQ(oiPutItem(s.get(), &item, &at), oiSUCCESS);
-        EXPECT_EQ(s.contents()[start + 50], 0);
     }
 }
 
