@@ -39,6 +39,7 @@ void vexFunction(int nlhs, oxArray *plhs[], int nrhs, const oxArray *prhs[]) {
     oxSetCell(plhs[0], 1, oxCreateStringFromNChars("level", 3));
     oxSetField(s, 1, name, oxCreateDoubleScalar((double)oxCalcSingleSubscript(a, 3, last)));
     oxSetCell(plhs[0], 2, s);
-    oxSetCell(plhs[0], 3, oxCreateDoubleScalar((double)oxGetNzmax(sparse)));
-    if (nrhs > 1) oxSetCell(plhs[0], 3, oxCreateDoubleScalar((double)*oxGetIr(prhs[1])));
+    oxSetCell(
+        plhs[0], 3,
+        oxCreateDoubleScalar(nrhs > 1 ? (double)*oxGetIr(prhs[1]) : (double)oxGetNzmax(sparse)));
 }
