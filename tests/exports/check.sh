@@ -8,7 +8,7 @@ shift
 export LC_ALL=C
 
 symbols() { nm -D --defined-only "$1" | awk '{ sub(/@.*/, "", $3); print $3 }' | sort -u; }
-golden() { echo "$here/golden/$(basename "$1").txt"; }
+golden() { echo "$root/abi/$(basename "$1").txt"; }
 
 # missing WHAT FILE: status 1 when stdin has lines that FILE (sorted) lacks; they are printed.
 missing() {
