@@ -35,6 +35,13 @@ TEST_F(Call, PrintsOutputs) {
          "vel: argument [1 2;3]: row 2 has 1 elements, the first has 2\n"},
         {"vel call $MODULES/zscore.vex \"'it's'\" 2>&1", 2,
          "vel: argument 'it's': a quotation mark inside of text must be doubled\n"},
+        {"vel call --help | head -2", 0,
+         "  vel call zscore.vex iris.csv\n  vel call word_count.vex \"'to be or not to be'\"\n"},
+        {"vel 2>&1 | head -1; vel nothing >/dev/null 2>&1", 2, "A word is required\n"},
+        {"bash -c \"$(vel --bash-completion); COMP_WORDS=(vel ls --j); COMP_CWORD=2; _vel; echo "
+         "\\${COMPREPLY[0]}\"",
+         0, "--json\n"},
+        {"vel --man | grep -c '^.SH .vel '", 0, "7\n"},
         {"vel call $MODULES/zscore.vex --fast 2>&1", 2, "vel: unknown option --fast\n"},
     };
     for (const Case &c : cases) {

@@ -3,8 +3,8 @@
 
 #include "csv.h"
 #include "failure.h"
+#include "formats.h"
 #include "matrix_literal.h"
-#include "matrix_market.h"
 #include "numbers.h"
 #include "text.h"
 #include "vel_file.h"
@@ -19,8 +19,9 @@ const char *const argument_help =
     "  '[1 2;3 4]'         a matrix; rows end at ';'\n"
     "  \"'abc'\"             text, in single quotes of its own\n"
     "  'uint8([1 2 3])'    any ARG converted to a class\n"
-    "  FILE.csv            a table of numbers\n"
+    "  FILE.csv, FILE.tsv  a table of numbers\n"
     "  FILE.mtx            a Matrix Market file\n"
+    "  FILE.npy, FILE.npz  an array, or the only one of an archive\n"
     "  FILE.vel:s.a{3}     a variable of a VEL file, or what is inside of one";
 
 namespace {
@@ -74,8 +75,12 @@ const oxArray *parse_argument(const std::string &word, const ReadOptions &option
         if (const oxArray *a = read_place(file, place)) return a;
         throw Failure(Exit::data, word + ": the slot is empty");
     }
-    if (word.ends_with(".mtx")) return read_matrix_market(word, options.force);
-    return read_csv(word);
+    if (!is_readable_kind(word)) return read_csv(word); // other names are taken for tables
+    const std::vector<Named> all = read_all(word, options);
+    if (all.size() != 1)
+        throw Failure(Exit::data,
+                      word + ": one array is needed, the file holds " + std::to_string(all.size()));
+    return all[0].value;
 }
 
 } // namespace vel

@@ -23,6 +23,7 @@ const std::vector<Command> &commands();
 // One per word, each defined in the file of that name.
 std::function<int()> declare_call(CLI::App &word);
 std::function<int()> declare_check(CLI::App &word);
+std::function<int()> declare_convert(CLI::App &word);
 std::function<int()> declare_diff(CLI::App &word);
 std::function<int()> declare_ls(CLI::App &word);
 std::function<int()> declare_save(CLI::App &word);

@@ -20,7 +20,8 @@ struct Cell {
 // Walks the text record by record.
 class Reader {
 public:
-    Reader(std::string_view text, const std::string &name) : text_(text), name_(name) {
+    Reader(std::string_view text, const std::string &name, char separator)
+        : text_(text), name_(name), separator_(separator) {
         if (text_.starts_with("\xEF\xBB\xBF")) text_.remove_prefix(3);
     }
 
@@ -32,7 +33,7 @@ public:
         for (;;) {
             row.push_back(cell());
             if (at_ >= text_.size() || end_of_line()) break;
-            ++at_; // the comma
+            ++at_; // the separator
         }
         skip_line_end();
         return true;
@@ -59,7 +60,8 @@ private:
             quoted(c);
             return c;
         }
-        while (at_ < text_.size() && text_[at_] != ',' && !end_of_line()) c.text += text_[at_++];
+        while (at_ < text_.size() && text_[at_] != separator_ && !end_of_line())
+            c.text += text_[at_++];
         return c;
     }
 
@@ -70,12 +72,13 @@ private:
             if (text_[at_] == '\n') ++line_, line_start_ = at_ + 1;
             c.text += text_[at_];
         }
-        if (at_ < text_.size() && text_[at_] != ',' && !end_of_line())
+        if (at_ < text_.size() && text_[at_] != separator_ && !end_of_line())
             fail(line_, at_ - line_start_ + 1, "text follows the closing quotation mark");
     }
 
     std::string_view text_;
     const std::string &name_;
+    char separator_;
     size_t at_ = 0, line_ = 1, line_start_ = 0;
 };
 
@@ -96,8 +99,8 @@ oxArray *to_columns(const std::vector<double> &by_rows, size_t m, size_t n) {
 
 } // namespace
 
-oxArray *parse_csv(std::string_view text, const std::string &name) {
-    Reader reader(text, name);
+oxArray *parse_csv(std::string_view text, const std::string &name, char separator) {
+    Reader reader(text, name, separator);
     std::vector<Cell> row;
     std::vector<double> values;
     size_t m = 0, n = 0;
@@ -121,6 +124,8 @@ oxArray *parse_csv(std::string_view text, const std::string &name) {
     return to_columns(values, m, n);
 }
 
-oxArray *read_csv(const std::string &path) { return parse_csv(read_file(path), path); }
+oxArray *read_csv(const std::string &path, char separator) {
+    return parse_csv(read_file(path), path, separator);
+}
 
 } // namespace vel

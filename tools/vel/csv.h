@@ -10,7 +10,7 @@ namespace vel {
 // A real double matrix, a temporary of the current context. A first row without any number is a
 // header and skipped; an empty cell is NaN. Throws Failure with file, line and column for ragged
 // rows, cells that are no numbers, open quotes and files without data.
-oxArray *read_csv(const std::string &path);
-oxArray *parse_csv(std::string_view text, const std::string &name);
+oxArray *read_csv(const std::string &path, char separator = ',');
+oxArray *parse_csv(std::string_view text, const std::string &name, char separator = ',');
 
 } // namespace vel

@@ -2,6 +2,7 @@
 #include "command.h"
 #include "failure.h"
 #include "help.h"
+#include "manual.h"
 
 #include <iostream>
 #include <ut.hpp>
@@ -9,7 +10,11 @@
 int main(int argc, char **argv) {
     CLI::App app{"Looks into data files and runs extension modules.", "vel"};
     vel::prepare_help(app);
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
+    bool manual = false, completion = false;
+    app.add_flag("--man", manual, "Print the manual page: vel --man | man -l -");
+    app.add_flag("--bash-completion", completion,
+                 "Print the completion: eval \"$(vel --bash-completion)\"");
     std::function<int()> work;
     for (const vel::Command &c : vel::commands()) {
         CLI::App *word = app.add_subcommand(c.name, c.summary);
@@ -17,7 +22,11 @@ int main(int argc, char **argv) {
     }
     try {
         app.parse(argc, argv);
-        return work();
+        if (manual) std::cout << vel::manual_page(app);
+        if (completion) std::cout << vel::bash_completion(app);
+        if (manual || completion) return 0;
+        if (work) return work();
+        throw CLI::RequiredError("A word");
     } catch (const CLI::ParseError &e) {
         return app.exit(e) == 0 ? 0 : static_cast<int>(vel::Exit::usage);
     } catch (const vel::Failure &e) {
