@@ -55,7 +55,7 @@ TEST_F(Convert, SaysWhatIsWrong) {
         {"vel show type.npy", 1, "vel: type.npy: elements of type '<M8[s]' are not supported\n"},
         {"vel show code.npy", 1, "vel: code.npy: offset 20: expected a word in quotes\n"},
         {"vel show huge.npy", 1,
-         "vel: huge.npy: offset 83: the shape takes more than 2^64 bytes, the file has 0\n"},
+         "vel: huge.npy: offset 84: the shape takes more than 2^64 bytes, the file has 0\n"},
         {"vel show no.npy", 1, "vel: no.npy: offset 0: this is no NPY file\n"},
         {"vel show no.npz", 1, "vel: no.npz: cannot be read: Not a zip archive\n"},
         {"vel convert t.vel x.csv", 1,
