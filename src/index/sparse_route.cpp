@@ -71,7 +71,7 @@ spStatus store(oxArray *a, SubscriptSet &s, oxArray *rhs) {
     if (s.size() == 1) return sparse_assign_linear(a, rhs, s[0]);
     for (kwSize k = 2; k < s.size(); ++k)
         if (!s[k].inside(1)) return spOutOfBounds;
-    if (pages(s) != 1) return spDimMismatch;
+    if (pages(s) != 1 && rhs->get_number_of_elements() != 1) return spDimMismatch;
     return sparse_assign_block(a, rhs, s[0], s[1]);
 }
 
