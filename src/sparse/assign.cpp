@@ -1,8 +1,8 @@
 // A(:, J) = B, and the exported assignment kernels.
-#include <core/alloc.h>
 #include <errors/raise.h>
 #include <sparse/assign.h>
 #include <sparse/operands.h>
+#include <sparse/scratch.h>
 #include <sparse/storage/csc.h>
 
 namespace ox {
@@ -47,8 +47,7 @@ public:
         if (status != spOK) return status;
         indices_ = {nullptr, nullptr, read_.count};
         if (read_.is_all()) return spOK;
-        list_ = RawArray<kwIndex>::make(read_.count + 1);
-        if (!list_) raise_out_of_memory();
+        list_ = scratch<kwIndex>(read_.count);
         read_.copy_positions(list_.get());
         indices_.positions = list_.get();
         return spOK;

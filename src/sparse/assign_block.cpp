@@ -1,10 +1,10 @@
 // A(I, J) = B and A(I) = B: the new content of every touched column is merged beside the array,
 // then assigned column by column under the common growth rule.
-#include <core/alloc.h>
 #include <core/dispatch.h>
 #include <errors/raise.h>
 #include <sparse/assign.h>
 #include <sparse/operands.h>
+#include <sparse/scratch.h>
 #include <sparse/storage/csc.h>
 
 #include <algorithm>
@@ -22,12 +22,6 @@ struct Incoming {
 struct Claim {
     kwIndex row, source;
 };
-
-template<class T> RawArray<T> make_or_raise(kwSize n) {
-    auto block = RawArray<T>::make(n + 1);
-    if (!block) raise_out_of_memory();
-    return block;
-}
 
 // Claims sorted by row; of several for one row the last stays. Returns how many.
 kwSize settle(Claim *claims, kwSize n) {
@@ -121,10 +115,10 @@ kwSize incoming(const ColumnSource &source, kwSize k, const Claim *claims, kwSiz
 // The columns of a, after A(I, J) = source, that J names.
 void merge_block(const oxArray *a, kwSize m, const kwIndex *row_of, kwSize nrows,
                  const ColumnIndices &columns, const ColumnSource &source, ArrayGuard &result) {
-    auto claims = make_or_raise<Claim>(nrows);
+    auto claims = scratch<Claim>(nrows);
     for (kwSize i = 0; i < nrows; ++i) claims[i] = {row_of[i], i};
     const kwSize nclaims = settle(claims.get(), nrows);
-    auto in = make_or_raise<Incoming>(nclaims);
+    auto in = scratch<Incoming>(nclaims);
     kwSize bound = 0;
     for (kwSize k = 0; k < columns.count; ++k) {
         kwIndex j;
@@ -153,7 +147,7 @@ spStatus assign_merged(oxArray *a, const ColumnIndices &columns, const oxArray *
 }
 
 RawArray<kwIndex> positions_of(const Subscript &s) {
-    auto list = make_or_raise<kwIndex>(s.count);
+    auto list = scratch<kwIndex>(s.count);
     s.copy_positions(list.get());
     return list;
 }
@@ -180,15 +174,15 @@ struct LinearPlan {
     kwSize count = 0;                  // runs
 
     LinearPlan(const Subscript &index, kwSize m) {
-        claims = make_or_raise<Claim>(index.count);
+        claims = scratch<Claim>(index.count);
         kwSize n = 0;
         index.for_each([&](kwIndex position) {
             claims[n] = {position, n};
             ++n;
         });
         n = settle(claims.get(), n);
-        columns = make_or_raise<kwIndex>(n);
-        starts = make_or_raise<kwIndex>(n + 1);
+        columns = scratch<kwIndex>(n);
+        starts = scratch<kwIndex>(n + 1);
         for (kwSize i = 0; i < n; ++i) {
             const kwIndex j = claims[i].row / m;
             claims[i].row %= m;
@@ -210,7 +204,7 @@ spStatus assign_linear(oxArray *a, AssignSource &b, const Subscript &index) {
         source = b.as_columns(1, 1);
     else
         source.columns = values;
-    auto in = make_or_raise<Incoming>(index.count);
+    auto in = scratch<Incoming>(index.count);
     kwSize bound = source.re || source.columns ? index.count : 0;
     for (kwSize k = 0; k < plan.count; ++k)
         bound += a->num.jc[plan.columns[k] + 1] - a->num.jc[plan.columns[k]];

@@ -1,9 +1,9 @@
 // Deleting columns, rows and positions of sparse arrays.
-#include <core/alloc.h>
 #include <errors/raise.h>
 #include <sparse/assign.h>
 #include <sparse/filter.h>
 #include <sparse/operands.h>
+#include <sparse/scratch.h>
 #include <sparse/storage/csc.h>
 
 #include <algorithm>
@@ -19,8 +19,7 @@ struct Deleted {
 
     Deleted(Subscript &s, kwSize extent) {
         if (!s.mask_to_list()) raise_out_of_memory();
-        list = RawArray<kwIndex>::make(s.count + 1);
-        if (!list) raise_out_of_memory();
+        list = scratch<kwIndex>(s.count);
         s.copy_positions(list.get());
         kwIndex *end = list.get() + s.count;
         std::sort(list.get(), end);

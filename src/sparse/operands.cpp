@@ -1,13 +1,13 @@
 // The two sides of a sparse assignment, made ready.
 #include <containers/copies.h>
 #include <containers/unshare.h>
-#include <core/alloc.h>
 #include <core/dispatch.h>
 #include <core/header_copy.h>
 #include <core/position.h>
 #include <errors/raise.h>
 #include <index/operands/convert.h>
 #include <sparse/operands.h>
+#include <sparse/scratch.h>
 #include <sparse/storage/csc.h>
 
 namespace ox {
@@ -110,8 +110,7 @@ ColumnSource AssignSource::as_columns(kwSize rows, kwSize columns) {
     }
     if (ox::rows(b_) != rows || cols(b_) != columns) {
         shaped_.reset(or_raise(deep_copy(b_)));
-        auto new_jc = RawArray<kwIndex>::make(columns + 1);
-        if (!new_jc) raise_out_of_memory();
+        auto new_jc = scratch<kwIndex>(columns + 1);
         oxArray *s = shaped_.get();
         reshape_indices(ox::rows(s), cols(s), s->num.jc, s->num.ir, rows, columns, new_jc.get());
         oxFreeEx(s->num.jc);

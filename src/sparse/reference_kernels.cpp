@@ -5,6 +5,7 @@
 #include <errors/raise.h>
 #include <ox/sparse.h>
 #include <sparse/reference.h>
+#include <sparse/scratch.h>
 
 namespace ox {
 namespace {
@@ -28,15 +29,13 @@ struct PositionList {
 
     void take(const Subscript &s) {
         count = s.count;
-        block = RawArray<kwIndex>::make(count + 1);
-        if (!block) raise_out_of_memory();
+        block = scratch<kwIndex>(count);
         s.copy_positions(block.get());
     }
     // The same columns once more for every further subscript's position: there is only one.
     void repeat(kwSize times) {
         const kwSize n = saturating_multiply(count, times);
-        auto longer = RawArray<kwIndex>::make(n + 1);
-        if (!longer) raise_out_of_memory();
+        auto longer = scratch<kwIndex>(n);
         for (kwSize i = 0; i < n; ++i) longer[i] = block[i % count];
         block = std::move(longer);
         count = n;

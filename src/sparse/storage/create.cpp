@@ -13,8 +13,9 @@
 namespace ox {
 namespace {
 
-template<class T> T *zeroed(kwSize count, kwSize size) {
-    return static_cast<T *>(oxCallocEx(count, size));
+void *undefined(kwSize count, kwSize size) {
+    kwSize bytes;
+    return __builtin_mul_overflow(count, size, &bytes) ? nullptr : oxMallocEx(bytes);
 }
 
 bool resize_block(void **block, kwSize count, kwSize size) {
@@ -26,12 +27,9 @@ bool resize_block(void **block, kwSize count, kwSize size) {
     return true;
 }
 
-// The created hook hears of a success only: a sparse creator that fails is silent.
-oxArray *hand_over_silently(oxArray *a) { return a ? hand_over(a) : nullptr; }
+using Allocate = void *(*)(kwSize count, kwSize size);
 
-} // namespace
-
-oxArray *make_sparse(kwSize m, kwSize n, kwSize nzmax, int id, bool complex) {
+oxArray *make(kwSize m, kwSize n, kwSize nzmax, int id, bool complex, Allocate allocate) {
     ArrayGuard a(make_header(id, m, n));
     if (!a || n == ~kwSize{0}) return nullptr;
     const kwSize size = class_info(id).element_size, capacity = std::max<kwSize>(nzmax, 1);
@@ -40,16 +38,31 @@ oxArray *make_sparse(kwSize m, kwSize n, kwSize nzmax, int id, bool complex) {
     a->num.nzmax = capacity;
     // Each block is tested only once all are attached; the guard frees what there is. Index vectors
     // go with the data alone, so without data they are freed here.
-    a->num.pdata = zeroed<void>(capacity, size);
-    a->num.ir = zeroed<kwIndex>(capacity, sizeof(kwIndex));
-    a->num.jc = zeroed<kwIndex>(n + 1, sizeof(kwIndex));
-    if (complex) a->num.pimag = zeroed<void>(capacity, size);
+    a->num.pdata = allocate(capacity, size);
+    a->num.ir = static_cast<kwIndex *>(allocate(capacity, sizeof(kwIndex)));
+    a->num.jc = static_cast<kwIndex *>(allocate(n + 1, sizeof(kwIndex)));
+    if (complex) a->num.pimag = allocate(capacity, size);
     if (a->num.pdata && a->num.ir && a->num.jc && (!complex || a->num.pimag)) return a.release();
     if (!a->num.pdata) {
         oxFreeEx(a->num.ir);
         oxFreeEx(a->num.jc);
     }
     return nullptr;
+}
+
+// The created hook hears of a success only: a sparse creator that fails is silent.
+oxArray *hand_over_silently(oxArray *a) { return a ? hand_over(a) : nullptr; }
+
+} // namespace
+
+oxArray *make_sparse(kwSize m, kwSize n, kwSize nzmax, int id, bool complex) {
+    return make(m, n, nzmax, id, complex, oxCallocEx);
+}
+
+oxArray *make_sparse_uninit(kwSize m, kwSize n, kwSize nzmax, int id, bool complex) {
+    oxArray *a = make(m, n, nzmax, id, complex, undefined);
+    if (a) a->num.jc[0] = 0;
+    return a;
 }
 
 bool set_capacity(oxArray *a, kwSize nzmax) {
