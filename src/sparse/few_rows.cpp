@@ -21,8 +21,8 @@ public:
     explicit WantedRows(const RowChoice &rows)
         : order_(scratch<kwIndex>(3 * rows.count)), rows_(order_.get() + rows.count),
           runs_(rows_ + rows.count),
-          shift_(64 - bits_per_row - static_cast<int>(std::bit_width(rows.count | 1))),
-          filter_(RawArray<uint64_t>::zeroed((kwSize{1} << (64 - shift_)) / 64)) {
+          shift_(64 - std::max(least_bits, 4 + static_cast<int>(std::bit_width(rows.count | 1)))),
+          filter_(RawArray<uint8_t>::zeroed(kwSize{1} << (64 - shift_))) {
         if (!filter_) raise_out_of_memory();
         for (kwSize i = 0; i < rows.count; ++i) order_[i] = i;
         if (!rows.increasing)
@@ -40,9 +40,9 @@ public:
     template<class F> void scan(const kwIndex *ir, kwIndex k0, kwIndex k1, F &&f) const {
         kwIndex k = k0;
         for (; k + 8 <= k1; k += 8) {
-            uint64_t any = 0;
+            uint8_t any = 0;
             for (kwIndex i = 0; i < 8; ++i) any |= maybe(ir[k + i]);
-            if (any & 1) [[unlikely]]
+            if (any) [[unlikely]]
                 for (kwIndex i = 0; i < 8; ++i) emit_if_wanted(ir, k + i, f);
         }
         for (; k < k1; ++k) emit_if_wanted(ir, k, f);
@@ -61,22 +61,22 @@ public:
     }
 
 private:
-    static constexpr int bits_per_row = 5; // as a power of two: one row in 32 passes by accident
+    static constexpr int least_bits = 14;
 
     void add(kwIndex row, kwSize i) {
         if (count_ && rows_[count_ - 1] == row) return;
         rows_[count_] = row;
         runs_[count_++] = i;
-        filter_[hash(row) / 64] |= uint64_t{1} << hash(row) % 64;
+        filter_[hash(row)] = 1;
     }
     kwSize hash(kwIndex row) const { return row * 0x9e3779b97f4a7c15 >> shift_; }
-    uint64_t maybe(kwIndex row) const { return filter_[hash(row) / 64] >> hash(row) % 64; }
+    uint8_t maybe(kwIndex row) const { return filter_[hash(row)]; }
 
     template<class F> void emit(kwSize u, kwIndex k, F &&f) const {
         for (kwIndex i = runs_[u]; i < runs_[u + 1]; ++i) f(order_[i], k);
     }
     template<class F> void emit_if_wanted(const kwIndex *ir, kwIndex k, F &&f) const {
-        if (!(maybe(ir[k]) & 1)) return;
+        if (!maybe(ir[k])) return;
         const kwIndex *at = std::lower_bound(rows_, rows_ + count_, ir[k]);
         if (at != rows_ + count_ && *at == ir[k]) emit(static_cast<kwSize>(at - rows_), k, f);
     }
@@ -85,7 +85,7 @@ private:
     kwIndex *rows_, *runs_;   // the positions of rows_[u]: order_[runs_[u] .. runs_[u+1]-1]
     kwSize count_ = 0;
     int shift_;
-    RawArray<uint64_t> filter_;
+    RawArray<uint8_t> filter_;
 };
 
 // An element of B: its column, its row, and which element of A it is.

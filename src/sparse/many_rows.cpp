@@ -7,6 +7,7 @@
 #include <sparse/storage/csc.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 
 namespace ox {
@@ -87,8 +88,7 @@ Size count_all(const oxArray *a, const ColumnChoice &columns) {
 // sorts by position.
 using Key = uint64_t;
 
-void sort_keys(Key *begin, Key *end) {
-    if (end - begin > 24) return std::sort(begin, end);
+void insertion_sort(Key *begin, Key *end) {
     for (Key *x = begin + 1; x < end; ++x) {
         const Key key = *x;
         Key *to = x;
@@ -97,8 +97,57 @@ void sort_keys(Key *begin, Key *end) {
     }
 }
 
+// Sorts the keys of one column after another.
+class KeySorter {
+public:
+    explicit KeySorter(kwSize longest)
+        : keys_(scratch<Key>(longest)),
+          dealt_(longest > few ? scratch<Key>(longest) : RawArray<Key>()),
+          starts_(longest > few ? scratch<uint32_t>(2 * longest + 1) : RawArray<uint32_t>()) {}
+
+    Key *keys() const { return keys_.get(); }
+
+    // Sorts the first n of keys(); answers where they stand then.
+    const Key *sort(kwSize n) {
+        if (n > few) return deal(n);
+        insertion_sort(keys(), keys() + n);
+        return keys();
+    }
+
+private:
+    static constexpr kwSize few = 24;
+
+    // Deals the keys to one or two buckets a key by position; then nearly every key is in place.
+    const Key *deal(kwSize n) {
+        Key low = ~Key{0}, high = 0;
+        for (kwSize i = 0; i < n; ++i) {
+            low = std::min(low, keys_[i]);
+            high = std::max(high, keys_[i]);
+        }
+        const int spare_bits =
+            static_cast<int>(std::bit_width(high - low)) - static_cast<int>(std::bit_width(n));
+        const int shift = std::max(0, spare_bits);
+        const auto bucket = [=, this](kwSize i) { return (keys_[i] - low) >> shift; };
+        const kwSize buckets = ((high - low) >> shift) + 1;
+        std::fill_n(starts_.get(), buckets, 0);
+        for (kwSize i = 0; i < n; ++i) ++starts_[bucket(i)];
+        uint32_t end = 0, most = 0;
+        for (kwSize b = 0; b < buckets; ++b) {
+            most = std::max(most, starts_[b]);
+            starts_[b] = end += starts_[b];
+        }
+        for (kwSize i = n; i-- > 0;) dealt_[--starts_[bucket(i)]] = keys_[i];
+        most > few ? std::sort(dealt_.get(), dealt_.get() + n)
+                   : insertion_sort(dealt_.get(), dealt_.get() + n);
+        return dealt_.get();
+    }
+
+    RawArray<Key> keys_, dealt_;
+    RawArray<uint32_t> starts_;
+};
+
 template<class T, class Map> void fill(const oxArray *a, const Map &map, const RowChoice &rows,
-                                       const ColumnChoice &columns, Key *keys, oxArray *b) {
+                                       const ColumnChoice &columns, KeySorter &sorter, oxArray *b) {
     constexpr kwIndex ahead = 32; // elements that the map is asked for in advance
     const kwIndex *jc = a->num.jc, *ir = a->num.ir, nnz = nonzeros(a);
     const bool complex = has_imag_block(a);
@@ -106,15 +155,16 @@ template<class T, class Map> void fill(const oxArray *a, const Map &map, const R
     kwIndex at = 0;
     for (kwSize c = 0; c < columns.count; ++c) {
         const kwIndex k0 = jc[columns[c]], k1 = jc[columns[c] + 1];
-        Key *end = keys;
+        Key *end = sorter.keys();
         for (kwIndex k = k0; k < k1; ++k) {
             if (k + ahead < nnz) map.prefetch(ir[k + ahead]);
             map.for_each(ir[k], [&](uint32_t p) { *end++ = Key{p} << 32 | (k - k0); });
         }
-        if (!rows.increasing) sort_keys(keys, end);
-        for (const Key *key = keys; key < end; ++key, ++at) {
-            const kwIndex k = k0 + static_cast<uint32_t>(*key);
-            b->num.ir[at] = *key >> 32;
+        const auto n = static_cast<kwSize>(end - sorter.keys());
+        const Key *keys = rows.increasing ? sorter.keys() : sorter.sort(n);
+        for (kwSize i = 0; i < n; ++i, ++at) {
+            const kwIndex k = k0 + static_cast<uint32_t>(keys[i]);
+            b->num.ir[at] = keys[i] >> 32;
             data<T>(b)[at] = re[k];
             if (complex) imag<T>(b)[at] = im[k];
         }
@@ -124,11 +174,10 @@ template<class T, class Map> void fill(const oxArray *a, const Map &map, const R
 
 template<class Map> oxArray *reference(const oxArray *a, const Map &map, const RowChoice &rows,
                                        const ColumnChoice &columns, const Size &size) {
-    const auto keys = scratch<Key>(size.longest);
+    KeySorter sorter(size.longest);
     oxArray *b = make_reference(a, rows.count, columns.count, size.total);
-    visit_width(class_info(a->class_code).element_size, [&]<class T>(std::type_identity<T>) {
-        fill<T>(a, map, rows, columns, keys.get(), b);
-    });
+    visit_width(class_info(a->class_code).element_size,
+                [&]<class T>(std::type_identity<T>) { fill<T>(a, map, rows, columns, sorter, b); });
     return b;
 }
 
