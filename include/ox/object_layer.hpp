@@ -5,6 +5,8 @@
 
 #include <ox/types.h>
 
+struct oiStreamRec_tag;
+
 // Behaviour of one class of opaque arrays; every opaque array points at one. Operations that are
 // not overridden raise "VELTRO:objectLayerMissing" unless they say otherwise.
 class OX_API xxInfo {
@@ -63,10 +65,12 @@ public:
 
     // Streams: the name under which elements are written (default: class_name), the contents as a
     // nested array (null: cannot be saved, the default), and an array filled from such contents
-    // (false: cannot).
+    // (false: cannot). What belongs to all elements together can be kept with the stream
+    // (oiSetSubsystemData): serialisation writes it behind the array and has it back before
+    // loading.
     virtual const char *subclass_name(const oxArray *a) const;
-    virtual oxArray *save(const oxArray *a);
-    virtual bool load(oxArray *a, const oxArray *contents);
+    virtual oxArray *save(const oxArray *a, oiStreamRec_tag *stream);
+    virtual bool load(oxArray *a, const oxArray *contents, oiStreamRec_tag *stream);
 };
 
 // What a class layer supplies process-wide. Any entry may be null; the default stands behind it.

@@ -92,8 +92,8 @@ bool xxInfo::equal(const oxArray *a, const oxArray *b, bool) const {
 }
 
 const char *xxInfo::subclass_name(const oxArray *a) const { return class_name(a); }
-oxArray *xxInfo::save(const oxArray *) { return nullptr; }
-bool xxInfo::load(oxArray *, const oxArray *) { return false; }
+oxArray *xxInfo::save(const oxArray *, oiStreamRec_tag *) { return nullptr; }
+bool xxInfo::load(oxArray *, const oxArray *, oiStreamRec_tag *) { return false; }
 
 const ox_object_layer *ox_register_object_layer(const ox_object_layer *layer) {
     return std::exchange(registered, layer);

@@ -64,7 +64,7 @@ struct Measured {
 };
 
 // A status. Compacting measures also record the chosen types in the user bits of double arrays.
-int32_t measure_array(const oxArray *a, const char *name, EncodeOptions options, Measured *m);
+int32_t measure_array(oiStreamRec_tag *s, const oxArray *a, const char *name, Measured *m);
 // Writes the element's data, without its tag. The array is as it was measured; oiREFUSED when the
 // walk finds no memory.
 int32_t write_array(Output &out, const oxArray *a, const char *name, EncodeOptions options,

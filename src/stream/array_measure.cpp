@@ -8,7 +8,7 @@ namespace {
 
 class Measurer {
 public:
-    Measurer(EncodeOptions options, Measured *m) : options_(options), m_(m) {}
+    Measurer(oiStreamRec_tag *s, Measured *m) : s_(s), options_(encode_options(s)), m_(m) {}
 
     int32_t enter(const oxArray *a, const char *name, ArrayPlan &plan, WalkFrame &frame,
                   WalkFrame *parent) {
@@ -44,19 +44,20 @@ private:
     int32_t save_contents(const oxArray *a, ArrayPlan &plan) {
         oxArray **slot = m_->saved.push(nullptr);
         if (!slot) return oiREFUSED;
-        plan.contents = *slot = a->opaque.info->save(a);
+        plan.contents = *slot = a->opaque.info->save(a, s_);
         return plan.contents ? oiSUCCESS : oiREFUSED;
     }
 
+    oiStreamRec_tag *s_;
     EncodeOptions options_;
     Measured *m_;
 };
 
 } // namespace
 
-int32_t measure_array(const oxArray *a, const char *name, EncodeOptions options, Measured *m) {
+int32_t measure_array(oiStreamRec_tag *s, const oxArray *a, const char *name, Measured *m) {
     if (!a) return oiSUCCESS; // an element of count 0
-    Measurer measurer(options, m);
+    Measurer measurer(s, m);
     return walk_array(a, name, measurer);
 }
 

@@ -162,7 +162,7 @@ int32_t ArrayReader::read_element(kwSize end, char *name, oxArray **out) {
     ArrayHead head;
     if (const int32_t status = read_head(&head, name)) return status;
     if (!head.file_class.known) {
-        *out = load_opaque("", nullptr);
+        *out = load_opaque(s_, "", nullptr);
         return *out ? oiSUCCESS : oiREFUSED;
     }
     if (head.file_class.id == oxOPAQUE_CLASS) return open_opaque(end);
@@ -290,7 +290,7 @@ int32_t ArrayReader::close_frame(oxArray **out) {
     ReadFrame &f = frames_.top();
     if (!in_.skip_to(f.end)) return oiSHORT_READ;
     if (!f.a) {
-        *out = load_opaque(f.class_name, std::exchange(f.slots[0], nullptr));
+        *out = load_opaque(s_, f.class_name, std::exchange(f.slots[0], nullptr));
         if (!*out) return oiREFUSED;
     } else if (f.discards) {
         f.a->num.pdata = oxCallocEx(f.count, class_info(oxFUNCTION_CLASS).element_size);

@@ -80,7 +80,7 @@ int32_t read_field_names(Input &in, oxArray *a) {
     return in.close(e) ? oiSUCCESS : oiSHORT_READ;
 }
 
-oxArray *load_opaque(const char *class_name, oxArray *contents) {
+oxArray *load_opaque(oiStreamRec_tag *s, const char *class_name, oxArray *contents) {
     const ArrayGuard held(contents);
     const ox_object_layer &layer = object_layer();
     static constexpr kwSize scalar[2] = {1, 1};
@@ -92,7 +92,7 @@ oxArray *load_opaque(const char *class_name, oxArray *contents) {
         const char *made = info ? info->subclass_name(a.get()) : nullptr;
         const bool same =
             made && (std::strcmp(made, class_name) == 0 || std::strcmp(made, wanted) == 0);
-        if (same && contents && info->load(a.get(), contents)) return a.release();
+        if (same && contents && info->load(a.get(), contents, s)) return a.release();
         if (same && contents) return nullptr;
     }
     return layer.create_unknown ? layer.create_unknown(class_name, contents) : nullptr;

@@ -56,6 +56,6 @@ int32_t read_field_names(Input &in, oxArray *a);
 
 // A new array of the named class filled from its contents; for a class that is not known here, the
 // stand-in that keeps them. Consumes the contents. Null when the class layer is missing or refuses.
-oxArray *load_opaque(const char *class_name, oxArray *contents);
+oxArray *load_opaque(oiStreamRec_tag *s, const char *class_name, oxArray *contents);
 
 } // namespace ox

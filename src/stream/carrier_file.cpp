@@ -1,6 +1,7 @@
 // The stdio carrier that can seek: positions, the turn between reading and writing, length.
 #include <core/tuning.h>
 #include <stream/carrier.h>
+#include <stream/gzip_string.h>
 
 #include <algorithm>
 
@@ -110,6 +111,9 @@ oiStreamRec_tag *new_file_stream(FILE *f, uint32_t kind, uint16_t version, uint1
     s->fwrite_fcn = fwrite_fcn;
     s->fseek_fcn = fseek_fcn;
     s->ftell_fcn = ftell_fcn;
+    s->gzip->read_fcn = fread_fcn;
+    s->gzip->write_fcn = fwrite_fcn;
+    s->gzip->tell_fcn = ftell_fcn;
     const int64_t start = ftell_fcn(f);
     s->position = s->offset = start < 0 ? 0 : static_cast<uint64_t>(start);
     return s;

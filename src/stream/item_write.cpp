@@ -32,7 +32,7 @@ int32_t write_data(oiStreamRec_tag *s, Output &out, const Outgoing &o) {
 
 } // namespace
 
-int32_t prepare_item(const oiStreamRec_tag *s, const oiItem_tag *item, Outgoing *out) {
+int32_t prepare_item(oiStreamRec_tag *s, const oiItem_tag *item, Outgoing *out) {
     const auto type = static_cast<uint32_t>(item->type);
     if (!is_item_type(type)) return oiBAD_ELEMENT;
     out->item = item;
@@ -40,8 +40,7 @@ int32_t prepare_item(const oiStreamRec_tag *s, const oiItem_tag *item, Outgoing 
     if (type == oiMATRIX) {
         const auto *name = reinterpret_cast<const char *>(static_cast<uintptr_t>(item->name));
         const auto *a = static_cast<const oxArray *>(item->data);
-        if (const int32_t status = measure_array(a, name, encode_options(s), &out->measured))
-            return status;
+        if (const int32_t status = measure_array(s, a, name, &out->measured)) return status;
         out->bytes = out->measured.bytes;
     } else if (!item->data && item->count > 0) {
         return oiBAD_ELEMENT;

@@ -23,7 +23,7 @@ struct Outgoing {
     kwSize bytes;
     Measured measured;
 };
-int32_t prepare_item(const oiStreamRec_tag *s, const oiItem_tag *item, Outgoing *out);
+int32_t prepare_item(oiStreamRec_tag *s, const oiItem_tag *item, Outgoing *out);
 // Writes it at the offset; the stream then stands behind it. A status.
 int32_t write_item(oiStreamRec_tag *s, const Outgoing &out, kwSize offset);
 

@@ -41,11 +41,14 @@ public:
     }
 };
 
+[[noreturn]] void raise_unwritten(const char *shown) {
+    oxErrMsgIdAndTxt("VELTRO:Serialize", "Error during serialization of %s", shown);
+}
+
 void put_array(oiStreamRec_tag *s, const oxArray *a, const char *tag, const char *shown) {
     const oiItem_tag item = {oiMATRIX, 0, const_cast<oxArray *>(a),
                              static_cast<uint64_t>(reinterpret_cast<uintptr_t>(tag))};
-    if (oiPutItem(s, &item, nullptr) != oiSUCCESS)
-        oxErrMsgIdAndTxt("VELTRO:Serialize", "Error during serialization of %s", shown);
+    if (oiPutItem(s, &item, nullptr) != oiSUCCESS) raise_unwritten(shown);
 }
 
 // The stream's bytes as a row of uint8, no longer than they are. Null without memory.
@@ -88,8 +91,11 @@ oxArray *oxSerializeWithTagEx(const oxArray *a, const char *tag, uint16_t option
     if (!s) return nullptr;
     const char *shown = tag ? tag : "";
     put_array(s.get(), a, tag, shown);
-    if (const oxArray *subsystem = oiGetSubsystemData(s.get()))
+    if (s->subsystem) {
+        const oxArray *subsystem = oiGetSubsystemData(s.get());
+        if (!subsystem) raise_unwritten(shown); // its own bytes found no memory
         put_array(s.get(), subsystem, nullptr, shown);
+    }
     oxArray *row = row_of_buffer(s);
     return row ? hand_over(row) : nullptr;
 }

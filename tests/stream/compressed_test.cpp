@@ -188,6 +188,22 @@ TEST_F(Compressed, OnlyArraysAndOnlyWhereTheStreamSeeks) {
         start.resize(4);
         EXPECT_EQ(start, hex(c.begins));
     }
+    // All bytes go through the stream's own primitives, the place of the tag twice.
+    static std::size_t moved;
+    moved = 0;
+    oiStreamRec_tag *counted = oiCreateFileStream(
+        file_, 0, 0, [](auto *, auto...) { return int32_t{oiSUCCESS}; }, 0,
+        [](void *p, size_t size, size_t n, FILE *f) { return moved += n, fread(p, size, n, f); },
+        [](auto *p, size_t size, size_t n, FILE *f) { return moved += n, fwrite(p, size, n, f); },
+        nullptr, nullptr, oiCOMPRESS);
+    oiItem_tag array{oiMATRIX, 0, const_cast<oxArray *>(a), 0};
+    EXPECT_EQ(oiPutItemAtCurrentOffsetWrapper(counted, &array), oiSUCCESS);
+    EXPECT_EQ(moved, counted->offset + 8);
+    moved = 0;
+    EXPECT_EQ(oiGetItem(counted, &array, 0), oiSUCCESS);
+    EXPECT_EQ(moved, counted->offset);
+    oiDisposeFileStream(counted);
+
     TestStream s({Carrier::file, false, oiCOMPRESS});
     oiItem_tag item{oiUINT8, 1, const_cast<char *>("x"), 0};
     EXPECT_EQ(oiPutItemAtCurrentOffsetWrapper(s.get(), &item), oiSUCCESS);

@@ -99,11 +99,16 @@ struct Thing : xxInfo {
     const char *name = "thing";
     bool can_load = true;
     const char *subclass_name(const oxArray *) const override { return name; }
-    oxArray *save(const oxArray *a) override {
+    const char *shared = nullptr; // what all things together keep with the stream
+    std::string found;
+    oxArray *save(const oxArray *a, oiStreamRec_tag *s) override {
+        if (shared && !s->subsystem) oiSetSubsystemData(s, arr(shared));
         auto **payload = static_cast<oxArray **>(a->get_opaque_giblet());
         return payload && *payload ? oxDuplicateArray(*payload) : nullptr;
     }
-    bool load(oxArray *a, const oxArray *contents) override {
+    bool load(oxArray *a, const oxArray *contents, oiStreamRec_tag *s) override {
+        if (const oxArray *kept = s ? oiGetSubsystemData(s) : nullptr)
+            found = text(oxDeserialize(oxGetData(kept), oxGetNumberOfElements(kept)));
         if (can_load)
             *static_cast<oxArray **>(a->get_opaque_giblet()) =
                 oxCreateSharedCopyNotOnArrayList(contents);
@@ -120,7 +125,7 @@ std::string asked_for;
 oxArray *opaque_of(Thing *info, const oxArray *payload) {
     static constexpr kwSize scalar[2] = {1, 1};
     oxArray *a = oxCreateOpaqueArray(2, scalar, info);
-    if (payload) info->load(a, payload);
+    if (payload) info->load(a, payload, nullptr);
     return a;
 }
 
@@ -173,6 +178,10 @@ TEST_F(Serialize, OpaqueArraysByClassName) {
 
     thing.name = "thing";
     const Bytes good = bytes_of(oxSerialize(opaque_of(&thing, arr("double 1x2: 1 2"))));
+    thing.shared = "struct 1x1 all: {double 1x1: 7}";
+    EXPECT_NE(deserialized(bytes_of(oxSerialize(opaque_of(&thing, arr("double 1x1: 1"))))),
+              nullptr);
+    EXPECT_EQ(thing.found, thing.shared) << "written behind the array, there before it is loaded";
     thing.can_load = false;
     EXPECT_EQ(deserialized(good), nullptr);
     thing.can_load = true;
