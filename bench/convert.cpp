@@ -118,6 +118,9 @@ constexpr Case cases[] = {
     {"i16_i8", oxINT16_CLASS, oxINT8_CLASS, 2, 1, 0, 0},
     {"u8_f64", oxUINT8_CLASS, oxDOUBLE_CLASS, 1, 8, 0, 0},
     {"f64_f32", oxDOUBLE_CLASS, oxSINGLE_CLASS, 8, 4, -1e6, 1e6},
+    {"i16_f64", oxINT16_CLASS, oxDOUBLE_CLASS, 2, 8, 0, 0},
+    {"i32_f64", oxINT32_CLASS, oxDOUBLE_CLASS, 4, 8, 0, 0},
+    {"f32_f64", oxSINGLE_CLASS, oxDOUBLE_CLASS, 4, 8, 0, 0},
     {"i64_f64", oxINT64_CLASS, oxDOUBLE_CLASS, 8, 8, 0, 0},
 };
 

@@ -1,11 +1,17 @@
 // Creating and destroying arrays, listed blocks and contexts, beside malloc, calloc and free of the
 // same bytes.
 #include <benchmark/benchmark.h>
+#include <fl.hpp>
 #include <ox.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 namespace {
 
@@ -47,6 +53,15 @@ void clear_warm(benchmark::State &state, std::size_t count) {
     }
 }
 
+void write_warm(benchmark::State &state, std::size_t count) {
+    std::vector<double> v(count);
+    benchmark::DoNotOptimize(v.data());
+    for (auto _ : state) {
+        std::memset(v.data(), 1, count * sizeof(double));
+        benchmark::ClobberMemory();
+    }
+}
+
 // A clearing and a writing pass over one warm block: what is left when memory costs nothing. Zeros
 // alone are no measure: this hardware writes them more than twice as fast as anything else.
 void clear_and_write_warm(benchmark::State &state, std::size_t count) {
@@ -79,6 +94,55 @@ void fill_calloc(benchmark::State &state, std::size_t count) {
         std::free(data);
     }
 }
+
+// The same without a kept block to fall back on: every result is new memory.
+void fill_new_ox(benchmark::State &state, kwSize m, kwSize n) {
+    for (auto _ : state) {
+        oxArray *a = oxCreateDoubleMatrix(m, n, oxREAL);
+        std::memset(oxGetPr(a), 1, m * n * sizeof(double));
+        benchmark::ClobberMemory();
+        oxDestroyArray(a);
+        fl::aligned_heap::instance().release_kept();
+    }
+}
+
+// A large result: a copy of an array, the block of the last one at hand or new memory.
+void copy_ox(benchmark::State &state, std::size_t count, bool new_memory) {
+    oxArray *a = oxCreateDoubleMatrix(count, 1, oxREAL);
+    std::memset(oxGetPr(a), 1, count * sizeof(double));
+    for (auto _ : state) {
+        oxArray *b = oxDuplicateArray(a);
+        benchmark::DoNotOptimize(oxGetPr(b));
+        oxDestroyArray(b);
+        if (new_memory) fl::aligned_heap::instance().release_kept();
+    }
+    oxDestroyArray(a);
+}
+
+void copy_warm(benchmark::State &state, std::size_t count) {
+    std::vector<double> a(count, 1), b(count, 2);
+    for (auto _ : state) {
+        std::memcpy(b.data(), a.data(), count * sizeof(double));
+        benchmark::DoNotOptimize(b.data());
+        benchmark::ClobberMemory();
+    }
+}
+
+#if defined(__linux__)
+// What new memory costs: pages from the kernel, huge where it grants them.
+void map_pages(benchmark::State &state, std::size_t count) {
+    const std::size_t huge = std::size_t{2} << 20, bytes = count * sizeof(double) + huge;
+    for (auto _ : state) {
+        auto *all = static_cast<char *>(
+            mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        char *start = all + (-reinterpret_cast<std::uintptr_t>(all) & (huge - 1));
+        madvise(start, count * sizeof(double), MADV_HUGEPAGE);
+        std::memset(start, 1, count * sizeof(double));
+        benchmark::ClobberMemory();
+        munmap(all, bytes);
+    }
+}
+#endif
 
 void listed_ox(benchmark::State &state, std::size_t bytes) {
     for (auto _ : state) {
@@ -137,6 +201,17 @@ BENCHMARK_CAPTURE(clear_and_write_warm, x, 9'000'000)
     ->Name("create_fill/3000x3000/limit_clear_and_write");
 BENCHMARK_CAPTURE(fill_ox, x, 3000, 3000)->Name("create_fill/3000x3000/ox");
 BENCHMARK_CAPTURE(fill_calloc, x, 9'000'000)->Name("create_fill/3000x3000/calloc");
+
+BENCHMARK_CAPTURE(write_warm, x, 9'000'000)->Name("create_fill_new/3000x3000/limit_memset");
+BENCHMARK_CAPTURE(fill_new_ox, x, 3000, 3000)->Name("create_fill_new/3000x3000/ox");
+#if defined(__linux__)
+BENCHMARK_CAPTURE(map_pages, x, 9'000'000)->Name("create_fill_new/3000x3000/mmap_huge");
+#endif
+
+BENCHMARK_CAPTURE(copy_warm, x, 8 << 20)->Name("copy_large/64MiB/limit_memcpy");
+BENCHMARK_CAPTURE(copy_ox, x, 8 << 20, false)->Name("copy_large/64MiB/ox");
+BENCHMARK_CAPTURE(copy_warm, x, 8 << 20)->Name("copy_large_new/64MiB/limit_memcpy");
+BENCHMARK_CAPTURE(copy_ox, x, 8 << 20, true)->Name("copy_large_new/64MiB/ox");
 
 BENCHMARK_CAPTURE(listed_malloc, x, 64)->Name("listed/64B/limit_malloc");
 BENCHMARK_CAPTURE(listed_ox, x, 64)->Name("listed/64B/ox");
