@@ -11,6 +11,11 @@ namespace {
 
 class MatrixMarket : public ox::test::HostTest {};
 
+oxArray *parse(const std::string &text) {
+    MemorySource in(text);
+    return read_matrix_market(in, "f", false);
+}
+
 // The 22 kinds on 2-by-2 matrices; the lower triangle alone is in the files with symmetry.
 TEST_F(MatrixMarket, ReadsEveryKind) {
     struct Case {
@@ -51,7 +56,7 @@ TEST_F(MatrixMarket, ReadsEveryKind) {
     };
     for (const Case &c : cases) {
         const std::string file = std::string("%%MatrixMarket matrix ") + c.kind + "\n" + c.body;
-        const oxArray *a = parse_matrix_market(file, "f", false);
+        const oxArray *a = parse(file);
         EXPECT_EQ(ox::test::text(a), ox::test::text(ox::test::arr(c.array))) << file;
     }
 }
@@ -102,7 +107,7 @@ TEST_F(MatrixMarket, SaysWhatIsWrongAndWhere) {
     };
     for (const Case &c : cases) {
         try {
-            parse_matrix_market(c.file, "f", false);
+            parse(c.file);
             ADD_FAILURE() << c.file;
         } catch (const Failure &e) {
             EXPECT_STREQ(e.what(), c.sentence);
@@ -119,7 +124,7 @@ TEST_F(MatrixMarket, PicturesDoNotTurnSolid) {
         file += std::to_string(i) + " " + std::to_string(i) + "\n";
         if (i > 2) file += std::to_string(i) + " 1\n";
     }
-    const Counts counts = count_pattern(parse_matrix_market(file, "f", false), 96, 80);
+    const Counts counts = count_pattern(parse(file), 96, 80);
     EXPECT_EQ(counts.m, 80u);
     EXPECT_EQ(counts.of[0], 25u + 23u);
     const std::vector<std::string> lines = braille(counts);

@@ -75,12 +75,12 @@ const oxArray *parse_argument(const std::string &word, const ReadOptions &option
         if (const oxArray *a = read_place(file, place)) return a;
         throw Failure(Exit::data, word + ": the slot is empty");
     }
-    if (!is_readable_kind(word)) return read_csv(word); // other names are taken for tables
-    const std::vector<Named> all = read_all(word, options);
-    if (all.size() != 1)
-        throw Failure(Exit::data,
-                      word + ": one array is needed, the file holds " + std::to_string(all.size()));
-    return all[0].value;
+    if (!is_readable_kind(word)) return read_csv(*open_source(word), word, ','); // taken for tables
+    const std::unique_ptr<Input> in = open_input(word, options);
+    if (in->names().size() != 1)
+        throw Failure(Exit::data, word + ": one array is needed, the file holds " +
+                                      std::to_string(in->names().size()));
+    return in->load(0);
 }
 
 } // namespace vel

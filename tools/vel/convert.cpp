@@ -16,25 +16,33 @@ struct ConvertOptions {
     bool force = false;
 };
 
-std::vector<Named> read_input(const ConvertOptions &options) {
-    std::string file, place;
-    if (split_place(options.in, file, place) && !place.empty()) {
-        const oxArray *a = read_place(file, place);
-        if (!a) throw Failure(Exit::data, options.in + ": the slot is empty");
-        const bool inside = place.find_first_of(".{(") != place.npos;
-        return {{inside ? "value" : place, a}};
+// What the command line names: a file, a place in one, or either under another name.
+class Chosen : public Input {
+public:
+    explicit Chosen(const ConvertOptions &options) {
+        std::string file, place;
+        if (split_place(options.in, file, place) && !place.empty()) {
+            value_ = read_place(file, place);
+            if (!value_) throw Failure(Exit::data, options.in + ": the slot is empty");
+            names_ = {place.find_first_of(".{(") == place.npos ? place : "value"};
+        } else {
+            file_ = open_input(options.in, {.force = options.force});
+            names_ = file_->names();
+        }
+        if (!options.name.empty() && names_.size() == 1) names_ = {options.name};
     }
-    return read_all(options.in, {.force = options.force});
-}
+    const oxArray *load(size_t k) override { return value_ ? value_ : file_->load(k); }
+
+private:
+    std::unique_ptr<Input> file_;
+    const oxArray *value_ = nullptr;
+};
 
 int run(const ConvertOptions &options) {
     Host host;
     const Context context;
-    std::vector<Named> arrays = read_input(options);
-    if (!options.name.empty() && arrays.size() == 1) arrays[0].name = options.name;
-    if (options.out.ends_with(".vel"))
-        for (const Named &a : arrays) check_name(a.name);
-    write_all(options.out, arrays, options.write);
+    Chosen in(options);
+    write_all(options.out, in, options.write);
     return static_cast<int>(Exit::good);
 }
 

@@ -3,7 +3,7 @@
 
 #include "csv.h"
 #include "failure.h"
-#include "files.h"
+#include "host.h"
 #include "json.h"
 #include "matrix_market.h"
 #include "npy.h"
@@ -23,75 +23,129 @@ std::string stem(const std::string &path) {
     return oxIsValidVelName(name.c_str()) ? name : "x" + name.substr(0, 62);
 }
 
-std::vector<Named> read_vel(const std::string &path, const ReadOptions &) {
-    VelReader reader(path);
-    std::vector<Named> all;
-    for (const Variable &v : reader.variables()) all.push_back({v.path, reader.read(v)});
-    return all;
-}
+class VelInput : public Input {
+public:
+    explicit VelInput(const std::string &path) : reader_(path) {
+        for (const Variable &v : reader_.variables())
+            names_.push_back(v.path.empty() ? stem(path) : v.path);
+    }
+    const oxArray *load(size_t k) override { return reader_.read(reader_.variables()[k]); }
 
-std::vector<Named> read_serialized(const std::string &path, const ReadOptions &) {
-    const std::string bytes = read_file(path);
-    const char *tag = nullptr;
-    const oxArray *a = oxDeserializeWithTag(bytes.data(), bytes.size(), &tag);
-    if (!a) throw Failure(Exit::data, path + ": offset 0: this is no serialised array");
-    return {{tag ? tag : stem(path), a}};
-}
+private:
+    VelReader reader_;
+};
 
-const oxArray *only(const std::vector<Named> &arrays, const std::string &path) {
-    if (arrays.size() != 1)
+using ReadOne = const oxArray *(*)(SizedSource &in, const std::string &path, const ReadOptions &);
+
+class SingleInput : public Input {
+public:
+    SingleInput(const std::string &path, const ReadOptions &options, ReadOne read)
+        : in_(open_source(path)), path_(path), options_(options), read_(read) {
+        names_ = {stem(path)};
+    }
+    const oxArray *load(size_t) override {
+        if (in_->at() > 0) in_->rewind();
+        return read_(*in_, path_, options_);
+    }
+
+private:
+    std::unique_ptr<SizedSource> in_;
+    std::string path_;
+    ReadOptions options_;
+    ReadOne read_;
+};
+
+// --- Writing ---
+
+const oxArray *only(Input &in, const std::string &path) {
+    if (in.names().size() != 1)
         throw Failure(Exit::data, path + ": such a file holds one array, not " +
-                                      std::to_string(arrays.size()) + "; name the one to convert");
-    return arrays[0].value;
+                                      std::to_string(in.names().size()) +
+                                      "; name the one to convert");
+    return in.load(0);
 }
 
-std::string serialized(const std::vector<Named> &arrays, const std::string &path,
-                       const WriteOptions &options) {
-    const uint16_t bits = options.form.wide ? oiWIDE : 0;
-    const oxArray *bytes = oxSerializeWithTagEx(only(arrays, path), arrays[0].name.c_str(), bits);
-    if (!bytes) throw Failure(Exit::io, path + ": out of memory");
-    return {static_cast<const char *>(oxGetData(bytes)), oxGetNumberOfElements(bytes)};
+void write_vel(Input &in, const std::string &path, const WriteOptions &options) {
+    VelWriter writer(path, options.form, options.compress);
+    for (size_t k = 0; k < in.names().size(); ++k) {
+        check_name(in.names()[k]);
+        const Context one;
+        writer.put(in.names()[k], in.load(k));
+    }
+    writer.commit();
 }
 
-std::string json(const std::vector<Named> &arrays) {
+void write_serialized(Input &in, const std::string &path, const WriteOptions &options) {
+    Form form = options.form;
+    form.bare = true;
+    const oxArray *a = only(in, path);
+    VelWriter writer(path, form, false);
+    writer.put(in.names()[0], a);
+    writer.commit();
+}
+
+void write_csv_file(Input &in, const std::string &path, const WriteOptions &) {
+    write_csv(only(in, path), path.ends_with(".tsv") ? '\t' : ',', path);
+}
+
+void write_matrix_market_file(Input &in, const std::string &path, const WriteOptions &) {
+    write_matrix_market(only(in, path), path);
+}
+
+void write_npy(Input &in, const std::string &path, const WriteOptions &) {
+    NpyPieces pieces(only(in, path), path);
+    OutputFile out(path);
+    for (std::string_view p; !(p = pieces.next()).empty();) out.write(p.data(), p.size());
+    out.commit();
+}
+
+void write_npz_file(Input &in, const std::string &path, const WriteOptions &options) {
+    write_npz(in, path, options.compress);
+}
+
+void write_json(Input &in, const std::string &path, const WriteOptions &) {
     Json j = Json::object();
-    for (const Named &a : arrays) j[a.name] = json_array(a.value);
-    return json_text(j);
+    for (size_t k = 0; k < in.names().size(); ++k) {
+        const Context one;
+        j[in.names()[k]] = json_array(in.load(k));
+    }
+    OutputFile out(path);
+    const std::string text = json_text(j);
+    out.write(text.data(), text.size());
+    out.commit();
 }
+
+// --- The table ---
 
 struct Format {
     const char *end;
-    std::vector<Named> (*read)(const std::string &, const ReadOptions &); // null: written only
-    // The bytes of the file; null for VEL files, which are written one variable at a time.
-    std::string (*make)(const std::vector<Named> &, const std::string &, const WriteOptions &);
+    ReadOne read_one; // null for what holds several arrays, or is written only
+    std::unique_ptr<Input> (*open)(const std::string &, const ReadOptions &);
+    void (*write)(Input &, const std::string &, const WriteOptions &);
 };
 
+std::unique_ptr<Input> open_vel(const std::string &path, const ReadOptions &) {
+    return std::make_unique<VelInput>(path);
+}
+
 const Format formats[] = {
-    {".vel", read_vel, nullptr},
-    {".ser", read_serialized, serialized},
+    {".vel", nullptr, open_vel, write_vel},
+    {".ser", nullptr, open_vel, write_serialized},
     {".csv",
-     [](auto &p, auto &) {
-         return std::vector<Named>{{stem(p), read_csv(p)}};
-     },
-     [](auto &a, auto &p, auto &) { return make_csv(only(a, p), ',', p); }},
+     [](auto &in, auto &path, auto &) -> const oxArray * { return read_csv(in, path, ','); },
+     nullptr, write_csv_file},
     {".tsv",
-     [](auto &p, auto &) {
-         return std::vector<Named>{{stem(p), read_csv(p, '\t')}};
-     },
-     [](auto &a, auto &p, auto &) { return make_csv(only(a, p), '\t', p); }},
+     [](auto &in, auto &path, auto &) -> const oxArray * { return read_csv(in, path, '\t'); },
+     nullptr, write_csv_file},
     {".mtx",
-     [](auto &p, auto &o) {
-         return std::vector<Named>{{stem(p), read_matrix_market(p, o.force)}};
+     [](auto &in, auto &path, auto &o) -> const oxArray * {
+         return read_matrix_market(in, path, o.force);
      },
-     [](auto &a, auto &p, auto &) { return make_matrix_market(only(a, p), p); }},
-    {".npy",
-     [](auto &p, auto &) {
-         return std::vector<Named>{{stem(p), parse_npy(read_file(p), p)}};
-     },
-     [](auto &a, auto &p, auto &) { return make_npy(only(a, p), p); }},
-    {".npz", [](auto &p, auto &) { return read_npz(p); },
-     [](auto &a, auto &p, auto &o) { return make_npz(a, p, o.compress); }},
-    {".json", nullptr, [](auto &a, auto &, auto &) { return json(a); }},
+     nullptr, write_matrix_market_file},
+    {".npy", [](auto &in, auto &path, auto &) -> const oxArray * { return read_npy(in, path); },
+     nullptr, write_npy},
+    {".npz", nullptr, [](auto &path, auto &o) { return open_npz(path, o.force); }, write_npz_file},
+    {".json", nullptr, nullptr, write_json},
 };
 
 const Format *format_of(const std::string &path) {
@@ -104,31 +158,23 @@ const Format *format_of(const std::string &path) {
 
 bool is_readable_kind(const std::string &path) {
     const Format *f = format_of(path);
-    return f && f->read;
+    return f && (f->read_one || f->open);
 }
 
-std::vector<Named> read_all(const std::string &path, const ReadOptions &options) {
+std::unique_ptr<Input> open_input(const std::string &path, const ReadOptions &options) {
     if (!is_readable_kind(path))
         throw Failure(Exit::usage, path + ": the end of the name says no format that can be read");
-    return format_of(path)->read(path, options);
+    const Format *f = format_of(path);
+    if (f->open) return f->open(path, options);
+    return std::make_unique<SingleInput>(path, options, f->read_one);
 }
 
-void write_all(const std::string &path, const std::vector<Named> &arrays,
-               const WriteOptions &options) {
+void write_all(const std::string &path, Input &in, const WriteOptions &options) {
     const Format *f = format_of(path);
     if (!f)
         throw Failure(Exit::usage,
                       path + ": the end of the name says no format that can be written");
-    if (f->make) {
-        const std::string bytes = f->make(arrays, path, options);
-        OutputFile out(path);
-        out.write(bytes.data(), bytes.size());
-        out.commit();
-        return;
-    }
-    VelWriter writer(path, options.form, options.compress);
-    for (const Named &a : arrays) writer.put(a.name, a.value);
-    writer.commit();
+    f->write(in, path, options);
 }
 
 } // namespace vel

@@ -2,7 +2,7 @@
 #include "matrix_market.h"
 
 #include "failure.h"
-#include "files.h"
+#include "lines.h"
 #include "numbers.h"
 #include "triplets.h"
 
@@ -12,8 +12,6 @@
 
 namespace vel {
 namespace {
-
-constexpr size_t most_columns = size_t{1} << 26;
 
 enum class Field { real, integer, complex, pattern };
 enum class Symmetry { general, symmetric, skew, hermitian };
@@ -41,8 +39,8 @@ bool look_up(const std::string &word, const char *const (&names)[N], E &value) {
 
 class Parser {
 public:
-    Parser(std::string_view text, const std::string &name, bool force)
-        : rest_(text), name_(name), force_(force) {}
+    Parser(SizedSource &in, const std::string &name, bool force)
+        : lines_(in), name_(name), force_(force) {}
 
     oxArray *parse() {
         read_banner();
@@ -56,11 +54,7 @@ public:
 private:
     // --- Lines and words ---
     bool next_line() {
-        if (rest_.empty()) return false;
-        const size_t end = std::min(rest_.find('\n'), rest_.size());
-        line_ = rest_.substr(0, end);
-        rest_.remove_prefix(std::min(end + 1, rest_.size()));
-        ++number_;
+        if (!lines_.next(line_)) return false;
         skip_blanks();
         return true;
     }
@@ -105,8 +99,9 @@ private:
                 fail("text follows the last of " + std::to_string(count) + " entries");
     }
     [[noreturn]] void fail(const std::string &what) const {
-        throw Failure(Exit::data,
-                      name_ + ":" + std::to_string(std::max<size_t>(number_, 1)) + ": " + what);
+        throw Failure(Exit::data, name_ + ":" +
+                                      std::to_string(std::max<size_t>(lines_.number(), 1)) + ": " +
+                                      what);
     }
 
     // --- The head ---
@@ -142,7 +137,7 @@ private:
     void check_count(size_t count) const {
         const size_t least =
             (banner_.coordinate ? 4 : 2) + (banner_.field == Field::complex ? 2 : 0);
-        const size_t room = (rest_.size() + 1) / least;
+        const size_t room = (lines_.left() + 1) / least;
         if (count > room)
             fail("the sizes declare " + std::to_string(count) + " entries, the file has room for " +
                  std::to_string(room) + " at most");
@@ -170,10 +165,7 @@ private:
         end_line();
         check_square();
         check_count(count);
-        if (n_ >= most_columns && !force_)
-            fail(std::to_string(n_) + " columns take " +
-                 std::to_string((n_ + 1) * sizeof(kwIndex)) +
-                 " bytes for their starts alone; --force reads the file nevertheless");
+        if (too_many_columns(n_) && !force_) fail(too_many_columns_text(n_));
         Triplets t{m_, n_, banner_.field == Field::complex, banner_.field == Field::pattern, {}};
         t.entries.reserve(banner_.symmetry == Symmetry::general ? count : 2 * count);
         for (size_t k = 0; k < count; ++k) {
@@ -243,21 +235,18 @@ private:
         if (complex) oxGetPi(a)[i * m_ + j] = mirrored_imag(im);
     }
 
-    std::string_view rest_, line_;
+    Lines lines_;
+    std::string_view line_;
     const std::string &name_;
     bool force_;
     Banner banner_;
-    size_t m_ = 0, n_ = 0, number_ = 0;
+    size_t m_ = 0, n_ = 0;
 };
 
 } // namespace
 
-oxArray *parse_matrix_market(std::string_view text, const std::string &name, bool force) {
-    return Parser(text, name, force).parse();
-}
-
-oxArray *read_matrix_market(const std::string &path, bool force) {
-    return parse_matrix_market(read_file(path), path, force);
+oxArray *read_matrix_market(SizedSource &in, const std::string &name, bool force) {
+    return Parser(in, name, force).parse();
 }
 
 } // namespace vel

@@ -1,18 +1,19 @@
 // NPY: the data after the header, in any order, to and from arrays.
 #include "npy.h"
 
-#include "elements.h"
 #include "failure.h"
 #include "npy_header.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 namespace vel {
 namespace {
 
 constexpr bool little = std::endian::native == std::endian::little;
+constexpr size_t piece_bytes = size_t{64} << 10;
 
 struct Kind {
     const char *code; // kind and bytes of an element
@@ -33,28 +34,39 @@ const Kind &kind_of(const NpyHeader &h, const std::string &name) {
     throw Failure(Exit::data, name + ": elements of type '" + h.type + "' are not supported");
 }
 
-size_t checked_count(const NpyHeader &h, size_t size, size_t room, const std::string &name) {
+const Kind *kind_of(oxClassID id, bool complex) {
+    for (const Kind &k : kinds)
+        if (k.id == id && k.complex == complex) return &k;
+    return nullptr;
+}
+
+size_t checked_count(const NpyHeader &h, size_t size, const SizedSource &in,
+                     const std::string &name) {
     size_t bytes = size;
     bool large = false;
     for (size_t n : h.shape) large |= __builtin_mul_overflow(bytes, n, &bytes);
     if (std::count(h.shape.begin(), h.shape.end(), 0u)) bytes = 0, large = false;
-    if (large || bytes > room)
-        throw Failure(Exit::data, name + ": offset " + std::to_string(h.data) +
+    if (large || bytes > in.left())
+        throw Failure(Exit::data, name + ": offset " + std::to_string(in.at()) +
                                       ": the shape takes " +
                                       (large ? "more than 2^64" : std::to_string(bytes)) +
-                                      " bytes, the file has " + std::to_string(room));
+                                      " bytes, the file has " + std::to_string(in.left()));
     return bytes / size;
 }
 
 // Where the elements of a row-ordered file go, one after the other.
 class RowOrder {
 public:
-    explicit RowOrder(const std::vector<size_t> &shape) : shape_(shape), at_(shape.size()) {}
+    explicit RowOrder(const std::vector<size_t> &shape) : shape_(shape), at_(shape.size()) {
+        for (size_t d = 0, stride = 1; d < shape.size(); stride *= shape[d++])
+            strides_.push_back(stride);
+    }
     size_t next() {
-        size_t place = 0, stride = 1;
-        for (size_t d = 0; d < shape_.size(); ++d) place += at_[d] * stride, stride *= shape_[d];
+        const size_t place = place_;
         for (size_t d = shape_.size(); d-- > 0;) {
+            place_ += strides_[d];
             if (++at_[d] < shape_[d]) break;
+            place_ -= strides_[d] * shape_[d];
             at_[d] = 0;
         }
         return place;
@@ -62,81 +74,151 @@ public:
 
 private:
     const std::vector<size_t> &shape_;
-    std::vector<size_t> at_;
+    std::vector<size_t> at_, strides_;
+    size_t place_ = 0;
 };
 
-void load(char *to, const char *from, size_t size, bool swapped) {
-    std::memcpy(to, from, size);
-    if (swapped) std::reverse(to, to + size);
-}
+// The data after the header, by way of a small buffer unless they lie in the file as in memory.
+class Filler {
+public:
+    Filler(SizedSource &in, const NpyHeader &h, const Kind &kind, const std::string &name)
+        : in_(in), shape_(h.shape), kind_(kind), name_(name),
+          swapped_((h.type[0] == '>') == little) {
+        in_place_ = h.by_columns || std::count_if(h.shape.begin(), h.shape.end(),
+                                                  [](size_t n) { return n != 1; }) < 2;
+    }
 
-void fill(oxArray *a, const NpyHeader &h, const Kind &kind, std::string_view data, size_t count) {
-    const size_t size = oxGetElementSize(a), step = size * (kind.complex ? 2 : 1);
-    const bool swapped = size > 1 && (h.type[0] == '>') == little;
-    auto *re = static_cast<char *>(oxGetData(a)), *im = static_cast<char *>(oxGetImagData(a));
-    const bool in_place = h.by_columns || std::count_if(h.shape.begin(), h.shape.end(),
-                                                        [](size_t n) { return n != 1; }) < 2;
-    if (in_place && !kind.complex && !swapped) {
-        if (count > 0) std::memcpy(re, data.data(), count * size);
-    } else {
-        RowOrder order(h.shape);
-        for (size_t k = 0; k < count; ++k) {
-            const size_t to = (in_place ? k : order.next()) * size;
-            load(re + to, &data[k * step], size, swapped);
-            if (kind.complex) load(im + to, &data[k * step + size], size, swapped);
+    void fill(oxArray *a, size_t count) {
+        re_ = static_cast<char *>(oxGetData(a)), im_ = static_cast<char *>(oxGetImagData(a));
+        switch (oxGetElementSize(a)) {
+        case 1:
+            return fill<uint8_t>(count);
+        case 2:
+            return fill<uint16_t>(count);
+        case 4:
+            return fill<uint32_t>(count);
+        default:
+            return fill<uint64_t>(count);
         }
     }
-    // Any byte but zero is true there; here a logical is 0 or 1.
-    if (kind.id == oxLOGICAL_CLASS)
-        for (size_t k = 0; k < count; ++k) re[k] = re[k] != 0;
-}
+
+private:
+    template<class Word> void fill(size_t count) {
+        auto *re = reinterpret_cast<Word *>(re_), *im = reinterpret_cast<Word *>(im_);
+        if (in_place_ && !im) {
+            read(re, count * sizeof(Word));
+            arrange(re, count);
+            return;
+        }
+        RowOrder order(shape_);
+        std::vector<Word> piece(piece_bytes / sizeof(Word));
+        const size_t step = im ? 2 : 1;
+        for (size_t k = 0; k < count;) {
+            const size_t now = std::min(count - k, piece.size() / step);
+            read(piece.data(), now * step * sizeof(Word));
+            arrange(piece.data(), now * step);
+            for (size_t s = 0; s < now; ++s, ++k) {
+                const size_t to = in_place_ ? k : order.next();
+                re[to] = piece[s * step];
+                if (im) im[to] = piece[s * step + 1];
+            }
+        }
+    }
+    // Into this machine's byte order. Any byte but zero is true there; here a logical is 0 or 1.
+    template<class Word> void arrange(Word *p, size_t n) const {
+        if (kind_.id == oxLOGICAL_CLASS)
+            for (size_t k = 0; k < n; ++k) p[k] = p[k] != 0;
+        if (!swapped_ || sizeof(Word) == 1) return;
+        for (size_t k = 0; k < n; ++k) p[k] = swap(p[k]);
+    }
+    static uint8_t swap(uint8_t x) { return x; }
+    static uint16_t swap(uint16_t x) { return __builtin_bswap16(x); }
+    static uint32_t swap(uint32_t x) { return __builtin_bswap32(x); }
+    static uint64_t swap(uint64_t x) { return __builtin_bswap64(x); }
+
+    void read(void *to, size_t n) {
+        if (!in_.read(to, n))
+            throw Failure(Exit::io, name_ + ": offset " + std::to_string(in_.at()) +
+                                        ": the data cannot be read");
+    }
+
+    SizedSource &in_;
+    const std::vector<size_t> &shape_;
+    const Kind &kind_;
+    const std::string &name_;
+    bool swapped_, in_place_;
+    char *re_ = nullptr, *im_ = nullptr;
+};
 
 } // namespace
 
-oxArray *parse_npy(std::string_view bytes, const std::string &name) {
-    const NpyHeader h = parse_npy_header(bytes, name);
+oxArray *read_npy(SizedSource &in, const std::string &name) {
+    const NpyHeader h = read_npy_header(in, name);
     const Kind &kind = kind_of(h, name);
     const size_t size = oxGetElementSizeofClassID(kind.id) * (kind.complex ? 2 : 1);
-    const std::string_view data = bytes.substr(h.data);
-    const size_t count = checked_count(h, size, data.size(), name);
+    const size_t count = checked_count(h, size, in, name);
     std::vector<kwSize> dims(h.shape.begin(), h.shape.end());
     while (dims.size() < 2) dims.push_back(1);
     oxArray *a = kind.id == oxLOGICAL_CLASS
                      ? oxCreateLogicalArray(dims.size(), dims.data())
                      : oxCreateNumericArray(dims.size(), dims.data(), kind.id,
                                             kind.complex ? oxCOMPLEX : oxREAL);
-    fill(a, h, kind, data, count);
+    if (count > 0) Filler(in, h, kind, name).fill(a, count);
     return a;
 }
 
-std::string make_npy(const oxArray *a, const std::string &name) {
-    const auto kind = std::find_if(std::begin(kinds), std::end(kinds), [&](const Kind &k) {
-        return k.id == oxGetClassID(a) && k.complex == oxIsComplex(a);
-    });
-    if (kind == std::end(kinds) || oxIsSparse(a))
-        throw Failure(Exit::data, name + ": an NPY file holds no array like this: " +
-                                      (oxIsSparse(a) ? "sparse" : oxGetClassName(a)));
-    const char *order = oxGetElementSize(a) == 1 ? "|" : little ? "<" : ">";
-    const kwSize *dims = oxGetDimensions(a);
-    std::string out =
-        make_npy_header(std::string(order) + kind->code, {dims, dims + oxGetNumberOfDimensions(a)});
-    const size_t n = oxGetNumberOfElements(a), size = oxGetElementSize(a);
-    const auto *re = static_cast<const char *>(oxGetData(a));
-    if (!kind->complex) return n > 0 ? out.append(re, n * size) : out;
-    const auto *im = static_cast<const char *>(oxGetImagData(a));
-    for (size_t k = 0; k < n; ++k) out.append(re + k * size, size).append(im + k * size, size);
-    return out;
-}
-
-std::string npy_bytes(std::string_view bytes, const std::string &name) {
-    const NpyHeader h = parse_npy_header(bytes, name);
+std::string read_npy_bytes(SizedSource &in, const std::string &name) {
+    const NpyHeader h = read_npy_header(in, name);
     if (h.type.size() < 2 || h.type[1] != 'S')
         throw Failure(Exit::data, name + ": expected bytes, found type '" + h.type + "'");
-    return std::string(bytes.substr(h.data));
+    std::string text(std::min<uint64_t>(in.left(), 64), '\0'); // the words that it may be are short
+    in.read(text.data(), text.size());
+    return text;
 }
 
-std::string make_npy_bytes(std::string_view text) {
-    return make_npy_header("|S" + std::to_string(text.size()), {}) + std::string(text);
+NpyPieces::NpyPieces(const oxArray *a, const std::string &name) {
+    if (!a || oxIsSparse(a) || !kind_of(oxGetClassID(a), oxIsComplex(a)))
+        throw Failure(Exit::data, name + ": an NPY file holds no array like this: " +
+                                      (!a              ? "an empty slot"
+                                       : oxIsSparse(a) ? "sparse"
+                                                       : oxGetClassName(a)));
+    const kwSize *dims = oxGetDimensions(a);
+    begin(oxGetClassID(a), oxGetData(a), oxIsComplex(a) ? oxGetImagData(a) : nullptr,
+          {dims, dims + oxGetNumberOfDimensions(a)});
+}
+
+NpyPieces::NpyPieces(oxClassID id, const void *re, const void *im, size_t n) {
+    begin(id, re, im, {n});
+}
+
+NpyPieces::NpyPieces(std::string_view text)
+    : piece_(make_npy_header("|S" + std::to_string(text.size()), {}) + std::string(text)) {}
+
+void NpyPieces::begin(oxClassID id, const void *re, const void *im,
+                      const std::vector<size_t> &shape) {
+    re_ = static_cast<const char *>(re), im_ = static_cast<const char *>(im);
+    size_ = oxGetElementSizeofClassID(id);
+    count_ = 1;
+    for (size_t n : shape) count_ *= n;
+    const char *order = size_ == 1 ? "|" : little ? "<" : ">";
+    piece_ = make_npy_header(std::string(order) + kind_of(id, im != nullptr)->code, shape);
+}
+
+std::string_view NpyPieces::next() {
+    if (!std::exchange(header_given_, true)) return piece_;
+    const size_t left = count_ - done_, first = done_ * size_;
+    if (!im_) {
+        done_ = count_;
+        return {re_ + first, left * size_};
+    }
+    const size_t now = std::min(left, piece_bytes / (2 * size_));
+    piece_.resize(now * 2 * size_);
+    for (size_t k = 0; k < now; ++k) {
+        std::memcpy(&piece_[2 * k * size_], re_ + first + k * size_, size_);
+        std::memcpy(&piece_[(2 * k + 1) * size_], im_ + first + k * size_, size_);
+    }
+    done_ += now;
+    return piece_;
 }
 
 } // namespace vel

@@ -4,6 +4,8 @@
 #include "failure.h"
 
 #include <charconv>
+#include <cstring>
+#include <string_view>
 
 namespace vel {
 namespace {
@@ -12,7 +14,7 @@ constexpr std::string_view magic = "\x93NUMPY";
 
 class Literal {
 public:
-    Literal(std::string_view text, size_t offset, const std::string &name)
+    Literal(std::string_view text, uint64_t offset, const std::string &name)
         : whole_(text), rest_(text), offset_(offset), name_(name) {}
 
     void parse(NpyHeader &h) {
@@ -86,30 +88,32 @@ private:
     }
 
     std::string_view whole_, rest_;
-    size_t offset_;
+    uint64_t offset_;
     const std::string &name_;
 };
 
 } // namespace
 
-NpyHeader parse_npy_header(std::string_view bytes, const std::string &name) {
-    const auto byte = [&](size_t k) { return static_cast<unsigned char>(bytes[k]); };
-    if (!bytes.starts_with(magic) || bytes.size() < 12)
+NpyHeader read_npy_header(SizedSource &in, const std::string &name) {
+    unsigned char start[12] = {};
+    if (!in.read(start, 8) || std::memcmp(start, magic.data(), magic.size()) != 0)
         throw Failure(Exit::data, name + ": offset 0: this is no NPY file");
-    const unsigned version = byte(6);
+    const unsigned version = start[6];
     if (version < 1 || version > 3)
         throw Failure(Exit::data, name + ": offset 6: expected version 1 to 3, found " +
                                       std::to_string(version));
-    const size_t start = version == 1 ? 10 : 12;
-    size_t length = byte(8) | static_cast<size_t>(byte(9)) << 8;
-    if (version > 1)
-        length |= static_cast<size_t>(byte(10)) << 16 | static_cast<size_t>(byte(11)) << 24;
-    if (length > bytes.size() - start)
+    const size_t width = version == 1 ? 2 : 4;
+    const bool good = in.read(start + 8, width);
+    size_t length = 0;
+    for (size_t k = width; k-- > 0;) length = length << 8 | start[8 + k];
+    if (!good || length > in.left())
         throw Failure(Exit::data, name + ": offset 8: a header of " + std::to_string(length) +
-                                      " bytes, the file has " + std::to_string(bytes.size()));
+                                      " bytes, the file has " + std::to_string(in.size()));
+    const uint64_t offset = in.at();
+    std::string text(length, '\0');
+    in.read(text.data(), length);
     NpyHeader h;
-    h.data = start + length;
-    Literal(bytes.substr(start, length), start, name).parse(h);
+    Literal(text, offset, name).parse(h);
     return h;
 }
 

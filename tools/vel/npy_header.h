@@ -1,8 +1,8 @@
 // The header of an NPY file.
 #pragma once
-#include <cstdint>
+#include "source.h"
+
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace vel {
@@ -11,10 +11,11 @@ struct NpyHeader {
     std::string type; // as written: "<f8"
     bool by_columns = false;
     std::vector<size_t> shape;
-    size_t data = 0; // offset of the data
 };
 
-NpyHeader parse_npy_header(std::string_view bytes, const std::string &name);
+// Leaves the source at the data. Throws Failure with the offset.
+NpyHeader read_npy_header(SizedSource &in, const std::string &name);
+// Of version 1.0, by columns.
 std::string make_npy_header(const std::string &type, const std::vector<size_t> &shape);
 
 } // namespace vel

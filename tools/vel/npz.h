@@ -6,7 +6,7 @@ namespace vel {
 
 // One variable a member. The members that a sparse matrix is saved as (format csc or csr) are read
 // as one sparse array named "sparse"; one sparse array alone is written that way.
-std::vector<Named> read_npz(const std::string &path);
-std::string make_npz(const std::vector<Named> &arrays, const std::string &path, bool compress);
+std::unique_ptr<Input> open_npz(const std::string &path, bool force);
+void write_npz(Input &in, const std::string &path, bool compress);
 
 } // namespace vel

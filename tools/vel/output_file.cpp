@@ -2,6 +2,7 @@
 #include "output_file.h"
 
 #include "failure.h"
+#include "progress.h"
 
 #include <cerrno>
 #include <csignal>
@@ -31,6 +32,23 @@ void watch(const std::string &name) {
         if (std::signal(s, interrupted) == SIG_IGN) std::signal(s, SIG_IGN);
 }
 
+// Keeps the signals back that would be handled.
+class Uninterrupted {
+public:
+    Uninterrupted() {
+        sigset_t kept;
+        sigemptyset(&kept);
+        for (const int s : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&kept, s);
+        pthread_sigmask(SIG_BLOCK, &kept, &before_);
+    }
+    Uninterrupted(const Uninterrupted &) = delete;
+    Uninterrupted &operator=(const Uninterrupted &) = delete;
+    ~Uninterrupted() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+private:
+    sigset_t before_;
+};
+
 // What a file made by fopen would be: mkstemp makes it readable for its owner only.
 void give_usual_mode(int fd) {
     const mode_t mask = umask(0);
@@ -41,16 +59,18 @@ void give_usual_mode(int fd) {
 } // namespace
 
 OutputFile::OutputFile(const std::string &path) : path_(path), temporary_(path + ".XXXXXX") {
+    const Uninterrupted between; // the file and the note that it must go
     const int fd = mkstemp(temporary_.data());
     if (fd < 0) fail("cannot be written");
     watch(temporary_);
     give_usual_mode(fd);
     file_ = fdopen(fd, "wb+");
+    watch_output(fd);
 }
 
 OutputFile::~OutputFile() {
     if (file_) {
-        fclose(file_);
+        close();
         unlink(temporary_.c_str());
     }
     is_unfinished = 0;
@@ -64,6 +84,11 @@ void OutputFile::commit() {
     if (fflush(file_) != 0 || ferror(file_)) fail("cannot be written");
     if (std::rename(temporary_.c_str(), path_.c_str()) != 0) fail("cannot be put into place");
     is_unfinished = 0;
+    close();
+}
+
+void OutputFile::close() {
+    forget(fileno(file_));
     fclose(file_);
     file_ = nullptr;
 }

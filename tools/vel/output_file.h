@@ -19,6 +19,7 @@ public:
     void commit(); // gives the file its name
 
 private:
+    void close();
     [[noreturn]] void fail(const std::string &what) const;
 
     std::string path_, temporary_;

@@ -1,9 +1,11 @@
-// Bytes to walk over: those of a file, or what a compressed element of it holds.
+// Bytes to go over once: those of a file, of memory, or what a compressed element holds.
 #pragma once
 #include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <ox.h>
+#include <string>
+#include <string_view>
 
 namespace vel {
 
@@ -28,17 +30,43 @@ private:
     }
 };
 
-class FileSource : public Source {
+// One whose end is known.
+class SizedSource : public Source {
+public:
+    explicit SizedSource(uint64_t size) : size_(size) {}
+    uint64_t size() const { return size_; }
+    uint64_t left() const { return size_ - at_; }
+    bool inflated() const override { return false; }
+    virtual void rewind() = 0;
+
+private:
+    uint64_t size_;
+};
+
+class FileSource : public SizedSource {
 public:
     FileSource(FILE *f, uint64_t size, uint64_t offset);
-    bool inflated() const override { return false; }
+    void rewind() override;
 
 private:
     bool take(void *to, size_t n) override;
     bool pass(uint64_t n) override;
     FILE *file_;
-    uint64_t size_;
 };
+
+class MemorySource : public SizedSource {
+public:
+    explicit MemorySource(std::string_view bytes) : SizedSource(bytes.size()), bytes_(bytes) {}
+    void rewind() override { at_ = 0; }
+
+private:
+    bool take(void *to, size_t n) override;
+    bool pass(uint64_t n) override { return n <= left(); }
+    std::string_view bytes_;
+};
+
+// A whole file; what is no regular file, such as a pipe, is read into memory first. Throws Failure.
+std::unique_ptr<SizedSource> open_source(const std::string &path);
 
 class InflatedSource : public Source {
 public:

@@ -35,6 +35,11 @@ Triplet *summed(Triplet *first, Triplet *last) {
 
 } // namespace
 
+std::string too_many_columns_text(size_t n) {
+    return std::to_string(n) + " columns take " + std::to_string((n + 1) * sizeof(kwIndex)) +
+           " bytes for their starts alone; --force reads the file nevertheless";
+}
+
 oxArray *make_sparse(Triplets t) {
     std::vector<size_t> start;
     std::vector<Triplet> e = by_columns(t, start);

@@ -1,12 +1,9 @@
 // Walking the elements of a VEL file by their tags.
 #include "walk.h"
 
-#include "failure.h"
 #include "tags.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 namespace vel {
 namespace {
@@ -227,17 +224,8 @@ std::string Fault::sentence() const {
            (path.empty() ? "" : ", " + path) + ": " + what;
 }
 
-InputFile::InputFile(const std::string &path) : file_(fopen(path.c_str(), "rb")) {
-    if (!file_ || oiFseek64(file_, 0, SEEK_END) != 0)
-        throw Failure(Exit::io, path + ": cannot be read: " + std::strerror(errno));
-    size_ = static_cast<uint64_t>(std::max<int64_t>(oiFtell64(file_), 0));
-    rewind(file_);
-}
-
-InputFile::~InputFile() { fclose(file_); }
-
 Walker::Walker(const InputFile &in, Form form, const Limits &limits)
-    : in_(in), form_(form), limits_(limits) {}
+    : in_(in), form_(form), limits_(limits), next_(form.header_size()) {}
 
 bool Walker::next(Variable &v) {
     v = {};

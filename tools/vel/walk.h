@@ -1,6 +1,7 @@
 // Walking the elements of a VEL file by their tags, without the library's reader: where things lie,
 // and the first thing that is wrong.
 #pragma once
+#include "input_file.h"
 #include "vel_header.h"
 
 #include <cstdint>
@@ -36,20 +37,6 @@ struct Limits {
     size_t depth = 2000;           // of nesting
 };
 
-class InputFile {
-public:
-    explicit InputFile(const std::string &path); // throws Failure
-    InputFile(const InputFile &) = delete;
-    InputFile &operator=(const InputFile &) = delete;
-    ~InputFile();
-    FILE *file() const { return file_; }
-    uint64_t size() const { return size_; }
-
-private:
-    FILE *file_;
-    uint64_t size_ = 0;
-};
-
 using Visit = std::function<void(const Variable &)>;
 
 // Goes from element to element. Both steps read headers only and are quick for files of any size;
@@ -66,7 +53,7 @@ private:
     const InputFile &in_;
     Form form_;
     Limits limits_;
-    uint64_t next_ = header_size;
+    uint64_t next_;
 };
 
 } // namespace vel

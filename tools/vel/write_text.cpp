@@ -3,6 +3,7 @@
 
 #include "elements.h"
 #include "failure.h"
+#include "output_file.h"
 
 #include <charconv>
 #include <cmath>
@@ -10,6 +11,27 @@
 
 namespace vel {
 namespace {
+
+constexpr size_t piece = size_t{64} << 10;
+
+// Text on its way to a file.
+class Text {
+public:
+    explicit Text(const std::string &path) : out_(path) {}
+    void flush(size_t at_least) {
+        if (text.size() < at_least) return;
+        out_.write(text.data(), text.size());
+        text.clear();
+    }
+    void commit() {
+        flush(1);
+        out_.commit();
+    }
+    std::string text;
+
+private:
+    OutputFile out_;
+};
 
 template<class T> void append(std::string &out, T x) {
     if constexpr (std::is_same_v<T, bool>) {
@@ -51,51 +73,53 @@ const char *field_of(const oxArray *a) {
     return oxIsDouble(a) || oxIsSingle(a) ? "real" : "integer";
 }
 
-void append_coordinates(std::string &out, const oxArray *a) {
+void append_coordinates(Text &out, const oxArray *a) {
     const kwIndex *ir = oxGetIr(a), *jc = oxGetJc(a);
     visit_elements(a, [&](auto e) {
         for (size_t j = 0; j < oxGetN(a); ++j)
-            for (size_t k = jc[j]; k < jc[j + 1]; ++k) {
-                append(out, ir[k] + 1), out += ' ', append(out, j + 1);
+            for (size_t k = jc[j]; k < jc[j + 1]; ++k, out.flush(piece)) {
+                append(out.text, ir[k] + 1), out.text += ' ', append(out.text, j + 1);
                 if (oxIsLogical(a))
-                    out += '\n';
+                    out.text += '\n';
                 else
-                    out += ' ', append_value(out, e, k);
+                    out.text += ' ', append_value(out.text, e, k);
             }
     });
 }
 
 } // namespace
 
-std::string make_csv(const oxArray *a, char separator, const std::string &name) {
-    check_matrix(a, name, false, "such a");
-    if (oxIsSparse(a)) throw Failure(Exit::data, name + ": such a file holds full matrices only");
+void write_csv(const oxArray *a, char separator, const std::string &path) {
+    check_matrix(a, path, false, "such a");
+    if (oxIsSparse(a)) throw Failure(Exit::data, path + ": such a file holds full matrices only");
     const size_t m = oxGetM(a), n = oxGetN(a);
-    std::string out;
+    Text out(path);
     visit_elements(a, [&](auto e) {
-        for (size_t i = 0; i < m; ++i)
+        for (size_t i = 0; i < m; ++i, out.flush(piece))
             for (size_t j = 0; j < n; ++j)
-                append(out, e.re[j * m + i]), out += j + 1 < n ? separator : '\n';
+                append(out.text, e.re[j * m + i]), out.text += j + 1 < n ? separator : '\n';
     });
-    return out;
+    out.commit();
 }
 
-std::string make_matrix_market(const oxArray *a, const std::string &name) {
-    check_matrix(a, name, true, "a Matrix Market");
+void write_matrix_market(const oxArray *a, const std::string &path) {
+    check_matrix(a, path, true, "a Matrix Market");
     const bool sparse = oxIsSparse(a);
-    std::string out = std::string("%%MatrixMarket matrix ") + (sparse ? "coordinate " : "array ") +
-                      field_of(a) + " general\n" + std::to_string(oxGetM(a)) + " " +
-                      std::to_string(oxGetN(a));
+    Text out(path);
+    out.text = std::string("%%MatrixMarket matrix ") + (sparse ? "coordinate " : "array ") +
+               field_of(a) + " general\n" + std::to_string(oxGetM(a)) + " " +
+               std::to_string(oxGetN(a));
     if (sparse) {
-        out += " " + std::to_string(oxGetNumNonZeroEl(a)) + "\n";
+        out.text += " " + std::to_string(oxGetNumNonZeroEl(a)) + "\n";
         append_coordinates(out, a);
-        return out;
+    } else {
+        out.text += '\n';
+        visit_elements(a, [&](auto e) {
+            for (size_t k = 0; k < oxGetNumberOfElements(a); ++k, out.flush(piece))
+                append_value(out.text, e, k);
+        });
     }
-    out += '\n';
-    visit_elements(a, [&](auto e) {
-        for (size_t k = 0; k < oxGetNumberOfElements(a); ++k) append_value(out, e, k);
-    });
-    return out;
+    out.commit();
 }
 
 } // namespace vel
