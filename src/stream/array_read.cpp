@@ -14,12 +14,12 @@ namespace {
 
 // A container whose elements are being read. Slots are attached when they are complete.
 struct ReadFrame {
-    oxArray *a; // null for opaque arrays, which are made from their contents
-    oxArray **slots;
-    kwSize next, count, room;
-    kwSize limit; // of the enclosing array
-    kwSize end;   // where the element ends
-    bool discards;
+    oxArray *a = nullptr; // null for opaque arrays, which are made from their contents
+    oxArray **slots = nullptr;
+    kwSize next = 0, count = 0, room = 0;
+    kwSize limit = 0; // of the enclosing array
+    kwSize end = 0;   // where the element ends
+    bool discards = false;
     char class_name[name_limit + 1];
 };
 
@@ -43,6 +43,7 @@ private:
     int32_t read_header(char *name, oxArray **out);
     int32_t read_element(kwSize end, char *name, oxArray **out);
     int32_t read_plain(const PlainMatrix &p, char *name, oxArray **out);
+    bool next_is_plain(PlainMatrix *p);
     int32_t read_contents(const ArrayHead &head, kwSize end, ArrayGuard &a);
     int32_t open_frame(const ArrayHead &head, kwSize end, ArrayGuard &a);
     int32_t open_opaque(kwSize end);
@@ -155,10 +156,6 @@ oxArray *make_array(const ArrayHead &head) {
 // An array whose data begin here and end at `end`: *out when it is complete, or a frame.
 int32_t ArrayReader::read_element(kwSize end, char *name, oxArray **out) {
     *out = nullptr;
-    PlainMatrix plain;
-    const unsigned char *start =
-        is_plain_form(in_.form()) ? in_.peek(PlainMatrix::head_bytes) : nullptr;
-    if (start && recognise_plain(start, in_.left(), &plain)) return read_plain(plain, name, out);
     ArrayHead head;
     if (const int32_t status = read_head(&head, name)) return status;
     if (!head.file_class.known) {
@@ -182,10 +179,16 @@ int32_t ArrayReader::read_plain(const PlainMatrix &p, char *name, oxArray **out)
     ArrayGuard a(make_header(p.id(), p.rows(), p.columns()));
     if (!a) return oiREFUSED;
     const kwSize n = p.data_bytes();
-    const int32_t status = read_block(in_, n, n, 1, &a->num.pdata, [&](void *dst, kwSize k) {
-        return in_.take_raw(dst, k) ? oiSUCCESS : oiSHORT_READ;
-    });
-    if (status != oiSUCCESS) return status;
+    if (in_.backed()) {
+        a->num.pdata = oxMallocEx(n);
+        if (!a->num.pdata) return oiREFUSED;
+        if (!in_.take_raw(a->num.pdata, n)) return oiSHORT_READ;
+    } else {
+        const int32_t status = read_block(in_, n, n, 1, &a->num.pdata, [&](void *dst, kwSize k) {
+            return in_.take_raw(dst, k) ? oiSUCCESS : oiSHORT_READ;
+        });
+        if (status != oiSUCCESS) return status;
+    }
     if (p.id() == oxDOUBLE_CLASS && p.rows() == 1 && p.columns() == 1)
         a->set_flag(oxFLAG_SCALAR_DOUBLE, true);
     *out = a.release();
@@ -223,7 +226,7 @@ int32_t ArrayReader::open_frame(const ArrayHead &head, kwSize end, ArrayGuard &a
     }
     if (count == 0) return oiSUCCESS;
     if (count > in_.left() / in_.form().tag_size()) return oiSHORT_READ;
-    ReadFrame frame{};
+    ReadFrame frame;
     frame.count = count;
     frame.end = end;
     frame.discards = a->class_code == oxFUNCTION_CLASS;
@@ -233,15 +236,34 @@ int32_t ArrayReader::open_frame(const ArrayHead &head, kwSize end, ArrayGuard &a
 }
 
 int32_t ArrayReader::open_opaque(kwSize end) {
-    ReadFrame frame{};
+    ReadFrame frame;
     if (const int32_t status = read_name(in_, frame.class_name)) return status;
     frame.count = 1;
     frame.end = end;
     return frames_.push(frame) ? oiSUCCESS : oiREFUSED;
 }
 
+// Whether the next element is a plain matrix that fits; then its tag is passed.
+bool ArrayReader::next_is_plain(PlainMatrix *p) {
+    constexpr kwSize tag_size = 8;
+    if (!is_plain_form(in_.form())) return false;
+    const unsigned char *tag = in_.peek(tag_size + PlainMatrix::head_bytes);
+    if (!tag || load<uint32_t>(tag) != oiMATRIX) return false;
+    const kwSize n = load<uint32_t>(tag + 4);
+    if (n > in_.left() - tag_size || !recognise_plain(tag + tag_size, n, p)) return false;
+    return in_.pass(tag_size);
+}
+
 // The next element of the innermost container: stored, or itself a container that is now open.
 int32_t ArrayReader::next_nested() {
+    PlainMatrix plain;
+    if (frames_.size() < oiNESTING_LIMIT && next_is_plain(&plain)) {
+        oxArray *a;
+        if (const int32_t status = read_plain(plain, nullptr, &a)) return status;
+        const bool passed = in_.pass(padding(plain.data_bytes()));
+        const int32_t status = store(a);
+        return passed ? status : oiSHORT_READ;
+    }
     SubElement e;
     if (const int32_t status = in_.open(&e)) return status;
     if (e.type != oiMATRIX || e.small) return oiBAD_ELEMENT;
@@ -316,6 +338,10 @@ void ArrayReader::drop_frame() {
 // --- The whole ---------------------------------------------------------------------------------
 
 int32_t ArrayReader::read_tree(char *name, oxArray **out) {
+    PlainMatrix plain;
+    const unsigned char *start =
+        is_plain_form(in_.form()) ? in_.peek(PlainMatrix::head_bytes) : nullptr;
+    if (start && recognise_plain(start, in_.left(), &plain)) return read_plain(plain, name, out);
     int32_t status = read_element(in_.limit(), name, out);
     if (frames_.size() > 0) frames_.top().limit = in_.limit();
     while (status == oiSUCCESS && frames_.size() > 0) {

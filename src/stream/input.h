@@ -39,7 +39,7 @@ public:
     kwSize limit() const { return limit_; }
     void set_limit(kwSize position) { limit_ = position; }
     kwSize left() const { return limit_ - position(); }
-    bool skip_to(kwSize position) { return skip(position - this->position()); }
+    bool skip_to(kwSize position) { return pass(position - this->position()); }
 
     // The next tag; statuses.
     int32_t open(SubElement *e);
@@ -52,8 +52,16 @@ public:
     const unsigned char *peek(kwSize n) {
         return left() >= n && (available() >= n || fetch(n)) ? cursor_ : nullptr;
     }
-    bool take_raw(void *dst, kwSize n) { return read(static_cast<unsigned char *>(dst), n); }
-    bool pass(kwSize n) { return skip(n); }
+    bool take_raw(void *dst, kwSize n) {
+        if (n > available()) return read(static_cast<unsigned char *>(dst), n);
+        std::memcpy(dst, cursor_, n);
+        return pass(n);
+    }
+    bool pass(kwSize n) {
+        if (n > available()) return skip(n);
+        cursor_ += n;
+        return true;
+    }
     // The rest of the data where they lie, if they lie together; otherwise null.
     const unsigned char *view(SubElement &e);
     // Passes the rest of the data and the padding.

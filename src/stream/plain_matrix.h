@@ -47,10 +47,13 @@ inline bool describe_plain(const oxArray *a, EncodeOptions options, PlainMatrix 
 // Whether the `bytes` of an element's data begin with such a head that is right in every word and
 // describes just as many; everything else is left to the full reading.
 inline bool recognise_plain(const unsigned char *head, kwSize bytes, PlainMatrix *p) {
+    constexpr uint32_t flags[2] = {oiUINT32, 8}, dims[2] = {oiINT32, 8};
+    if (load<uint64_t>(head) != load<uint64_t>(flags) ||
+        load<uint64_t>(head + 16) != load<uint64_t>(dims))
+        return false;
     std::memcpy(p->words, head, sizeof p->words);
     const uint32_t *w = p->words;
-    if (w[0] != oiUINT32 || w[1] != 8 || w[2] < oxDOUBLE_CLASS || w[2] > oxUINT64_CLASS ||
-        w[3] != 0 || w[4] != oiINT32 || w[5] != 8 || (w[8] & 0xFFFF) != oiINT8 ||
+    if (w[2] < oxDOUBLE_CLASS || w[2] > oxUINT64_CLASS || w[3] != 0 || (w[8] & 0xFFFF) != oiINT8 ||
         w[10] != natural_type(p->id()) || w[11] == 0)
         return false;
     if (p->name_length() == 0 ? w[9] != 0 : p->name_length() > 4) return false;
