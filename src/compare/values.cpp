@@ -16,21 +16,6 @@ template<class T> constexpr bool is_wide = std::is_integral_v<T> && sizeof(T) ==
 // The value that a rounded 64-bit integer reaches although its class does not hold it.
 template<class T> constexpr double beyond = std::is_signed_v<T> ? 0x1p63 : 0x1p64;
 
-// bad collects without branching, so that a block compares at the speed of reading it.
-template<class T> bool equal_floats(const T *a, const T *b, kwSize n, bool nan_equal) {
-    for (kwSize i = 0; i < n; i += block) {
-        const kwSize end = std::min(n, i + block);
-        unsigned bad = 0;
-        if (nan_equal)
-            for (kwSize k = i; k < end; ++k)
-                bad |= !((a[k] == b[k]) | ((a[k] != a[k]) & (b[k] != b[k])));
-        else
-            for (kwSize k = i; k < end; ++k) bad |= !(a[k] == b[k]);
-        if (bad) return false;
-    }
-    return true;
-}
-
 // A negative number equals no unsigned one; all others have the same bits.
 bool equal_signed_unsigned(const void *a, const void *b, kwSize n) {
     const auto *s = static_cast<const int64_t *>(a);
@@ -57,18 +42,28 @@ ReadBlock block_reader(int id) {
         []<class T>(std::type_identity<T>) -> ReadBlock { return read_block<Stored<T>>; });
 }
 
+bool wide_class(int id) { return id == oxINT64_CLASS || id == oxUINT64_CLASS; }
+
+// Of two classes the higher is read into doubles: whole where it is double, else by blocks.
+int reading_order(int id) { return wide_class(id) ? 2 : id == oxDOUBLE_CLASS; }
+
 bool equal_mixed(int class_a, const void *a, int class_b, const void *b, kwSize n, bool nan_equal) {
-    const ReadBlock read_a = block_reader(class_a), read_b = block_reader(class_b);
-    double x[block], y[block];
+    if (reading_order(class_a) < reading_order(class_b)) {
+        std::swap(class_a, class_b);
+        std::swap(a, b);
+    }
+    const EqualKernel equal = equal_to_doubles(class_b);
+    if (class_a == oxDOUBLE_CLASS) return equal(a, b, n, nan_equal);
+    const ReadBlock read = block_reader(class_a);
+    const kwSize size = class_info(class_b).element_size;
+    double x[block];
     for (kwSize i = 0; i < n; i += block) {
         const kwSize count = std::min(block, n - i);
-        if (!read_a(x, a, i, count) || !read_b(y, b, i, count)) return false;
-        if (!equal_floats(x, y, count, nan_equal)) return false;
+        if (!read(x, a, i, count)) return false;
+        if (!equal(x, static_cast<const char *>(b) + i * size, count, nan_equal)) return false;
     }
     return true;
 }
-
-bool wide_class(int id) { return id == oxINT64_CLASS || id == oxUINT64_CLASS; }
 
 template<class T> Element read_element(const void *values, kwSize k) {
     const T v = static_cast<const T *>(values)[k];
@@ -102,12 +97,8 @@ bool equal_runs(int class_a, const void *a, int class_b, const void *b, kwSize n
         if (wide_class(class_a) && wide_class(class_b)) return equal_signed_unsigned(a, b, n);
         return equal_mixed(class_a, a, class_b, b, n, nan_equal);
     }
-    if (class_a == oxDOUBLE_CLASS)
-        return equal_floats(static_cast<const double *>(a), static_cast<const double *>(b), n,
-                            nan_equal);
-    if (class_a == oxSINGLE_CLASS)
-        return equal_floats(static_cast<const float *>(a), static_cast<const float *>(b), n,
-                            nan_equal);
+    if (class_a == oxDOUBLE_CLASS) return equal_to_doubles(class_a)(a, b, n, nan_equal);
+    if (class_a == oxSINGLE_CLASS) return equal_singles()(a, b, n, nan_equal);
     return a == b || std::memcmp(a, b, n * class_info(class_a).element_size) == 0;
 }
 

@@ -27,6 +27,12 @@ using ReadElement = Element (*)(const void *values, kwSize k);
 ReadElement element_reader(int id);
 bool equal_elements(const Element &x, const Element &y, bool nan_equal);
 
+// Whether n elements of two runs are equal, the first of doubles and the second of a class whose
+// values a double holds exactly (null for others), or both of singles.
+using EqualKernel = bool (*)(const void *a, const void *b, kwSize n, bool nan_equal);
+EqualKernel equal_to_doubles(int class_b);
+EqualKernel equal_singles();
+
 // Whether elements 0 to n-1 of two runs, of any of those classes, are equal. Logical values of one
 // class compare as stored bytes.
 bool equal_runs(int class_a, const void *a, int class_b, const void *b, kwSize n, bool nan_equal);

@@ -126,13 +126,21 @@ TEST_F(EqualTest, ObjectsKeepFieldOrderAndClassName) {
 // The element rule, one element at a time, for every pair of classes.
 TEST_F(EqualTest, RandomPairsAgreeWithElementwiseComparison) {
     Random random(20);
-    const oxClassID classes[] = {oxDOUBLE_CLASS, oxSINGLE_CLASS, oxINT8_CLASS, oxUINT16_CLASS,
-                                 oxINT64_CLASS,  oxUINT64_CLASS, oxCHAR_CLASS, oxLOGICAL_CLASS};
+    const std::pair<oxClassID, double> classes[] = {
+        // with their largest value below 2^33
+        {oxDOUBLE_CLASS, 0x1p32},    {oxSINGLE_CLASS, 0x1p32},     {oxINT8_CLASS, 127},
+        {oxUINT8_CLASS, 255},        {oxINT16_CLASS, 32767},       {oxUINT16_CLASS, 65535},
+        {oxINT32_CLASS, 0x7fffff80}, {oxUINT32_CLASS, 0xffffff00}, {oxINT64_CLASS, 0x1p32},
+        {oxUINT64_CLASS, 0x1p32},    {oxCHAR_CLASS, 65535},        {oxLOGICAL_CLASS, 1}};
     for (int round = 0; round < 400; ++round) {
-        const oxClassID ca = random.pick(classes), cb = random.pick(classes);
+        const auto [ca, most_a] = random.pick(classes);
+        const auto [cb, most_b] = random.pick(classes);
         const kwSize n = random.below(1500) + 1, changed = random.below(n);
-        oxArray *a = oxMustBe(oxCreateDoubleMatrix(1, n, oxREAL), ca);
-        oxArray *b = oxMustBe(oxCreateDoubleMatrix(1, n, oxREAL), cb);
+        oxArray *a = oxCreateDoubleMatrix(1, n, oxREAL), *b;
+        for (kwSize k = 0; k < n; ++k)
+            oxGetPr(a)[k] = k % 3 == changed % 3 ? 0 : std::min(most_a, most_b);
+        b = oxMustBe(oxDuplicateArray(a), cb);
+        a = oxMustBe(a, ca);
         ASSERT_TRUE(equal(a, b)) << n;
         if (ca == oxDOUBLE_CLASS)
             oxGetPr(a)[changed] = 1;
