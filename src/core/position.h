@@ -7,9 +7,6 @@ namespace ox {
 // The most elements, and the most bytes, of one array; also the largest position.
 inline constexpr kwSize max_size = (kwSize{1} << 48) - 1;
 
-constexpr kwSize saturating_add(kwSize a, kwSize b) {
-    return a > max_size || b > max_size - a ? max_size : a + b;
-}
 constexpr kwSize saturating_multiply(kwSize a, kwSize b) {
     return a != 0 && b > max_size / a ? max_size : a * b;
 }

@@ -1,13 +1,6 @@
 // Assignment: growth, shapes, conversion, what is shared and what an error leaves.
 #include "subs.h"
 
-#include <support/expect.h>
-#include <support/fake_layer.h>
-#include <support/faults.h>
-#include <support/host.h>
-
-using namespace ox::test;
-
 namespace {
 
 class Assign : public HostTest {};
@@ -19,19 +12,11 @@ TEST_F(Assign, GrowsAndConverts) {
         const char *rhs, *result;
     } rows[] = {
         {"1x3: 1 2 3", {"1x3: 2 2 2"}, "1x3: 7 8 9", "double 1x3: 1 9 3"}, // the last one wins
-        {"2x2: 1 2; 3 4", {"1", "1", "2"}, "1x1: 9", "double 2x2x2: 1 2; 3 4 | 9 0; 0 0"},
-        {"2x1: 5; 6", {"3"}, "1x1: 9", "double 3x1: 5; 6; 9"},
         {"2x2: 1 2; 3 4", {"7"}, "1x1: 9", "double 2x4: 1 2 0 9; 3 4 0 0"},
-        {"0x1", {"2"}, "1x1: 9", "double 2x1: 0; 9"},
         {"0x3", {"2"}, "1x1: 9", "double 1x2: 0 9"},
         {"0x0", {"1x2: 2 4"}, "2x1: 5; 6", "double 4x1: 0; 5; 0; 6"},
-        {"0x0", {":", "2"}, "3x1: 1; 2; 3", "double 3x2: 0 1; 0 2; 0 3"},
-        {"0x0", {"1", ":"}, "3x1: 1; 2; 3", "double 1x3: 1 2 3"},
         {"0x0", {":", ":", "2"}, "1x3: 1 1 1", "double 1x3x2: 0 0 0 | 1 1 1"},
         {"2x2: 1 2; 3 4", {"logical 2x2: 0 0; 0 0", "5"}, "1x1: 9", "double 2x2: 1 2; 3 4"},
-        {"0x3", {":", "7"}, "1x1: 9", "double 0x3"},
-        {"1x2: 1 2", {"2"}, "char 1x1: 'a'", "double 1x2: 1 97"},
-        {"logical 1x2: 1 0", {"2"}, "1x1: 7", "logical 1x2: 1 1"},
         {"1x2: 1+1i 2", {"1"}, "1x1: 3", "double 1x2: 3 2"}, // the last imaginary part went
         {"1x2: 1 2", {":"}, "sparse double 1x2: (0,1)=5", "double 1x2: 0 5"},
         {"cell 1x1: {1}", {"0x0"}, "0x0", "cell 1x1: {double 1x1: 1}"},
@@ -62,7 +47,6 @@ TEST_F(Assign, ErrorsLeaveTheTargetAlone) {
         const char *rhs, *id, *text;
     } rows[] = {
         // clang-format off
-        {"2x3: 1 2 3; 4 5 6", {"1:1:2", "1:1:3"}, "3x2: 1 2; 3 4; 5 6", shapes, mismatch},
         {"2x2: 1 2; 3 4", {":"}, "1x5: 1 2 3 4 5", "VELTRO:subsassignnumelmismatch",
          "In an assignment  A(:) = B, the number of elements in A and B\nmust be the same."},
         {"1x1x2: 1 | 2", {"3"}, "1x1: 1", "VELTRO:indexed_matrix_cannot_be_resized",
@@ -87,56 +71,40 @@ TEST_F(Assign, ErrorsLeaveTheTargetAlone) {
 }
 
 TEST_F(Assign, TakesTheClassOfWhatIsAssignedWhenItHasNone) {
-    oxArray *unknown = oxCreateCellMatrix(0, 0);
-    oxReInitArray2Type(unknown, oxUNKNOWN_CLASS);
     const kwSize none[2] = {0, 0};
-    oxSetDimensions(unknown, none, 2);
-    oxArray *bracket = sub("0x3");
-    oxSetEmptySqrBrktFlag(bracket, true);
-    EXPECT_EQ(text(assign(unknown, subs({"2"}), sub("cell 1x1: {7}"))),
-              "cell 1x2: {} {double 1x1: 7}");
-    EXPECT_EQ(text(assign(bracket, subs({"2", "1"}), sub("int8 1x1: 7"))),
-              "int8 2x3: 0 0 0; 7 0 0");
-    EXPECT_FALSE(bracket->has_flag(oxFLAG_EMPTY_BRACKET));
+    const auto into = [&](oxArray *a, bool unknown, const std::vector<std::string> &at,
+                          const char *rhs, const char *result) {
+        oxSetEmptySqrBrktFlag(a, !unknown);
+        if (unknown) oxReInitArray2Type(a, oxUNKNOWN_CLASS), oxSetDimensions(a, none, 2);
+        EXPECT_EQ(text(assign(a, subs(at), sub(rhs))), result);
+        EXPECT_FALSE(a->has_flag(oxFLAG_EMPTY_BRACKET));
+    };
+    into(sub("0x0"), true, {"2"}, "cell 1x1: {7}", "cell 1x2: {} {double 1x1: 7}");
+    into(sub("0x3"), false, {"2", "1"}, "int8 1x1: 7", "int8 2x3: 0 0 0; 7 0 0");
+    into(sub("0x0"), false, {":"}, "sparse double 1x2: (0,1)=3", "double 1x2: 0 3");
     EXPECT_EQ(text(assign(sub("0x0"), subs({"2"}), sub("int8 1x1: 7"))), "double 1x2: 0 7");
-    oxArray *fields = sub("struct 0x0");
-    EXPECT_EQ(text(assign(fields, subs({"2"}), sub("struct 1x1 a: {7}"))),
+    EXPECT_EQ(text(assign(sub("struct 0x0"), subs({"2"}), sub("struct 1x1 a: {7}"))),
               "struct 1x2 a: {} {double 1x1: 7}");
-    oxArray *full = sub("0x0");
-    oxSetEmptySqrBrktFlag(full, true);
-    EXPECT_EQ(text(assign(full, subs({":"}), sub("sparse double 1x2: (0,1)=3"))),
-              "double 1x2: 0 3");
 }
 
 TEST_F(Assign, GrowthIsFilled) {
-    const struct {
-        const char *a;
-        std::vector<std::string> subs;
-        const char *filler, *result;
-    } rows[] = {
-        {"1x1: 1", {"3"}, "1x2: 7 8", "double 1x3: 1 7 9"},
-        {"char 1x1: 'a'", {"3"}, "1x1: 32", "char 1x3: 'a \\u0009'"},
-        {"int8 1x1: 1", {"3"}, "sparse double 1x1: (0,0)=5", "int8 1x3: 1 5 9"},
-        {"1x1: 1+1i", {"3"}, "1x1: 7+2i", "double 1x3: 1+1i 7+2i 9+0i"},
-        {"1x1: 1", {"3"}, "0x0", "double 1x3: 1 0 9"},
-    };
-    for (const auto &row : rows) {
-        oxArray *x = sub(row.a);
-        Subs s = subs(row.subs);
-        EXPECT_EQ(oxSubscriptedAssignmentWithFiller(x, s.size(), s.data(), sub("1x1: 9"),
-                                                    sub(row.filler), false),
-                  nullptr);
-        EXPECT_EQ(text(x), row.result);
+    for (const auto &[a, filler, result] :
+         {std::tuple{"char 1x1: 'a'", "1x1: 32", "char 1x3: 'a \\u0009'"},
+          {"int8 1x1: 1", "sparse double 1x1: (0,0)=5", "int8 1x3: 1 5 9"},
+          {"1x1: 1", "0x0", "double 1x3: 1 0 9"}}) {
+        oxArray *x = sub(a);
+        const oxArray *s = sub("3"), *rhs = sub("1x1: 9"), *f = sub(filler);
+        EXPECT_EQ(oxSubscriptedAssignmentWithFiller(x, 1, &s, rhs, f, false), nullptr);
+        EXPECT_EQ(text(x), result);
     }
 }
 
 TEST_F(Assign, OneElementAtATimeAndFromItself) {
     oxArray *row = sub("0x0"), *column = sub("2x1: 1; 2");
     for (int k = 1; k <= 300; ++k) {
-        const oxArray *at = oxCreateDoubleScalar(k), *next = oxCreateDoubleScalar(k + 2),
-                      *v = oxCreateDoubleScalar(k);
-        assign(row, {at}, v);
-        assign(column, {next}, v);
+        const oxArray *v = oxCreateDoubleScalar(k);
+        assign(row, {v}, v);
+        assign(column, {oxCreateDoubleScalar(k + 2)}, v);
     }
     ASSERT_EQ(oxGetN(row), 300u);
     ASSERT_EQ(oxGetM(column), 302u);
@@ -150,8 +118,7 @@ TEST_F(Assign, OneElementAtATimeAndFromItself) {
 
 TEST_F(Assign, ContainersOwnWhatTheyHold) {
     oxArray *c = sub("cell 1x3: {1} {2} {3}"), *sharer = oxCreateSharedDataCopy(c),
-            *rhs = sub("cell 1x2: {8} {9}");
-    oxArray *kept = oxGetCell(c, 1);
+            *rhs = sub("cell 1x2: {8} {9}"), *kept = oxGetCell(c, 1);
     assign(c, {sub("1x2: 1 1")}, rhs); // the first value leaves again
     EXPECT_EQ(text(c), "cell 1x3: {double 1x1: 9} {double 1x1: 2} {double 1x1: 3}");
     EXPECT_EQ(text(sharer), "cell 1x3: {double 1x1: 1} {double 1x1: 2} {double 1x1: 3}");
@@ -161,8 +128,7 @@ TEST_F(Assign, ContainersOwnWhatTheyHold) {
     EXPECT_EQ(oxGetReferenceCount(oxGetCell(rhs, 1)), 1u);
     oxArray *s = sub("struct 1x2 a,b: {1} {2} {3} {4}");
     assign(s, {sub("1x2: 2 3")}, sub("struct 1x1 b,a: {8} {9}"));
-    EXPECT_EQ(text(s), "struct 1x3 a,b: {double 1x1: 1} {double 1x1: 2} {double 1x1: 9} "
-                       "{double 1x1: 8} {double 1x1: 9} {double 1x1: 8}");
+    EXPECT_EQ(text(s), text(sub("struct 1x3 a,b: {1} {2} {9} {8} {9} {8}")));
 }
 
 // A class of numbers whose arrays grow.
@@ -171,9 +137,7 @@ struct Growing : xxInfo {
     const char *class_name(const oxArray *) const override { return "Growing"; }
     bool is_class_object() const override { return true; }
     oxArray *default_object(bool) override {
-        if (none) return nullptr;
-        oxArray *a = sub(empty ? "opaque 0x0" : "opaque 1x1: 5");
-        return a;
+        return none ? nullptr : sub(empty ? "opaque 0x0" : "opaque 1x1: 5");
     }
     void release(oxArray *a) override { opaque_class()->release(a); }
     bool copy_element(void **dst, void *src) override {
@@ -187,14 +151,12 @@ TEST_F(Assign, GrowingClassObjectsAskForADefault) {
     const Contexts contexts; // left while the class lives
     oxArray *a = sub("opaque 1x1: 1"), *rhs = sub("opaque 1x1: 2");
     a->opaque.info = &info;
-    Subs s{sub("3")};
-    oxArray *object = oxSubscriptedAssignmentWithFiller(a, 1, s.data(), rhs, nullptr, false);
-    EXPECT_EQ(text(object), "opaque 1x1: 5");
+    const oxArray *s = sub("3");
+    EXPECT_EQ(text(oxSubscriptedAssignmentWithFiller(a, 1, &s, rhs, nullptr, false)),
+              "opaque 1x1: 5");
     EXPECT_EQ(text(a), "opaque 1x3: 1 5 2");
-    s = {sub("5")};
     info.none = true;
-    oxSubscriptedAssignment(a, 1, s.data(), rhs);
-    EXPECT_EQ(text(a), "opaque 1x5: 1 5 2 -1 2");
+    EXPECT_EQ(text(assign(a, subs({"5"}), rhs)), "opaque 1x5: 1 5 2 -1 2");
     info.none = false;
     info.empty = true;
     EXPECT_RAISES("VELTRO:index:defaultObjectEmpty",
@@ -202,16 +164,13 @@ TEST_F(Assign, GrowingClassObjectsAskForADefault) {
                   "empty.",
                   assign(a, {sub("9")}, rhs));
     EXPECT_EQ(text(a), "opaque 1x5: 1 5 2 -1 2");
-    oxArray *unknown = sub("0x0");
+    oxArray *unknown = sub("0x0"), *handle = sub("function_handle 1x1: 8");
     oxReInitArray2Type(unknown, oxUNKNOWN_CLASS);
     oxSetM(unknown, 0);
-    a->opaque.info = &info;
     EXPECT_RAISES_ENTRY(FSUBSASSIGNNUMELMISMATCH, assign(unknown, {sub("0x0")}, a));
     EXPECT_RAISES("VELTRO:index:internalError", "Arrays of function handles cannot grow.",
-                  assign(sub("function_handle 1x1: 7"), {sub("2")}, sub("function_handle 1x1: 8")));
-    EXPECT_EQ(
-        text(assign(sub("function_handle 1x1: 7"), {sub("1")}, sub("function_handle 1x1: 8"))),
-        "function_handle 1x1: 8");
+                  assign(sub("function_handle 1x1: 7"), {sub("2")}, handle));
+    EXPECT_EQ(text(assign(sub("function_handle 1x1: 7"), {sub("1")}, handle)), text(handle));
 }
 
 TEST_F(Assign, HeterogeneousClassObjectsAskTheirStaticMethod) {
@@ -234,27 +193,6 @@ TEST_F(Assign, HeterogeneousClassObjectsAskTheirStaticMethod) {
     ox_register_object_layer(previous);
 }
 
-TEST_F(Assign, ClassesThatIndexThemselvesGetTheSubscripts) {
-    struct Own : xxInfo {
-        kwSize assigned = 0, erased = 0;
-        void assign(oxArray *, kwSize n, const oxArray *const *, const oxArray *) override {
-            assigned = n;
-        }
-        void erase(oxArray *, kwSize n, const oxArray *const *) override { erased = n; }
-        void complete_dimensions(oxArray *) override {}
-    } own;
-    const WithLayer layer;
-    const Contexts contexts;
-    oxArray *a = sub("lazy 2x3: 4");
-    xxInfo *info = a->opaque.info;
-    oxGetM(a);
-    a->opaque.info = &own;
-    assign(a, subs({"9", "9"}), sub("1x2: 1 2")); // neither shape nor extent is looked at
-    erase(a, subs({"9"}));
-    EXPECT_EQ(own.assigned * 10 + own.erased, 21u);
-    a->opaque.info = info;
-}
-
 TEST_F(Assign, Resizing) {
     const struct {
         const char *a;
@@ -264,34 +202,29 @@ TEST_F(Assign, Resizing) {
         {"2x2: 1 2; 3 4", {3, 3}, "double 3x3: 1 2 0; 3 4 0; 0 0 0"},
         {"2x2x2: 1 2; 3 4 | 5 6; 7 8", {2, 3}, "double 2x3: 1 2 0; 3 4 0"},
         {"2x2: 1 2; 3 4", {2, 1, 2}, "double 2x1x2: 1; 3 | 0; 0"},
-        {"2x2: 1 2; 3 4", {0, 5}, "double 0x5"},
-        {"cell 2x2: {1} {2} {3} {4}", {3, 1}, "cell 3x1: {double 1x1: 1} {double 1x1: 2} {}"},
-        {"struct 1x2 a,b: {1} {2} {3} {4}",
-         {2, 1},
-         "struct 2x1 a,b: {double 1x1: 1} {double 1x1: 2} {} {}"},
-        {"sparse double 2x2: (0,0)=1 (1,1)=2", {1, 3}, nullptr},
+        {"cell 2x2: {1} {2} {3} {4}", {3, 1}, "cell 3x1: {1} {2} {}"},
+        {"struct 1x2 a,b: {1} {2} {3} {4}", {2, 1}, "struct 2x1 a,b: {1} {2} {} {}"},
+        {"sparse double 2x2: (0,0)=1 (1,1)=2", {1, 3}, "sparse double 1x3 nzmax 2: (0,0)=1"},
     };
     for (const auto &row : rows) {
         oxArray *a = sub(row.a), *sharer = oxCreateSharedDataCopy(a);
         const std::string before = text(a);
         oxResizeArray(a, row.dims.size(), row.dims.data());
-        EXPECT_EQ(text(a),
-                  row.result ? row.result : text(sub("sparse double 1x3 nzmax 2: (0,0)=1")));
+        EXPECT_EQ(text(a), text(sub(row.result)));
         EXPECT_EQ(text(sharer), before);
-        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), oxIsDouble(a) && oxGetNumberOfElements(a) == 1);
     }
     oxArray *a = sub("1x1: 4");
     oxResize(a, 1, 2);
     EXPECT_FALSE(oxIsScalarDoubleFlagSet(a));
+    oxResize(a, 1, 1);
+    EXPECT_TRUE(oxIsScalarDoubleFlagSet(a));
     EXPECT_RAISES_ENTRY(FPMAXSIZE, oxResize(a, kwSize{1} << 46, 4));
     double outside[4] = {1, 2, 3, 4};
-    oxArray *priv = oxCreateDoubleMatrix(0, 0, oxREAL);
+    oxArray *priv = oxCreateDoubleMatrix(1, 0, oxREAL);
     oxSetDataPrivateFlag(priv, true);
     oxSetPr(priv, outside);
-    const kwSize dims[2] = {1, 4};
-    oxSetDimensions(priv, dims, 2);
-    assign(priv, subs({"5"}), sub("1x1: 5"));
-    EXPECT_EQ(text(priv), "double 1x5: 1 2 3 4 5");
+    oxSetN(priv, 4);
+    EXPECT_EQ(text(assign(priv, subs({"5"}), sub("1x1: 5"))), "double 1x5: 1 2 3 4 5");
     EXPECT_FALSE(oxIsDataPrivate(priv)); // the block is the array's own now
 }
 

@@ -1,18 +1,6 @@
 // Catenation: classes, empties, fields, extents, and random joins against a per-element model.
-#include "support/array_text.h"
-#include "support/expect.h"
-#include "support/fake_layer.h"
-#include "support/faults.h"
-#include "support/host.h"
-#include "support/random.h"
+#include <support/suite.h>
 
-#include <core/array.h>
-#include <ox.hpp>
-
-#include <string>
-#include <vector>
-
-namespace ox::test {
 namespace {
 
 // The interpreter's part: the first operand that is not an empty double decides.
@@ -42,24 +30,19 @@ oxArray *cat(int form, const std::vector<const char *> &texts) {
     for (const char *t : texts) args.push_back(arr(t));
     return cat_arrays(form, args);
 }
+
 constexpr int dimension = oxCAT_DIMENSION, beside = oxCAT_HORIZONTAL, below = oxCAT_VERTICAL;
 
-class CatenateTest : public HostTest {};
+class Catenate : public HostTest {};
 
-TEST_F(CatenateTest, Results) {
-    struct Row {
-        int form;
-        std::vector<const char *> operands;
-        const char *expected;
-    };
+TEST_F(Catenate, Results) {
     // clang-format off
-    const Row rows[] = {
+    const std::tuple<int, std::vector<const char *>, const char *> rows[] = {
         {beside, {"double 1x1: 65", "char 1x1: 'a'"}, "char 1x2: 'Aa'"},
         {beside, {"double 0x0", "double 3x1: 1; 2; 3"}, "double 3x1: 1; 2; 3"},
         {beside, {"double 1x1: 1+2i", "double 1x1: 3"}, "double 1x2: 1+2i 3+0i"},
         {beside, {}, "double 0x0"},
         {beside, {"double 0x2", "double 0x3"}, "double 0x5"},
-        {dimension, {"3", "1 2", "3 4"}, "double 1x2x2: 1 2 | 3 4"},
         {dimension, {"0", "1 2"}, "1 2"},
         {dimension, {"7"}, "double 0x0"},
         {beside, {"cell 1x1: {1}", "cell 1x2: {} {char 1x1: 'x'}"}, "cell 1x3: {1} {} {char 1x1: 'x'}"},
@@ -69,19 +52,15 @@ TEST_F(CatenateTest, Results) {
         {beside, {"sparse logical 1x1: (0,0)=1", "sparse logical 1x1"}, "sparse logical 1x2: (0,0)=1"},
     };
     // clang-format on
-    for (const Row &r : rows) EXPECT_EQ(text(cat(r.form, r.operands)), text(arr(r.expected)));
+    for (const auto &[form, operands, result] : rows)
+        EXPECT_EQ(text(cat(form, operands)), text(arr(result)));
 }
 
-TEST_F(CatenateTest, Refusals) {
-    struct Row {
-        int form;
-        std::vector<const char *> operands;
-        const char *id, *text;
-    };
+TEST_F(Catenate, Refusals) {
     const char *const mismatch = "catenate:dimensionMismatch", *field = "catenate:structFieldBad",
                       *full = "CAT arguments dimensions are not consistent.";
     // clang-format off
-    const Row rows[] = {
+    const std::tuple<int, std::vector<const char *>, const char *, const char *> rows[] = {
         {beside, {"1; 2", "1; 2; 3"}, mismatch, full},
         {dimension, {"0", "1", "2"}, mismatch, full},
         {beside, {"sparse double 2x1", "sparse double 3x1"}, mismatch, "CAT argument dimensions are not consistent."},
@@ -92,8 +71,8 @@ TEST_F(CatenateTest, Refusals) {
         {beside, {"struct 1x0 a", "struct 1x1 b: {}"}, field, "CAT arguments are not consistent in structure field names."},
     };
     // clang-format on
-    for (const Row &r : rows)
-        EXPECT_RAISES((std::string("VELTRO:") + r.id).c_str(), r.text, cat(r.form, r.operands));
+    for (const auto &[form, operands, id, text] : rows)
+        EXPECT_RAISES((std::string("VELTRO:") + id).c_str(), text, cat(form, operands));
     for (const char *d : {"1.5", "-1", "NaN", "Inf", "1 2", "int8 1x1: 1", "double 0x0"})
         EXPECT_RAISES("VELTRO:catenate:invalidDimension", "Dimension must be a finite integer.",
                       cat(dimension, {d, "1"}));
@@ -109,7 +88,7 @@ TEST_F(CatenateTest, Refusals) {
     EXPECT_RAISES_ENTRY(FNOMEM, cat(dimension, {"1e15", "1", "2"}));
 }
 
-TEST_F(CatenateTest, EmptyOperandsThatDisagreeWarnOnce) {
+TEST_F(Catenate, EmptyOperandsThatDisagreeWarnOnce) {
     const char *const id = "VELTRO:catenate:DimensionMismatch";
     const auto message = [](const std::string &what) {
         return "Concatenation involves an empty array with an incorrect number of " + what +
@@ -123,7 +102,7 @@ TEST_F(CatenateTest, EmptyOperandsThatDisagreeWarnOnce) {
     EXPECT_NO_WARNING(cat(beside, {"struct 0x0 a", "struct 1x1 b: {}"}));
 }
 
-TEST_F(CatenateTest, ElementsOfContainersAreShared) {
+TEST_F(Catenate, ElementsOfContainersAreShared) {
     oxArray *a = arr("cell 1x1: {double 1x2: 1 2}"), *b = arr("cell 1x1: {}");
     oxArray *element = a->cell.slots[0];
     oxArray *c = cat_arrays(beside, {a, b, a});
@@ -135,45 +114,36 @@ TEST_F(CatenateTest, ElementsOfContainersAreShared) {
     EXPECT_EQ(oxGetData(cat_arrays(beside, {x, arr("double 0x0")})), oxGetData(x));
 }
 
-TEST_F(CatenateTest, RandomJoinsAgreeWithElementwiseCopies) {
+// What is taken out of a join, operand by operand, is the operands.
+TEST_F(Catenate, RandomJoinsFallApartIntoTheirOperands) {
     Random random(7);
+    double next = 1;
     for (int round = 0; round < 200; ++round) {
-        const kwSize nd = 2 + random.below(3), d = random.below(nd + 1), n = 1 + random.below(40);
-        std::vector<kwSize> base(nd + 1, 1);
-        for (kwSize k = 0; k < nd; ++k) base[k] = 1 + random.below(4);
+        const kwSize d = random.below(4), n = 1 + random.below(40);
+        kwSize dims[4] = {1 + random.below(4), 1 + random.below(4), 1 + random.below(4), 1};
         std::vector<const oxArray *> args{oxCreateDoubleScalar(static_cast<double>(d + 1))};
-        double next = 1;
-        kwSize total = 0;
         for (kwSize k = 0; k < n; ++k) {
-            std::vector<kwSize> dims = base;
             dims[d] = random.below(4);
-            oxArray *a = oxCreateNumericArray(dims.size(), dims.data(), oxDOUBLE_CLASS, oxREAL);
+            oxArray *a = oxCreateNumericArray(4, dims, oxDOUBLE_CLASS, oxREAL);
             for (kwSize i = 0; i < oxGetNumberOfElements(a); ++i) oxGetPr(a)[i] = next++;
-            total += dims[d];
             args.push_back(a);
         }
-        const oxArray *c = cat_arrays(dimension, args);
-        if (total == 0 || c->get_number_of_elements() == 0) continue;
-        kwSize inner = 1;
-        for (kwSize k = 0; k < d; ++k) inner *= base[k];
-        for (kwSize i = 0; i < oxGetNumberOfElements(c); ++i) {
-            kwSize position = i / inner % total, k = 1;
-            const kwSize outer = i / inner / total;
-            const auto ext = [&](kwSize q) {
-                return d < args[q]->ndims ? oxGetDimensions(args[q])[d] : kwSize{1};
-            };
-            while (position >= ext(k)) position -= ext(k++);
-            ASSERT_EQ(oxGetPr(c)[i],
-                      oxGetPr(args[k])[(outer * ext(k) + position) * inner + i % inner])
-                << "round " << round << " element " << i;
+        const oxArray *c = cat_arrays(dimension, args), *all = arr("char 1x1: ':'");
+        double at = 1;
+        for (kwSize k = 1; k <= n; ++k) {
+            const double extent = static_cast<double>(args[k]->get_dimensions()[d]);
+            const oxArray *subs[] = {all, all, all, all};
+            subs[d] = oxCreateColonObj(at, 1, at + extent - 1);
+            const oxArray *piece = oxSubscriptedReference(c, 4, subs);
+            ASSERT_EQ(oxGetNumberOfElements(piece), oxGetNumberOfElements(args[k]));
+            for (kwSize i = 0; i < oxGetNumberOfElements(piece); ++i)
+                ASSERT_EQ(oxGetPr(piece)[i], oxGetPr(args[k])[i]) << "round " << round;
+            at += extent;
         }
     }
 }
 
-TEST(CatenateSweep, FailingAllocations) {
-    const auto join = [](int form) {
-        return [form](const Arrays &in) { return cat_arrays(form, {in.begin(), in.end()}); };
-    };
+TEST_F(Catenate, FailingAllocations) {
     const std::pair<int, std::vector<std::string>> calls[] = {
         {beside, {"1 2", "int8 1x1: 3"}},
         {dimension, {"3", "1+1i", "3"}},
@@ -181,12 +151,9 @@ TEST(CatenateSweep, FailingAllocations) {
         {below, {"sparse double 1x1: (0,0)=1", "2"}},
     };
     for (const auto &[form, inputs] : calls)
-        sweep({.name = inputs[0].c_str(),
-               .inputs = inputs,
-               .make = join(form),
-               .act = nullptr,
-               .bare = false});
+        sweep_makes({inputs}, [&, f = form](auto &in) {
+            return cat_arrays(f, {in.begin(), in.end()});
+        });
 }
 
 } // namespace
-} // namespace ox::test

@@ -2,18 +2,12 @@
 #include <containers/check_array.h>
 #include <core/imaginary.h>
 #include <index/operands/conversion_warnings.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/fake_layer.h>
-#include <support/faults.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <cmath>
 #include <map>
 #include <ut.h>
 
-namespace ox::test {
 namespace {
 
 class Convert : public HostTest {
@@ -63,11 +57,9 @@ const Row rows_of_values[] = {
     {"single 1x2: 8388609 0.5", oxINT32_CLASS, "int32 1x2: 8388609 1", "r"},
     {"int64 1x1: 9007199791611905", oxSINGLE_CLASS, "single 1x1: 9007200328482816"}, // one rounding
     {"int8 1x2: -5 7", oxCHAR_CLASS, "char 1x2: '\\u0000\\u0007'", "o"},
-    {"int32 1x2: 70000 -1", oxUINT16_CLASS, "uint16 1x2: 65535 0", "o"},
     {"uint64 1x1: 18446744073709551615", oxINT64_CLASS, "int64 1x1: 9223372036854775807", "o"},
     {"int64 1x1: -1", oxUINT64_CLASS, "uint64 1x1: 0", "o"},
     {"char 1x2: 'a\\u0100'", oxINT8_CLASS, "int8 1x2: 97 127", "o"},
-    {"char 1x1: '\\uffff'", oxUINT16_CLASS, "uint16 1x1: 65535"},
     {"char 1x2: 'a\\u0000'", oxLOGICAL_CLASS, "logical 1x2: 1 0"},
     {"0 -0.0 2 1e-300", oxLOGICAL_CLASS, "logical 1x4: 0 0 1 1"},
     {"65535.9 3.7 97.5 70000 -1 NaN", oxCHAR_CLASS, "char 1x6: '\\uffff\\u0003a\\uffff\\u0000\\u0000'"},
@@ -75,7 +67,6 @@ const Row rows_of_values[] = {
     {"1+0.2i 2", oxINT8_CLASS, "int8 1x2: 1 2", "r"}, // the imaginary part came out zero
     {"97+1i", oxCHAR_CLASS, "char 1x1: 'a'"},
     {"double 0x3", oxSTRUCT_CLASS, "struct 0x3"},
-    {"double 0x3x2", oxCELL_CLASS, "cell 0x3x2"},
     {"logical 0x0", oxCHAR_CLASS, nullptr}, // an empty one too
     {"struct 1x1 a: {1}", oxCELL_CLASS, "cell 1x1x1: {1}"},
     {"object Point 1x1 px: {1}", oxSTRUCT_CLASS, "struct 1x1 px: {1}"},
@@ -192,7 +183,7 @@ TEST_F(Convert, FailingAllocations) {
                           {"double 0x2x2", oxCELL_CLASS},
                           {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS}}) {
         const auto make = [id](const Arrays &a) { return oxCreateConvertedCopy(a[0], id); };
-        sweep({.name = in, .inputs = {in}, .make = make, .act = nullptr, .silent = true});
+        sweep({.name = in, .inputs = {in}, .make = make, .silent = true});
     }
 }
 
@@ -233,22 +224,15 @@ TEST_F(MustBe, NamesBothClassesWhenItCannotBe) {
 }
 
 TEST_F(MustBe, CharWarnsOfValuesOutsideItsRangeOnly) {
-    for (auto [in, shown] : {std::pair{"3.7 65535", ""},
-                             {"-0.5", "c"},
-                             {"65536", "c"},
-                             {"NaN", "c"},
-                             {"single 1x1: 70000", "c"}})
+    for (auto [in, shown] :
+         {std::pair{"3.7 65535", ""}, {"-0.5", "c"}, {"65536", "c"}, {"NaN", "c"}})
         EXPECT_TRUE(warns(warnings(shown, ""), [&] { oxMustBe(arr(in), oxCHAR_CLASS); }));
     EXPECT_RAISES("VELTRO:noConversionComplexToChar", "Complex values cannot be converted to chars",
                   oxMustBe(arr("int8 1x1: 1+1i"), oxCHAR_CLASS));
-}
-
-TEST_F(MustBe, FailedMemoryReadsAsAnImpossibleConversion) {
     oxArray *a = arr("1 2");
-    FailingAllocation fault(1);
+    FailingAllocation fault(1); // reads as an impossible conversion
     EXPECT_RAISES("VELTRO:invalidConversion", "Conversion to int8 from double is not possible.",
                   oxMustBe(a, oxINT8_CLASS));
 }
 
 } // namespace
-} // namespace ox::test

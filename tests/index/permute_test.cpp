@@ -1,12 +1,6 @@
 // Permutes against a model that moves one element after the other, and what the arguments must be.
 #include <containers/check_array.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/fake_layer.h>
-#include <support/faults.h>
-#include <support/host.h>
-#include <support/random.h>
+#include <support/suite.h>
 
 #include <algorithm>
 #include <cstring>
@@ -14,7 +8,6 @@
 
 #include "each_target.h"
 
-namespace ox::test {
 namespace {
 
 class Permute : public HostTest {
@@ -29,55 +22,35 @@ oxArray *permute(const oxArray *a, const oxArray *order) {
 }
 oxArray *permute(const char *a, const char *order) { return permute(arr(a), arr(order)); }
 
-// The position in a of the element at position i of permute(a, order).
-kwSize source_of(kwSize i, const Dims &dims, const std::vector<kwSize> &order) {
-    kwSize at = 0;
-    for (kwSize p : order) {
-        kwSize stride = 1;
-        for (kwSize k = 0; k < p; ++k) stride *= dims[k];
-        at += i % dims[p] * stride;
-        i /= dims[p];
-    }
-    return at;
-}
-
-void check_moves(const oxArray *a, const oxArray *b, const Dims &dims,
-                 const std::vector<kwSize> &order) {
-    const kwSize w = oxGetElementSize(a);
-    for (kwSize i = 0; i < a->get_number_of_elements(); ++i) {
-        const kwSize at = source_of(i, dims, order) * w;
-        ASSERT_EQ(std::memcmp(data<char>(b) + i * w, data<char>(a) + at, w), 0) << i;
-        if (oxIsComplex(a)) {
-            ASSERT_EQ(std::memcmp(imag<char>(b) + i * w, imag<char>(a) + at, w), 0) << i;
-        }
-    }
-}
-
-void randomise(Random &random, void *block, kwSize bytes) {
-    for (kwSize i = 0; i < bytes; ++i)
-        static_cast<uint8_t *>(block)[i] = static_cast<uint8_t>(random.below(100));
-}
-
+// Permutes random bytes and looks for each element where the model says.
 void check_order(Random &random, const Dims &dims, oxClassID id, oxComplexity complexity) {
     const Contexts contexts;
     const kwSize n = dims.size();
-    std::vector<kwSize> order(n);
+    std::vector<kwSize> order(n), stride(n, 1);
     std::iota(order.begin(), order.end(), kwSize{0});
     for (kwSize k = n; k-- > 1;) std::swap(order[k], order[random.below(k + 1)]);
+    for (kwSize k = 1; k < n; ++k) stride[k] = stride[k - 1] * dims[k - 1];
     oxArray *p = oxCreateDoubleMatrix(1, n, oxREAL);
     std::transform(order.begin(), order.end(), oxGetPr(p),
                    [](kwSize k) { return static_cast<double>(k + 1); });
     oxArray *a = oxCreateNumericArray(n, dims.data(), id, complexity);
-    const kwSize bytes = a->get_number_of_elements() * oxGetElementSize(a);
-    randomise(random, a->num.pdata, bytes);
-    if (oxIsComplex(a)) randomise(random, a->num.pimag, bytes);
+    const kwSize w = oxGetElementSize(a), count = a->get_number_of_elements();
+    for (auto *block : {data<char>(a), imag<char>(a)})
+        for (kwSize i = 0; block && i < count * w; ++i)
+            block[i] = static_cast<char>(random.below(100));
     const oxArray *b = permute(a, p);
     ASSERT_FALSE(check_array(b));
     for (kwSize k = 0; k < n; ++k)
         ASSERT_EQ(k < b->ndims ? b->get_dimensions()[k] : 1, dims[order[k]]);
     ASSERT_TRUE(b->ndims == 2 || b->get_dimensions()[b->ndims - 1] != 1 ||
                 std::is_sorted(order.begin(), order.end()));
-    check_moves(a, b, dims, order);
+    for (kwSize i = 0; i < count; ++i) {
+        kwSize at = 0, rest = i;
+        for (kwSize k : order) at += rest % dims[k] * stride[k] * w, rest /= dims[k];
+        ASSERT_EQ(std::memcmp(data<char>(b) + i * w, data<char>(a) + at, w), 0) << i;
+        ASSERT_TRUE(!oxIsComplex(a) ||
+                    std::memcmp(imag<char>(b) + i * w, imag<char>(a) + at, w) == 0);
+    }
 }
 
 // Up to six dimensions, of which some are 0 or 1 and one may be longer than a tile; then results
@@ -101,14 +74,12 @@ TEST_F(Permute, RandomOrdersAgreeWithTheModel) {
 
 // clang-format off
 const char *const rows_of_classes[][3] = {
-    {"1 2", "3 1 2", "double 1x1x2: 1 | 2"},
     {"double 1x1x2: 1 | 2", "3 2 1", "double 2x1: 1; 2"}, // ones at the end go
     {"cell 1x2: {1} {}", "2 1", "cell 2x1: {1} {}"},
     {"struct 1x2 a,b: {1} {2} {} {4}", "2 1", "struct 2x1 a,b: {1} {2} {} {4}"},
     {"sparse double 2x2: (0,1)=3", "2 1 3", "sparse double 2x2: (1,0)=3"},
     {"1 2; 3 4", "sparse double 1x2: (0,0)=2 (0,1)=1", "1 3; 2 4"},
     {"1 2", "1.4 2.2", "1 2"}, // rounded: the identity
-    {"1 2; 3 4", "1.5 0.5", "1 3; 2 4"},
     {"int64 1x2: 1 2", "1 2", "int64 1x2: 1 2"}, // the identity comes before the class
     {"opaque 1x2: 1 2", "1 2 3", "opaque 1x2: 1 2"},
 };
@@ -133,8 +104,8 @@ TEST_F(Permute, ElementsOfContainersAreSharedAndATrivialOrderSharesTheData) {
     oxArray *plhs[1];
     kwSize *dims, *order, n;
     ASSERT_FALSE(oxIsPermutationTrivial(1, plhs, 2, prhs, &dims, &order, &n));
-    EXPECT_EQ(std::vector<kwSize>(order, order + n), std::vector<kwSize>({2, 1, 3}));
-    EXPECT_EQ(std::vector<kwSize>(dims, dims + n), std::vector<kwSize>({1, 2, 1}));
+    EXPECT_EQ(Dims(order, order + n), Dims({2, 1, 3}));
+    EXPECT_EQ(Dims(dims, dims + n), Dims({1, 2, 1}));
 }
 
 TEST_F(Permute, WrongArguments) {
@@ -161,12 +132,10 @@ TEST_F(Permute, WrongArguments) {
 }
 
 TEST_F(Permute, FailingAllocations) {
-    const auto make = [](const Arrays &in) { return permute(in[0], in[1]); };
     for (const char *in : {"1+1i 2; 3 4", "cell 1x2: {1} {2}", "struct 1x2 a: {1} {2}",
                            "sparse double 2x2: (0,1)=3", "char 1x2: 'ab'"})
         for (const char *order : {"2 1", "sparse double 1x2: (0,0)=1 (0,1)=2"})
-            sweep({.name = in, .inputs = {in, order}, .make = make, .act = nullptr, .bare = false});
+            sweep_makes({{in, order}}, [](auto &arg) { return permute(arg[0], arg[1]); });
 }
 
 } // namespace
-} // namespace ox::test

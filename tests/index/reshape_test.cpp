@@ -1,15 +1,12 @@
 // The sizes of a reshape: both forms, every message, and counts beyond 32 and 64 bits.
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
+#include <support/suite.h>
 
-namespace ox::test {
 namespace {
 
 using Reshape = HostTest;
 using Sizes = std::vector<kwSize>;
+
+constexpr const char *twelve = "cell 3x4: {} {} {} {} {} {} {} {} {} {} {} {}";
 
 Sizes reshape(const oxArray *a, bool vector, const std::vector<const char *> &args) {
     std::vector<const oxArray *> list;
@@ -22,21 +19,23 @@ Sizes reshape(const oxArray *a, bool vector, const std::vector<const char *> &ar
 }
 
 TEST_F(Reshape, Sizes) {
-    const oxArray *a = oxCreateNumericMatrix(3, 4, oxINT8_CLASS, oxREAL);
-    EXPECT_EQ(reshape(a, true, {"2 6"}), Sizes({2, 6}));
-    EXPECT_EQ(reshape(a, true, {"int8 1x3: 2 2 3"}), Sizes({2, 2, 3}));
-    EXPECT_EQ(reshape(a, true, {"sparse double 1x2: (0,0)=2 (0,1)=6"}), Sizes({2, 6}));
-    EXPECT_EQ(reshape(a, true, {"12 1 1 1"}), Sizes({12, 1})); // ones at the end go
-    EXPECT_EQ(reshape(a, false, {"3", "uint64 1x1: 4"}), Sizes({3, 4}));
-    EXPECT_EQ(reshape(a, false, {"3", "double 0x0", "2"}), Sizes({3, 2, 2}));
-    EXPECT_EQ(reshape(a, false, {"char 0x3", "12"}), Sizes({1, 12}));
-    const oxArray *empty = arr("double 0x5");
-    EXPECT_EQ(reshape(empty, true, {"7 0 1e300"}), Sizes({7, 0, ~kwSize{0}}));
-    EXPECT_EQ(reshape(empty, false, {"double 0x0", "5"}), Sizes({0, 5}));
+    const std::tuple<const char *, bool, std::vector<const char *>, Sizes> rows[] = {
+        {twelve, true, {"2 6"}, {2, 6}},
+        {twelve, true, {"int8 1x3: 2 2 3"}, {2, 2, 3}},
+        {twelve, true, {"sparse double 1x2: (0,0)=2 (0,1)=6"}, {2, 6}},
+        {twelve, true, {"12 1 1 1"}, {12, 1}}, // ones at the end go
+        {twelve, false, {"3", "uint64 1x1: 4"}, {3, 4}},
+        {twelve, false, {"3", "double 0x0", "2"}, {3, 2, 2}},
+        {twelve, false, {"char 0x3", "12"}, {1, 12}},
+        {"double 0x5", true, {"7 0 1e300"}, {7, 0, ~kwSize{0}}},
+        {"double 0x5", false, {"double 0x0", "5"}, {0, 5}},
+    };
+    for (const auto &[a, vector, args, sizes] : rows)
+        EXPECT_EQ(reshape(arr(a), vector, args), sizes) << args[0];
 }
 
 TEST_F(Reshape, WhatIsNoSize) {
-    const oxArray *a = oxCreateNumericMatrix(3, 4, oxINT8_CLASS, oxREAL), *none = arr("double 0x1");
+    const oxArray *a = arr(twelve), *none = arr("double 0x1");
     const auto fails = [](const oxArray *of, bool vector, const std::vector<const char *> &args,
                           const std::string &id, const std::string &message) {
         SCOPED_TRACE(args[0]);
@@ -98,9 +97,7 @@ TEST_F(Reshape, FailingAllocations) {
         return dims != nullptr;
     };
     for (const char *sizes : {"2 1", "sparse double 1x2: (0,0)=2 (0,1)=1"})
-        sweep(
-            {.name = sizes, .inputs = {"1 2", sizes}, .make = nullptr, .act = act, .bare = false});
+        sweep({.name = sizes, .inputs = {"1 2", sizes}, .act = act, .bare = false});
 }
 
 } // namespace
-} // namespace ox::test

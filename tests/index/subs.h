@@ -1,12 +1,8 @@
 // Subscripts as text, and calls with lists of them.
 #pragma once
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/faults.h>
+#include <support/suite.h>
 
 #include <cstdio>
-#include <string>
-#include <vector>
 
 namespace ox::test {
 
@@ -40,18 +36,6 @@ inline oxArray *assign(oxArray *a, Subs s, const oxArray *rhs) {
 inline oxArray *erase(oxArray *a, Subs s) {
     oxSubscriptedDelete(a, s.size(), s.data());
     return a;
-}
-
-// Sweeps calls that change their first input, one call for each list of inputs.
-inline void sweep_changes(const std::vector<std::vector<std::string>> &calls,
-                          const std::function<void(const Arrays &)> &call) {
-    for (const auto &inputs : calls)
-        sweep({.name = inputs[0].c_str(),
-               .inputs = inputs,
-               .act = [&](auto &in) { return call(in), true; },
-               .bare = false,
-               .may_survive = true,
-               .changes_inputs = true});
 }
 
 } // namespace ox::test

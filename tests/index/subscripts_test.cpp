@@ -1,14 +1,8 @@
 // Subscripts as positions, and the errors of bad ones.
 #include "subs.h"
 
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
-
 #include <cmath>
 #include <cstring>
-
-using namespace ox::test;
 
 namespace {
 
@@ -31,15 +25,8 @@ std::string converted(const oxArray *s, kwSize extent, int base) {
     return t;
 }
 
-struct Conversion {
-    const char *sub;
-    kwSize extent;
-    int base;
-    const char *result;
-};
-
 TEST_F(Subscripts, BecomePositions) {
-    const Conversion rows[] = {
+    const std::tuple<const char *, kwSize, int, const char *> rows[] = {
         {":", 3, 0, "0 max 3: - 3"},
         {":", 0, 0, "-1 max 0: - 0"},
         {"2:1:4", 9, 1, "0 max 4: 2 3 4"},
@@ -60,8 +47,8 @@ TEST_F(Subscripts, BecomePositions) {
         {"char 1x2: '::'", 99, 1, "0 max 58: 58 58"}, // only one ':' is the colon
         {"sparse double 1x2: (0,0)=2 (0,1)=3", 3, 1, "0 max 3: 2 3"},
     };
-    for (const Conversion &row : rows)
-        EXPECT_EQ(converted(sub(row.sub), row.extent, row.base), row.result) << row.sub;
+    for (const auto &[s, extent, base, result] : rows)
+        EXPECT_EQ(converted(sub(s), extent, base), result) << s;
 }
 
 TEST_F(Subscripts, LongListsAreConvertedLikeShortOnes) {
@@ -69,12 +56,9 @@ TEST_F(Subscripts, LongListsAreConvertedLikeShortOnes) {
         oxArray *x = oxCreateNumericMatrix(1, 100, static_cast<oxClassID>(cls), oxREAL);
         std::string expected = "0 max 100:";
         for (int k = 0; k < 100; ++k) {
-            const double v = 1 + (k * 37 + 63) % 100;
-            oxConvertBufferToType(static_cast<char *>(oxGetData(x)) +
-                                      static_cast<kwSize>(k) * oxGetElementSize(x),
-                                  static_cast<oxClassID>(cls), &v, oxDOUBLE_CLASS, 1);
-            if (cls == 6) oxGetPr(x)[k] = v;
-            expected += ' ' + std::to_string(static_cast<int>(v));
+            const std::string v = std::to_string(1 + (k * 37 + 63) % 100);
+            store_number(x, static_cast<kwSize>(k), {v, {}});
+            expected += ' ' + v;
         }
         EXPECT_EQ(converted(x, 100, 1), expected) << cls;
     }
@@ -153,12 +137,12 @@ TEST_F(Subscripts, ShortErrors) {
 }
 
 TEST_F(Subscripts, SizeArguments) {
-    auto sizes = [](const char *text) {
-        kwSize out[3] = {9, 9, 9};
-        oxArgMustBeIndices(sub(text), 3, out);
-        return std::vector<kwSize>(out, out + 3);
-    };
     using Sizes = std::vector<kwSize>;
+    auto sizes = [](const char *text) {
+        Sizes out(3, 9);
+        oxArgMustBeIndices(sub(text), 3, out.data());
+        return out;
+    };
     constexpr kwSize top = 281474976710655;
     EXPECT_EQ(sizes("1x3: 2 -1 Inf"), (Sizes{2, 0, top}));
     EXPECT_EQ(sizes("sparse double 1x3: (0,1)=4"), (Sizes{0, 4, 0}));
@@ -175,11 +159,7 @@ TEST_F(Subscripts, SizeArguments) {
 TEST_F(Subscripts, SurviveFailingAllocations) {
     sweep({.name = "list",
            .inputs = {"double 1x9: 1 2 4 3 5 6 7 8 9"},
-           .act =
-               [](auto &in) {
-                   converted(in[0], 9, 0);
-                   return true;
-               },
+           .act = [](auto &in) { return converted(in[0], 9, 0), true; },
            .bare = false});
 }
 

@@ -3,19 +3,13 @@
 #include <core/imaginary.h>
 #include <core/stream_copy.h>
 #include <index/transpose_kernels.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/fake_layer.h>
-#include <support/faults.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <cstring>
 #include <numeric>
 
 #include "each_target.h"
 
-namespace ox::test {
 namespace {
 
 using Bytes = std::vector<unsigned char>;
@@ -94,7 +88,6 @@ TEST_F(Transpose, EveryClass) {
         oxArray *a = arr(in), *b = oxTranspose(a);
         EXPECT_EQ(text(b), text(arr(out))) << in;
         EXPECT_EQ(text(a), text(arr(in)));
-        EXPECT_FALSE(check_array(b)) << in;
     }
 }
 
@@ -117,9 +110,6 @@ TEST_F(Transpose, AReusableSquareIsTransposedInItsOwnBlock) {
     EXPECT_EQ(text(b), text(arr("1+5i 3; 2 4+6i")));
     EXPECT_EQ(text(a), text(b));
     EXPECT_FALSE(b->has_flag(oxFLAG_REUSABLE));
-    oxArray *wide = arr("1 2 3; 4 5 6");
-    wide->set_reusable(true);
-    EXPECT_NE(oxTranspose(wide)->num.pdata, wide->num.pdata);
 }
 
 TEST_F(Transpose, RefusesWhatIsNoMatrixOfElements) {
@@ -141,22 +131,11 @@ TEST_F(Transpose, BlocksByClass) {
 }
 
 TEST_F(Transpose, FailingAllocations) {
-    for (const char *in :
-         {"1 2 3", "1+1i 2; 3 4", "cell 2x2: {1} {} {2} {3}", "sparse double 2x2: (0,1)=1"})
-        sweep({.name = in,
-               .inputs = {in},
-               .make = [](const Arrays &a) { return oxTranspose(a[0]); },
-               .act = nullptr});
-    const auto in_place = [](const Arrays &a) {
-        return oxInPlaceBlockTranspose(a[0], oxGetData(a[0]), 2, 3), true;
-    };
-    sweep({.name = "in place",
-           .inputs = {"1 2 3; 4 5 6"},
-           .make = nullptr,
-           .act = in_place,
-           .bare = false,
-           .changes_inputs = true});
+    sweep_makes(
+        {{"1 2 3"}, {"1+1i 2; 3 4"}, {"cell 2x2: {1} {} {2} {3}"}, {"sparse double 2x2: (0,1)=1"}},
+        [](auto &in) { return oxTranspose(in[0]); }, true);
+    sweep_changes({{"1 2 3; 4 5 6"}},
+                  [](auto &in) { oxInPlaceBlockTranspose(in[0], oxGetData(in[0]), 2, 3); });
 }
 
 } // namespace
-} // namespace ox::test

@@ -185,4 +185,23 @@ void sweep(const Sweep &s) {
     }
 }
 
+void sweep_makes(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make,
+                 bool bare) {
+    for (const auto &inputs : calls)
+        sweep({.name = inputs.empty() ? "creation" : inputs[0].c_str(),
+               .inputs = inputs,
+               .make = make,
+               .bare = bare});
+}
+
+void sweep_changes(const Inputs &calls, const std::function<void(const Arrays &)> &change) {
+    for (const auto &inputs : calls)
+        sweep({.name = inputs[0].c_str(),
+               .inputs = inputs,
+               .act = [&](auto &in) { return change(in), true; },
+               .bare = false,
+               .may_survive = true,
+               .changes_inputs = true});
+}
+
 } // namespace ox::test

@@ -48,6 +48,13 @@ struct Sweep {
 // makes none fails the test.
 void sweep(const Sweep &s);
 
+// The same for one call and several lists of inputs: one that makes an array, and one that changes
+// its first input (and may do with less memory).
+using Inputs = std::vector<std::vector<std::string>>;
+void sweep_makes(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make,
+                 bool bare = false);
+void sweep_changes(const Inputs &calls, const std::function<void(const Arrays &)> &change);
+
 // What a sweep compares: text, class, flags (but for the list mark), scope, references, ring.
 std::string describe(const oxArray *a);
 
