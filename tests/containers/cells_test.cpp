@@ -2,18 +2,25 @@
 // cell2struct with their refusals.
 #include <core/alloc.h>
 #include <core/array_list.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
-
-using namespace ox;
-using namespace ox::test;
+#include <support/suite.h>
 
 namespace {
 
 class Cells : public HostTest {};
+
+using Args = std::vector<const oxArray *>;
+
+Args args(const std::vector<const char *> &texts) {
+    Args in;
+    for (const char *t : texts) in.push_back(arr(t));
+    return in;
+}
+oxArray *call(void (*f)(int, oxArray **, int, const oxArray **), Args in) {
+    oxArray *out = nullptr;
+    f(1, &out, static_cast<int>(in.size()), in.data());
+    return out;
+}
+oxArray *construct(Args in) { return call(oxCellConstructorFcn, in); }
 
 const char size_row[] = "Size vector must be a row vector with real elements.";
 const char size_integer[] = "Size vector should be a row vector with integer elements.";
@@ -29,11 +36,10 @@ TEST_F(Cells, SizesAndLimits) {
 
 TEST(CellsAtLoad, OneArrayInTwoCellsIsCounted) {
     reset_library();
-    oxArray *c = arr("cell 1x1: {}"), *d = arr("cell 1x1: {}"), *v = arr("1 2");
-    oxSetCopyInCell(c, 0, v);
-    oxSetCopyInCell(d, 0, v);
+    oxArray *c = arr("cell 1x2: {} {}"), *v = arr("1 2");
+    for (kwSize k : {0, 1}) oxSetCopyInCell(c, k, v);
     EXPECT_EQ(oxGetReferenceCount(v), 2u);
-    for (oxArray *p : {c, d}) oxDestroyArray(p);
+    oxDestroyArray(c);
     EXPECT_TRUE(oxGetReferenceCount(v) == 0 && oxGetScalar(v) == 1);
     oxDestroyArray(v);
 }
@@ -77,68 +83,28 @@ const struct {
 TEST_F(Cells, Constructor) {
     for (const auto &row : constructions) {
         SCOPED_TRACE(row.args[0]);
-        std::vector<const oxArray *> args;
-        for (const char *a : row.args) args.push_back(arr(a));
+        const Args in = args(row.args);
         const kwSize listed = array_list_length();
-        oxArray *out[1];
-        const auto call = [&] {
-            oxCellConstructorFcn(1, out, static_cast<int>(args.size()), args.data());
-        };
         if (row.id) {
-            EXPECT_RAISES(row.id, row.message, call());
+            EXPECT_RAISES(row.id, row.message, construct(in));
             continue;
         }
-        call();
-        EXPECT_EQ(text(out[0]), row.result);
-        EXPECT_NE(out[0], args[0]);
+        const oxArray *out = construct(in);
+        EXPECT_EQ(text(out), row.result);
+        EXPECT_NE(out, in[0]);
         EXPECT_EQ(array_list_length(), listed + 1); // converted arguments are gone
         EXPECT_EQ(GetAllocListLength(), 0u);
     }
-}
-
-TEST_F(Cells, ConstructorCountsItsOutputsBeforeItsInputs) {
-    oxArray *out[2];
-    EXPECT_RAISES_ENTRY(FMAXLHS, oxCellConstructorFcn(2, out, 0, nullptr));
-    EXPECT_RAISES_ENTRY(FMINRHS, oxCellConstructorFcn(1, out, 0, nullptr));
-}
-
-TEST(CellsSweep, EveryFailedAllocation) {
-    const auto construct = [](auto &in) {
-        oxArray *out[1] = {};
-        std::vector<const oxArray *> args(in.begin(), in.end());
-        oxCellConstructorFcn(1, out, static_cast<int>(args.size()), args.data());
-        return out[0];
-    };
-    const kwSize dims[] = {2, 1, 2};
-    sweep({"matrix", {}, [](auto &) { return oxCreateCellMatrix_730(2, 2); }});
-    sweep({"array", {}, [&](auto &) { return oxCreateCellArray_730(3, dims); }});
-    sweep({"constructor", {"1 2 1 1 1 1 1 1 1 1 1 2"}, construct});
-    Sweep converted{"converted sizes", {"1", "sparse double 1x1: (0,0)=2"}, construct};
-    converted.bare = false;
-    converted.silent = true;
-    sweep(converted);
+    EXPECT_RAISES_ENTRY(FMAXLHS, oxCellConstructorFcn(2, nullptr, 0, nullptr)); // outputs first
+    EXPECT_RAISES_ENTRY(FMINRHS, oxCellConstructorFcn(1, nullptr, 0, nullptr));
 }
 
 // --- struct2cell and cell2struct ---
 
 using StructCell = HostTest;
-using Args = std::vector<const oxArray *>;
 
-oxArray *struct2cell(Args in) {
-    oxArray *out = nullptr;
-    oxStruct2cell(1, &out, static_cast<int>(in.size()), in.data());
-    return out;
-}
-oxArray *cell2struct(Args in) {
-    oxArray *out = nullptr;
-    oxCell2struct(1, &out, static_cast<int>(in.size()), in.data());
-    return out;
-}
-Args args(const std::vector<const char *> &texts) {
-    Args in;
-    for (const char *t : texts) in.push_back(arr(t));
-    return in;
-}
+oxArray *struct2cell(Args in) { return call(oxStruct2cell, in); }
+oxArray *cell2struct(Args in) { return call(oxCell2struct, in); }
 
 TEST_F(StructCell, FieldsBecomeTheFirstDimensionAndValuesAreShared) {
     EXPECT_EQ(text(struct2cell({arr("struct 1x2 a,b: {1} {} {3} {4}")})),
@@ -211,14 +177,19 @@ TEST_F(StructCell, NamesAreCutOneByOneAndComparedOver63Bytes) {
     EXPECT_EQ(WarningRecorder::shown.size(), 1u); // the second name was not reached
 }
 
-TEST(StructCellSweep, EveryFailedAllocation) {
-    const char *s = "struct 1x2 a,b: {1} {2} {} {1 2}", *c = "cell 2x2: {1} {} {2} {1 2}";
-    sweep({"struct2cell", {s}, [](auto &in) { return struct2cell({in[0]}); }});
-    Sweep back{"cell2struct", {c, "char 2x1: 'a'; 'b'", "2"}, [](auto &in) {
-                   return cell2struct({in[0], in[1], in[2]});
-               }};
-    back.bare = false;
-    sweep(back);
+TEST(CellsSweep, EveryFailedAllocation) {
+    static const kwSize dims[] = {2, 1, 2};
+    const auto make = [](auto &in) { return construct({in.begin(), in.end()}); };
+    sweep_everywhere({{}}, [](auto &) { return oxCreateCellMatrix_730(2, 2); });
+    sweep_everywhere({{}}, [](auto &) { return oxCreateCellArray_730(3, dims); });
+    sweep_everywhere({{"1 2 1 1 1 1 1 1 1 1 1 2"}}, make);
+    const std::vector<std::string> converted = {"1", "sparse double 1x1: (0,0)=2"};
+    sweep({.name = "sizes", .inputs = converted, .make = make, .bare = false, .silent = true});
+    sweep_everywhere({{"struct 1x2 a,b: {1} {2} {} {1 2}"}},
+                     [](auto &in) { return struct2cell({in[0]}); });
+    sweep_makes({{"cell 2x2: {1} {} {2} {1 2}", "char 2x1: 'a'; 'b'", "2"}}, [](auto &in) {
+        return cell2struct({in.begin(), in.end()});
+    });
 }
 
 } // namespace

@@ -2,12 +2,7 @@
 #include <containers/check_array.h>
 #include <containers/field_table.h>
 #include <core/array_list.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/host.h>
-
-using namespace ox;
-using namespace ox::test;
+#include <support/suite.h>
 
 namespace {
 
@@ -15,20 +10,20 @@ class CheckArray : public HostTest {};
 
 oxArray *&slot(oxArray *a, kwSize i = 0) { return a->cell.slots[i]; }
 
-// Breaks the array and returns how to mend it, so that it can be destroyed.
 using Mend = std::function<void()>;
-struct Broken {
+
+// Puts another value into a place; the answer puts the old one back, so that it can be destroyed.
+template<class T> Mend put(T &place, std::type_identity_t<T> value) {
+    return [&place, old = std::exchange(place, value)] { place = old; };
+}
+
+const struct {
     int rule;
     const char *array;
-    std::function<Mend(oxArray *)> break_it;
-};
-
-const Broken broken[] = {
+    Mend (*breaks)(oxArray *);
+} broken[] = {
     {rule_slots_named, "struct 1x1 a: {1}",
-     [](oxArray *a) -> Mend {
-         name_index_info *names = std::exchange(a->record.names, nullptr);
-         return [=] { a->record.names = names; };
-     }},
+     [](oxArray *a) { return put(a->record.names, nullptr); }},
     {rule_table_owners, "struct 1x1 a: {1}",
      [](oxArray *a) -> Mend {
          oxArray *sharer = oxCreateSharedDataCopy(a);
@@ -36,54 +31,37 @@ const Broken broken[] = {
          return [=] { ++a->record.names->reference_count, oxDestroyArray(sharer); };
      }},
     {rule_cycle, "cell 1x1: {cell 1x2: {} {}}",
-     [](oxArray *a) -> Mend {
-         slot(slot(a), 1) = a;
-         return [=] { slot(slot(a), 1) = nullptr; };
-     }},
+     [](oxArray *a) { return put(slot(slot(a), 1), a); }},
     {rule_slot_scope, "cell 1x1: {1}",
-     [](oxArray *a) -> Mend {
-         slot(a)->scope = oxSCOPE_TEMPORARY;
-         return [=] { slot(a)->scope = oxSCOPE_CONTAINED; };
-     }},
+     [](oxArray *a) { return put(slot(a)->scope, oxSCOPE_TEMPORARY); }},
     {rule_slot_scope, "struct 1x1 a,b: {1} {cell 1x1: {2}}",
      [](oxArray *a) -> Mend {
          oxArray *e = slot(slot(a, 1));
-         e->scope = oxSCOPE_DESTROYED;
          e->set_flag(oxFLAG_HEADER_KEPT, true);
-         return [=] { e->scope = oxSCOPE_CONTAINED, e->set_flag(oxFLAG_HEADER_KEPT, false); };
+         const Mend scope = put(e->scope, oxSCOPE_DESTROYED);
+         return [=] { scope(), e->set_flag(oxFLAG_HEADER_KEPT, false); };
      }},
     {rule_slot_listed, "cell 1x1: {1}",
      [](oxArray *a) -> Mend {
-         oxArray *e = slot(a);
-         array_list_append(e);
-         return [=] { array_list_remove(e); };
+         array_list_append(slot(a));
+         return [=] { array_list_remove(slot(a)); };
      }},
-    {rule_slot_owners, "cell 1x3: {1} {2} {}",
-     [](oxArray *a) -> Mend {
-         slot(a, 2) = slot(a);
-         return [=] { slot(a, 2) = nullptr; };
-     }},
-    {rule_scalar_double, "cell 1x1: {cell 1x1: {1 2}}",
-     [](oxArray *a) -> Mend { // a rule of one array, deep below
-         oxArray *e = slot(slot(a));
-         oxSetScalarDoubleFlag(e);
-         return [=] { oxClearScalarDoubleFlag(e); };
+    {rule_slot_owners, "cell 1x3: {1} {2} {}", [](oxArray *a) { return put(slot(a, 2), slot(a)); }},
+    {rule_scalar_double, "cell 1x1: {cell 1x1: {1 2}}", // a rule of one array, deep below
+     [](oxArray *a) {
+         return put(slot(slot(a))->flag_word, oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE);
      }},
     {rule_ring_data, "cell 1x1: {1}",
-     [](oxArray *a) -> Mend {
-         oxArray *sharer = oxCreateSharedDataCopy(a);
-         oxArray **block = std::exchange(sharer->cell.slots, nullptr);
-         return [=] { sharer->cell.slots = block; };
-     }},
+     [](oxArray *a) { return put(oxCreateSharedDataCopy(a)->cell.slots, nullptr); }},
 };
 
 TEST_F(CheckArray, FindsEachFaultAndNoOther) {
-    for (const Broken &b : broken) {
-        SCOPED_TRACE(check_rule_text(b.rule));
-        oxArray *a = arr(b.array);
+    for (const auto &[rule, array, breaks] : broken) {
+        SCOPED_TRACE(check_rule_text(rule));
+        oxArray *a = arr(array);
         EXPECT_FALSE(check_array(a));
-        const Mend mend = b.break_it(a);
-        EXPECT_EQ(check_array(a).rule, b.rule) << check_rule_text(check_array(a).rule);
+        const Mend mend = breaks(a);
+        EXPECT_EQ(check_array(a).rule, rule) << check_rule_text(check_array(a).rule);
         mend();
         EXPECT_FALSE(check_array(a));
     }

@@ -3,15 +3,7 @@
 #include <containers/check_array.h>
 #include <core/array_list.h>
 #include <core/imaginary.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/fake_layer.h>
-#include <support/faults.h>
-#include <support/host.h>
-
-using namespace ox;
-using namespace ox::test;
+#include <support/suite.h>
 
 namespace {
 
@@ -27,9 +19,10 @@ bool shares(const oxArray *a, const oxArray *b) {
 
 // Whether the two have no block in common.
 bool apart(const oxArray *a, const oxArray *b) {
+    bool same = false;
     for (int w = 0; w < (is_sparse(a) ? 4 : is_numeric(a) ? 2 : 1); ++w)
-        if (a->words[w] && a->words[w] == b->words[w]) return false;
-    return true;
+        same |= a->words[w] && a->words[w] == b->words[w];
+    return !same;
 }
 
 TEST_F(Copies, EveryKindSharesItsDataOrCopiesThemDeeply) {
@@ -81,11 +74,8 @@ TEST_F(Copies, EmptyCopiesKeepTheClassAndSkeletonsTheShape) {
     oxArray *marked = arr("1 2");
     oxMarkImagData(marked);
     EXPECT_TRUE(oxCreateDeepCopy(marked)->is_imag_marked());
-}
-
-TEST_F(Copies, ShallowUnsharingKeepsTheElements) {
     oxArray *a = arr("cell 1x2: {1} {}"), *h = oxCreateSharedDataCopy(a);
-    EXPECT_FALSE(oxUnshareArray(h, 1)); // false: it did not fail
+    EXPECT_FALSE(oxUnshareArray(h, 1)); // shallow; false: it did not fail
     EXPECT_TRUE(!oxIsSharedArray(a) && h->cell.slots[0] == a->cell.slots[0]);
 }
 
@@ -177,12 +167,11 @@ TEST_F(Copies, AnArrayOfAnEnclosingContextIsMovedBeforeItIsContained) {
 
 TEST_F(Copies, ExactCopiesAgreeInEveryFieldThatIsNotTheHeadersOwn) {
     oxArray *a = arr("1 2"), *b = oxCreateSharedDataCopy(a);
-    oxIncRefCount(b);
-    oxSetArrayScope(b, 9);
+    b->reference_count = 1, b->scope = 9;
     EXPECT_TRUE(oxIsExactSharedCopy(a, b));
+    b->reference_count = 0, b->scope = oxSCOPE_TEMPORARY;
     oxSetM_730(b, 2);
     EXPECT_FALSE(oxIsExactSharedCopy(a, b) || oxIsExactSharedCopy(a, nullptr));
-    for (int owner = 0; owner < 2; ++owner) oxDestroyArray(b);
 }
 
 TEST_F(Copies, ProtectedArraysLeaveAndRejoinTheTemporaries) {
@@ -218,20 +207,18 @@ TEST(CopiesSweep, EveryFailedAllocationLeavesTheSourceAlone) {
             oxArray *a = arr(kind);
             return Arrays{a, oxCreateSharedDataCopy(a)};
         };
-        sweep({"shared", {kind}, [](auto &in) { return oxCreateSharedDataCopy(in[0]); }});
-        sweep({"empty", {kind}, [](auto &in) { return oxCreateEmptyCopy(in[0]); }});
+        sweep_everywhere({{kind}}, [](auto &in) { return oxCreateSharedDataCopy(in[0]); });
+        sweep_everywhere({{kind}}, [](auto &in) { return oxCreateEmptyCopy(in[0]); });
         Sweep deep{"deep", {kind}, [](auto &in) { return oxCreateDeepCopy(in[0]); }};
         deep.changes_inputs = true; // the failed copy stays in the source's ring
         sweep(deep);
-        Sweep in_ring{"unshare", {}, nullptr, [](auto &in) { return oxUnshare(in[0]) == in[0]; }};
-        in_ring.setup = pair;
-        sweep(in_ring);
-        in_ring.act = [](auto &in) { return oxUnshareShallow(in[0]) == in[0]; };
-        sweep(in_ring);
-        in_ring.act = [](auto &in) { return oxUnshareOtherArrays(in[0]) == 0; };
-        sweep(in_ring);
+        using Unshare = bool (*)(const Arrays &);
+        for (Unshare unshare : {+[](const Arrays &in) { return oxUnshare(in[0]) == in[0]; },
+                                +[](const Arrays &in) { return oxUnshareShallow(in[0]) == in[0]; },
+                                +[](const Arrays &in) { return !oxUnshareOtherArrays(in[0]); }})
+            sweep({.name = "unshare", .act = unshare, .setup = pair});
     }
-    sweep({"skeleton", {"1+2i 3"}, [](auto &in) { return oxCreateSkeletonCopy(in[0], 1); }});
+    sweep_everywhere({{"1+2i 3"}}, [](auto &in) { return oxCreateSkeletonCopy(in[0], 1); });
     sweep({"not listed", {"1 2"}, nullptr, [](auto &in) { // raises even without managers
                oxDestroyArray(oxCreateSharedCopyNotOnArrayList(in[0]));
                return true;

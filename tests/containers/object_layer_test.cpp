@@ -1,15 +1,7 @@
 // The class layer: what is asked of it when it is there, and what happens when it is not.
 #include <containers/object_layer.h>
 #include <core/array_list.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/fake_layer.h>
-#include <support/faults.h>
-#include <support/host.h>
-
-using namespace ox;
-using namespace ox::test;
+#include <support/suite.h>
 
 namespace {
 
@@ -17,26 +9,21 @@ class Layer : public HostTest {};
 
 constexpr const char *missing = "VELTRO:objectLayerMissing";
 
-TEST_F(Layer, OpaqueElementsAreCopiedAndReleasedByTheirClass) {
-    oxArray *a = arr("opaque 1x3: 5 6 7"), *s = oxCreateSharedDataCopy(a);
-    EXPECT_EQ(s->cross_link, a);
+TEST_F(Layer, OpaqueElementsAreCopiedAndReleasedByTheirClassAndLazyOnesShared) {
+    const oxArray *a = arr("opaque 1x3: 5 6 7");
     layer_calls = {};
-    oxArray *d = oxCreateDeepCopy(a);
-    oxDestroyArray(d);
+    oxDestroyArray(oxCreateDeepCopy(a));
     EXPECT_TRUE(layer_calls.element_copies == 3 && layer_calls.releases == 1);
-}
-
-TEST_F(Layer, IndexingOpaqueArraysShareThroughTheirClassAndKnowTheirSizes) {
-    oxArray *a = arr("lazy 2x3: 7");
+    oxArray *lazy = arr("lazy 2x3: 7");
     layer_calls = {};
-    oxArray *s = oxCreateSharedDataCopy(a), *d = oxCreateDeepCopy(s);
+    oxArray *s = oxCreateSharedDataCopy(lazy), *d = oxCreateDeepCopy(s);
     EXPECT_TRUE(layer_calls.shares == 2 && layer_calls.element_copies == 0);
-    EXPECT_TRUE(!a->cross_link && !s->cross_link && d->opaque.giblet == a->opaque.giblet);
+    EXPECT_TRUE(!lazy->cross_link && !s->cross_link && d->opaque.giblet == lazy->opaque.giblet);
     EXPECT_TRUE(oxGetNumberOfElements(d) == 6 && layer_calls.completions > 0);
-    const oxArray *e = oxCreateEmptyCopy(a);
-    EXPECT_TRUE(layer_calls.empty_copies == 1 && e->opaque.info == a->opaque.info);
+    const oxArray *e = oxCreateEmptyCopy(lazy);
+    EXPECT_TRUE(layer_calls.empty_copies == 1 && e->opaque.info == lazy->opaque.info);
     EXPECT_TRUE(oxIsTemp(e) && oxIsEmpty(e));
-    for (oxArray *p : {a, s, d}) oxDestroyArray(p);
+    for (oxArray *p : {lazy, s, d}) oxDestroyArray(p);
     EXPECT_EQ(layer_calls.releases, 3);
 }
 
@@ -118,9 +105,9 @@ TEST_F(Layer, AClassThatSuppliesNothingRaisesForWhatItMustSupply) {
 TEST(LayerSweep, EveryFailedAllocation) {
     const WithLayer layer;
     static const kwSize dims[] = {1, 2, 2};
-    sweep({"opaque", {}, [](auto &) { return oxCreateOpaqueArray(3, dims, opaque_class()); }});
-    sweep({"giblet", {}, [](auto &) { return oxCreateOpaqueGiblet(lazy_class()); }});
-    sweep({"lazy", {"lazy 1x2: 3"}, [](auto &in) { return oxCreateDeepCopy(in[0]); }});
+    sweep_everywhere({{}}, [](auto &) { return oxCreateOpaqueArray(3, dims, opaque_class()); });
+    sweep_everywhere({{}}, [](auto &) { return oxCreateOpaqueGiblet(lazy_class()); });
+    sweep_everywhere({{"lazy 1x2: 3"}}, [](auto &in) { return oxCreateDeepCopy(in[0]); });
 }
 
 } // namespace

@@ -1,50 +1,24 @@
 // Predicates: which arrays pass which, and the value kernels against plain loops.
 #include <containers/value_tests.h>
-#include <core/array.h>
-#include <ox.h>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/fake_layer.h>
-#include <support/host.h>
-#include <support/random.h>
+#include <support/suite.h>
 
 #include <algorithm>
 #include <cmath>
 
-using namespace ox;
-using namespace ox::test;
-
 namespace {
 
 using Predicate = std::pair<std::string, bool (*)(const oxArray *)>;
-#define P(name)                                                                                    \
-    Predicate { #name, oxIs##name }
-const Predicate predicates[] = {P(Vector),
-                                P(Vector2D),
-                                P(Scalar),
-                                P(CharVector),
-                                P(RealVector),
-                                P(RealOrInfVector),
-                                P(RealInfOrNaNVector),
-                                P(ComplexVector),
-                                P(IntVector),
-                                P(IntOrUIntVector),
-                                P(NumericInfOrNaNVector),
-                                P(SingleVector),
-                                P(FiniteNumericVector),
-                                P(RealScalar),
-                                P(RealOrInfScalar),
-                                P(IntScalar),
-                                P(FiniteDoubleArray),
-                                P(FiniteSingleArray),
-                                P(FiniteNumericArray),
-                                P(Double2dMatrix),
-                                P(Single2dMatrix),
-                                P(Real2dMatrix),
-                                P(Complex2dMatrix),
-                                P(FiniteNumeric2dMatrix),
-                                P(FiniteNumeric2dNonComplexMatrix)};
+// clang-format off
+#define P(name) Predicate { #name, oxIs##name }
+const Predicate predicates[] = {
+    P(Vector), P(Vector2D), P(Scalar), P(CharVector), P(RealVector), P(RealOrInfVector),
+    P(RealInfOrNaNVector), P(ComplexVector), P(IntVector), P(IntOrUIntVector),
+    P(NumericInfOrNaNVector), P(SingleVector), P(FiniteNumericVector), P(RealScalar),
+    P(RealOrInfScalar), P(IntScalar), P(FiniteDoubleArray), P(FiniteSingleArray),
+    P(FiniteNumericArray), P(Double2dMatrix), P(Single2dMatrix), P(Real2dMatrix),
+    P(Complex2dMatrix), P(FiniteNumeric2dMatrix), P(FiniteNumeric2dNonComplexMatrix)};
 #undef P
+// clang-format on
 
 // What every finite double of two dimensions is, and its real vectors of whole numbers.
 const std::string finite = "FiniteDoubleArray FiniteNumericArray Double2dMatrix Complex2dMatrix "
@@ -63,7 +37,6 @@ const struct {
     std::string passes;
 } rows_of_table[] = {
     {"double 0x0", "Vector"},
-    {"double 0x5", "Vector"},
     {"double 1x0", "Vector Vector2D"},
     {"double 3x0x2", ""},
     {"1 2; 3 4", real},
@@ -134,12 +107,11 @@ TEST(ValueTests, KernelsAgreeWithPlainLoopsWhereverTheOddValueStands) {
         const std::vector<float> f(x.begin(), x.end());
         const auto is_finite = [](auto v) { return std::isfinite(v); };
         const auto whole = [](double v) {
-            return v == std::floor(v) && v >= -0x1p31 && v <= 0x1p31 - 1;
+            return v >= -0x1p31 && v < 0x1p31 && v == std::floor(v);
         };
         EXPECT_EQ(all_finite(x.data(), n), std::ranges::all_of(x, is_finite));
         EXPECT_EQ(all_finite(f.data(), n), std::ranges::all_of(f, is_finite));
-        EXPECT_EQ(any_nan(x.data(), n),
-                  std::ranges::any_of(x, [](double v) { return std::isnan(v); }));
+        EXPECT_EQ(any_nan(x.data(), n), !std::ranges::all_of(x, [](double v) { return v == v; }));
         EXPECT_EQ(all_whole_within(x.data(), n, -0x1p31, 0x1p31 - 1),
                   std::ranges::all_of(x, whole));
     }

@@ -6,16 +6,9 @@
 #include <containers/check_array.h>
 #include <containers/slots.h>
 #include <core/array_list.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/fake_layer.h>
-#include <support/host.h>
-#include <support/random.h>
+#include <support/suite.h>
 
 #include <algorithm>
-
-using namespace ox;
-using namespace ox::test;
 
 namespace {
 
@@ -130,20 +123,14 @@ private:
 
     void copy() {
         const Handle h = any();
-        switch (random_.below(7)) {
-        case 0:
-            return add(oxCreateReference(h.a), h.value, h.home);
-        case 1:
-            return add(oxCreateDeepCopy(h.a), h.value, here());
-        case 2:
-            return add(oxCreateSharedCopyNotOnArrayList(h.a), h.value, unlisted);
-        case 3:
-            return add(oxCreateEmptyCopy(h.a));
-        case 4:
-            return add(oxCreateSharedCopy(h.a), h.value, here());
-        default:
-            return add(oxCreateSharedDataCopy(h.a), h.value, here());
-        }
+        const uint64_t way = random_.below(7);
+        if (way == 0) return add(oxCreateReference(h.a), h.value, h.home);
+        if (way == 1) return add(oxCreateSharedCopyNotOnArrayList(h.a), h.value, unlisted);
+        if (way == 2) return add(oxCreateEmptyCopy(h.a));
+        add(way == 3   ? oxCreateDeepCopy(h.a)
+            : way == 4 ? oxCreateSharedCopy(h.a)
+                       : oxCreateSharedDataCopy(h.a),
+            h.value, here());
     }
     void claim() {
         Handle &h = current()[mine()];

@@ -2,17 +2,10 @@
 #include <containers/field_table.h>
 #include <core/create.h>
 #include <core/tuning.h>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
-#include <support/random.h>
+#include <support/suite.h>
 
 #include <algorithm>
 #include <ut.h>
-
-using namespace ox;
-using namespace ox::test;
 
 namespace {
 
@@ -35,10 +28,13 @@ TEST_F(Structs, CreationMakesATableForNamesAndABlockForElements) {
     const oxArray *no_names = struct_of(kwSize{1} << 40, 9, {});
     EXPECT_TRUE(!oxGetFieldInfo(no_names) && !oxGetFields(no_names));
     EXPECT_TRUE(oxGetFieldNumber(no_names, "p") == -1 && !oxGetField(no_names, 0, "p"));
-    const char *p[] = {"p"};
+    const char *p[] = {"p"}, *none[] = {""};
     const kwSize dims[] = {2, 1, 1};
+    const double line = 14;
     EXPECT_EQ(text(oxCreateStructArray(3, dims, 1, p)), "struct 2x1x1 p: {} {}");
     EXPECT_RAISES_ENTRY(FNOMEM, struct_of(kwSize{1} << 40, kwSize{1} << 40, {"p"}));
+    EXPECT_EQ(text(oxCreateStackStruct(1, p, none, &line)),
+              "struct 1x1 file,name,line: {char 1x1: 'p'} {char 0x0} {double 1x1: 14}");
     EXPECT_STREQ(oxGetFieldNameByNumber(no_elements, 0), "p");
     EXPECT_EQ(oxGetFieldNameByNumber(no_elements, 1), oxGetFieldNameByNumber(no_elements, -1));
 }
@@ -137,13 +133,6 @@ TEST_F(Structs, AFailedFieldLeavesItsNameBehind) {
     oxSetFields(a, nullptr);
 }
 
-TEST_F(Structs, StackOfAnError) {
-    const char *file[] = {"f.vel"}, *name[] = {""};
-    const double line = 14;
-    EXPECT_EQ(text(oxCreateStackStruct(1, file, name, &line)),
-              "struct 1x1 file,name,line: {char 1x5: 'f.vel'} {char 0x0} {double 1x1: 14}");
-}
-
 TEST_F(Structs, NamesAreALetterThenLettersDigitsAndUnderscores) {
     for (const char *good : {"a", "a_1", "Z9", "a__"}) EXPECT_TRUE(oxIsValidVelName(good)) << good;
     for (const char *bad : {"", "1a", "_a", "a b", "\xE9", "a\x80"})
@@ -203,8 +192,8 @@ TEST_F(Structs, FailedAllocations) {
     static const kwSize dims[] = {2, 1, 2};
     static const char *names[] = {"p", "q"};
     static const double line[] = {3, 14};
-    sweep({"many names", {}, [](auto &) { return struct_of(1, 1, many); }});
-    sweep({"array", {}, [](auto &) { return oxCreateStructArray(3, dims, 2, names); }});
+    sweep_everywhere({{}}, [](auto &) { return struct_of(1, 1, many); });
+    sweep_everywhere({{}}, [](auto &) { return oxCreateStructArray(3, dims, 2, names); });
     Sweep stack{"stack", {}, [](auto &) { return oxCreateStackStruct(2, names, names, line); }};
     stack.may_survive = true; // its texts ask for a second block
     sweep(stack);

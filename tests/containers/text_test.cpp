@@ -1,15 +1,8 @@
 // Char arrays from and to strings and lists of strings, in several code pages.
-#include <core/array.h>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
-#include <support/random.h>
+#include <support/suite.h>
 #include <unicode/ucnv.h>
-#include <ut.h>
 
-using namespace ox;
-using namespace ox::test;
+#include <ut.h>
 
 namespace {
 

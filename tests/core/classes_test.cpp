@@ -90,14 +90,12 @@ TEST_F(Classes, Attributes) {
     const struct {
         const char *array;
         oxArray_attributes shape;
-    } rows[] = {
-        {"1+2i", oxATTR_SCALAR},           {"logical 1x2: 1 1", oxATTR_ROW},
-        {"int8 2x1: 1; 2", oxATTR_COLUMN}, {"sparse double 2x2", oxATTR_MATRIX},
-        {"double 0x5", oxATTR_MATRIX},     {"double 0x1", oxATTR_MATRIX},
-        {"double 1x0", oxATTR_MATRIX},     {"double 1x1x1: 4", oxATTR_3D},
-        {"double 0x1x1", oxATTR_3D},       {"double 1x1x1x1: 4", oxATTR_4D},
-        {"cell 1x1x1x1x1: {}", oxATTR_ND},
-    };
+    } rows[] = {{"1+2i", oxATTR_SCALAR},           {"logical 1x2: 1 1", oxATTR_ROW},
+                {"int8 2x1: 1; 2", oxATTR_COLUMN}, {"sparse double 2x2", oxATTR_MATRIX},
+                {"double 0x5", oxATTR_MATRIX},     {"double 0x1", oxATTR_MATRIX},
+                {"double 1x0", oxATTR_MATRIX},     {"double 1x1x1: 4", oxATTR_3D},
+                {"double 0x1x1", oxATTR_3D},       {"double 1x1x1x1: 4", oxATTR_4D},
+                {"cell 1x1x1x1x1: {}", oxATTR_ND}};
     for (const auto &r : rows) {
         const oxArray *a = arr(r.array);
         EXPECT_EQ(a->get_attributes(), r.shape | (oxIsComplex(a) ? oxATTR_COMPLEX : oxATTR_REAL) |
@@ -112,16 +110,14 @@ TEST_F(Classes, ScalarDoubleFlagUpkeep) {
         const char *array;
         bool before, after;
     };
-    const Row rows[] = {
-        {"5", false, true},
-        {"1+2i", false, true},
-        {"1 2", true, false},
-        {"double 0x0", true, false},
-        {"double 1x1x1: 4", false, true},
-        {"int8 2x1: 1; 2", true, true},
-        {"logical 1x1: 1", false, false},
-        {"sparse double 1x1", false, true},
-    };
+    const Row rows[] = {{"5", false, true},
+                        {"1+2i", false, true},
+                        {"1 2", true, false},
+                        {"double 0x0", true, false},
+                        {"double 1x1x1: 4", false, true},
+                        {"int8 2x1: 1; 2", true, true},
+                        {"logical 1x1: 1", false, false},
+                        {"sparse double 1x1", false, true}};
     for (const Row &r : rows) {
         oxArray *a = arr(r.array);
         r.before ? oxSetScalarDoubleFlag(a) : oxClearScalarDoubleFlag(a);
@@ -200,15 +196,13 @@ TEST_F(Classes, Dimensions) {
 }
 
 TEST_F(Classes, FirstElement) {
-    const std::pair<const char *, double> rows[] = {
-        {"7 8", 7},
-        {"int8 1x1: -3", -3},
-        {"uint64 1x1: 18446744073709551615", 0x1p64},
-        {"char 1x1: 'A'", 65},
-        {"logical 1x1: 1", 1},
-        {"sparse double 2x2: (0,0)=5", 5},
-        {"sparse double 2x2: (1,0)=5", 0},
-    };
+    const std::pair<const char *, double> rows[] = {{"7 8", 7},
+                                                    {"int8 1x1: -3", -3},
+                                                    {"uint64 1x1: 18446744073709551615", 0x1p64},
+                                                    {"char 1x1: 'A'", 65},
+                                                    {"logical 1x1: 1", 1},
+                                                    {"sparse double 2x2: (0,0)=5", 5},
+                                                    {"sparse double 2x2: (1,0)=5", 0}};
     for (const auto &[array, first] : rows) EXPECT_EQ(oxGetScalar(arr(array)), first) << array;
     for (const char *t : {"double 0x3", "cell 1x1: {1}", "sparse double 0x0"})
         EXPECT_TRUE(oxIsNaN(oxGetScalar(arr(t)))) << t;
@@ -221,14 +215,12 @@ TEST_F(Classes, ReTypingInPlace) {
         oxClassID to;
         uint32_t flags;
     };
-    const Row rows[] = {
-        {"double 2x2x2: 1 2; 3 4 | 5 6; 7 8", oxDOUBLE_CLASS,
-         oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE},
-        {"1+2i", oxINT8_CLASS, oxFLAG_NUMERIC},
-        {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS, 0},
-        {"cell 1x2: {1} {char 1x1: 'a'}", oxCELL_CLASS, 0},
-        {"struct 1x2 a,b: {1} {} {2} {}", oxVOID_CLASS, 0},
-    };
+    const Row rows[] = {{"double 2x2x2: 1 2; 3 4 | 5 6; 7 8", oxDOUBLE_CLASS,
+                         oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE},
+                        {"1+2i", oxINT8_CLASS, oxFLAG_NUMERIC},
+                        {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS, 0},
+                        {"cell 1x2: {1} {char 1x1: 'a'}", oxCELL_CLASS, 0},
+                        {"struct 1x2 a,b: {1} {} {2} {}", oxVOID_CLASS, 0}};
     for (const Row &r : rows) {
         oxArray *a = arr(r.array), *sharer = oxCreateSharedDataCopy(a);
         const std::string contents = text(sharer);

@@ -27,17 +27,15 @@ oxArray *nd(const Dims &dims, oxClassID id = oxDOUBLE_CLASS, oxComplexity c = ox
 const struct {
     Dims dims;
     const char *text;
-} nd_rows[] = {
-    {{2, 1, 2}, "double 2x1x2: 0; 0 | 0; 0"},
-    {{1, 1, 1}, "double 1x1x1: 0"}, // nothing is trimmed
-    {{3}, "double 3x1: 0; 0; 0"},
-    {{}, "double 0x0"},
-    // Empty arrays are never too large.
-    {{0, huge}, "double 0x1152921504606846976"},
-    {{huge, 0}, "double 1152921504606846976x0"},
-    {{0, huge, huge}, "double 0x1152921504606846976x1152921504606846976"},
-    {{huge, 0, huge}, "double 1152921504606846976x0x1152921504606846976"},
-};
+} nd_rows[] = {{{2, 1, 2}, "double 2x1x2: 0; 0 | 0; 0"},
+               {{1, 1, 1}, "double 1x1x1: 0"}, // nothing is trimmed
+               {{3}, "double 3x1: 0; 0; 0"},
+               {{}, "double 0x0"},
+               // Empty arrays are never too large.
+               {{0, huge}, "double 0x1152921504606846976"},
+               {{huge, 0}, "double 1152921504606846976x0"},
+               {{0, huge, huge}, "double 0x1152921504606846976x1152921504606846976"},
+               {{huge, 0, huge}, "double 1152921504606846976x0x1152921504606846976"}};
 
 TEST_F(Create, FullArrays) {
     std::vector<std::pair<oxArray *, const char *>> made = {

@@ -71,17 +71,15 @@ struct NarrowRow {
     bool fits;
     int count;
 };
-const NarrowRow narrow_rows[] = {
-    {{}, 8, true, 1},
-    {{3, 4, 5}, 8, true, 60},
-    {{INT_MAX}, 8, true, INT_MAX},
-    {{INT_MAX, 2}, 1, false, INT_MAX},
-    {{1 << 15, 1 << 16}, 1, false, INT_MAX}, // 2^31
-    {{INT_MAX}, kwSize{1} << 17, true, INT_MAX},
-    {{INT_MAX}, (kwSize{1} << 17) + 1, false, INT_MAX},
-    {{-1, 5}, 8, false, INT_MAX},
-    {{-1, 0}, 8, true, 0},
-};
+const NarrowRow narrow_rows[] = {{{}, 8, true, 1},
+                                 {{3, 4, 5}, 8, true, 60},
+                                 {{INT_MAX}, 8, true, INT_MAX},
+                                 {{INT_MAX, 2}, 1, false, INT_MAX},
+                                 {{1 << 15, 1 << 16}, 1, false, INT_MAX}, // 2^31
+                                 {{INT_MAX}, kwSize{1} << 17, true, INT_MAX},
+                                 {{INT_MAX}, (kwSize{1} << 17) + 1, false, INT_MAX},
+                                 {{-1, 5}, 8, false, INT_MAX},
+                                 {{-1, 0}, 8, true, 0}};
 
 TEST_F(SizeCheck, Narrow) {
     for (const NarrowRow &r : narrow_rows) {

@@ -13,18 +13,16 @@ constexpr double inf = std::numeric_limits<double>::infinity(), nan = NAN;
 TEST_F(Colon, CountsWithATolerance) {
     const struct {
         double first, step, last, count;
-    } rows[] = {
-        {1, 1, 0, 0},
-        {1, 0, 5, 0},
-        {0, 0.1, 1, 11},
-        {0, 0.1, 0.95, 10},
-        {1, -0.1, 0, 11},
-        {0.1 + 0.2, 0.1, 0.3, 0},
-        {0, 1, inf, inf},
-        {0, inf, 5, 1},
-        {-0x1p60, 0x1p60, 0x1p60, 3},
-        {-1e308, 1e308, 1e308, 3},
-    };
+    } rows[] = {{1, 1, 0, 0},
+                {1, 0, 5, 0},
+                {0, 0.1, 1, 11},
+                {0, 0.1, 0.95, 10},
+                {1, -0.1, 0, 11},
+                {0.1 + 0.2, 0.1, 0.3, 0},
+                {0, 1, inf, inf},
+                {0, inf, 5, 1},
+                {-0x1p60, 0x1p60, 0x1p60, 3},
+                {-1e308, 1e308, 1e308, 3}};
     for (const auto &r : rows)
         EXPECT_EQ(oxColonop_size(r.first, r.step, r.last, oxDOUBLE_CLASS), r.count)
             << r.first << ':' << r.step << ':' << r.last;
@@ -38,14 +36,12 @@ TEST_F(Colon, ExpandsToArrays) {
         double first, step, last;
         oxClassID cls;
         const char *result;
-    } rows[] = {
-        {0, 0.25, 1, oxDOUBLE_CLASS, "double 1x5: 0 0.25 0.5 0.75 1"},
-        {1, nan, 3, oxDOUBLE_CLASS, "double 1x1: NaN"},
-        {97, 2, 101, oxCHAR_CLASS, "char 1x3: 'ace'"},
-        {9223372036854774784.0, 512, 0x1p63, oxINT64_CLASS,
-         "int64 1x3: 9223372036854774784 9223372036854775296 9223372036854775807"},
-        {0, 0.5, 1, oxUINT64_CLASS, "uint64 1x3: 0 1 1"},
-    };
+    } rows[] = {{0, 0.25, 1, oxDOUBLE_CLASS, "double 1x5: 0 0.25 0.5 0.75 1"},
+                {1, nan, 3, oxDOUBLE_CLASS, "double 1x1: NaN"},
+                {97, 2, 101, oxCHAR_CLASS, "char 1x3: 'ace'"},
+                {9223372036854774784.0, 512, 0x1p63, oxINT64_CLASS,
+                 "int64 1x3: 9223372036854774784 9223372036854775296 9223372036854775807"},
+                {0, 0.5, 1, oxUINT64_CLASS, "uint64 1x3: 0 1 1"}};
     for (const auto &r : rows) EXPECT_EQ(text(oxColonop(r.first, r.step, r.last, r.cls)), r.result);
     EXPECT_TRUE(oxIsScalarDoubleFlagSet(oxColonop(4, 1, 4, oxDOUBLE_CLASS)));
     EXPECT_EQ(text(oxIntColonop(1, 1, 2, oxUINT8_CLASS)), "uint8 1x2: 1 2");
@@ -195,10 +191,8 @@ TEST_F(Colon, ArgumentsThatRaiseOrWarn) {
 }
 
 TEST_F(Colon, SurvivesFailingAllocations) {
-    sweep_makes(
-        {{}}, [](auto &) { return oxColonop(1, 1, 9, oxDOUBLE_CLASS); }, true);
-    sweep_makes(
-        {{}}, [](auto &) { return oxCreateColonObj(1, 1, 9); }, true);
+    sweep_everywhere({{}}, [](auto &) { return oxColonop(1, 1, 9, oxDOUBLE_CLASS); });
+    sweep_everywhere({{}}, [](auto &) { return oxCreateColonObj(1, 1, 9); });
     sweep({.name = "expand",
            .act = [](auto &in) { return oxExpandColonObj(in[0]) != nullptr; },
            .bare = false,

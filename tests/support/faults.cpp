@@ -185,13 +185,16 @@ void sweep(const Sweep &s) {
     }
 }
 
-void sweep_makes(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make,
-                 bool bare) {
+void sweep_makes(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make) {
     for (const auto &inputs : calls)
-        sweep({.name = inputs.empty() ? "creation" : inputs[0].c_str(),
-               .inputs = inputs,
-               .make = make,
-               .bare = bare});
+        sweep({.name = inputs[0].c_str(), .inputs = inputs, .make = make, .bare = false});
+}
+
+void sweep_everywhere(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make) {
+    for (const auto &inputs : calls) {
+        const char *name = inputs.empty() ? "creation" : inputs[0].c_str();
+        sweep({.name = name, .inputs = inputs, .make = make});
+    }
 }
 
 void sweep_changes(const Inputs &calls, const std::function<void(const Arrays &)> &change) {

@@ -48,11 +48,11 @@ struct Sweep {
 // makes none fails the test.
 void sweep(const Sweep &s);
 
-// The same for one call and several lists of inputs: one that makes an array, and one that changes
-// its first input (and may do with less memory).
+// The same for one call and several lists of inputs: one that makes an array, with managers only or
+// in the state at load, too, and one that changes its first input (and may do with less memory).
 using Inputs = std::vector<std::vector<std::string>>;
-void sweep_makes(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make,
-                 bool bare = false);
+void sweep_makes(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make);
+void sweep_everywhere(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make);
 void sweep_changes(const Inputs &calls, const std::function<void(const Arrays &)> &change);
 
 // What a sweep compares: text, class, flags (but for the list mark), scope, references, ring.
