@@ -1,14 +1,15 @@
-// The columns of a reference: a list, or all of them.
+// The columns of a reference: a list, or neighbours.
 #pragma once
 #include <ox/types.h>
 
 namespace ox {
 
 struct ColumnChoice {
-    const kwIndex *list; // null: 0, 1, ...
+    const kwIndex *list; // null: first, first + 1, ...
     kwSize count;
+    kwIndex first = 0;
 
-    kwIndex operator[](kwSize c) const { return list ? list[c] : c; }
+    kwIndex operator[](kwSize c) const { return list ? list[c] : first + c; }
 
     // Calls f(c, end) for every stretch c .. end - 1 of the choice that names neighbouring columns
     // in order: their elements stand together.

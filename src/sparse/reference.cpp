@@ -21,6 +21,14 @@ void check_positions(const kwIndex *positions, kwSize count, kwSize extent) {
     if (outside) oxHandleSparseSubscriptError(spOutOfBounds);
 }
 
+// A list of neighbouring columns needs no looking up.
+ColumnChoice choose_columns(const kwIndex *list, kwSize count) {
+    if (count == 0 || list[count - 1] - list[0] != count - 1) return {list, count};
+    kwIndex differs = 0;
+    for (kwSize c = 0; c < count; ++c) differs |= list[c] ^ (list[0] + c);
+    return differs ? ColumnChoice{list, count} : ColumnChoice{nullptr, count, list[0]};
+}
+
 // Copies count values; a few of them faster than a call would.
 template<class T> void copy(const T *from, kwSize count, T *to) {
     if (count > 16)
@@ -72,6 +80,8 @@ oxArray *make_reference(const oxArray *a, kwSize m, kwSize n, kwSize nzmax) {
 }
 
 kwSize stored(const oxArray *a, const ColumnChoice &columns) {
+    const kwIndex *start = a->num.jc + columns.first;
+    if (!columns.list) return start[columns.count] - *start;
     kwSize n = 0;
     for (kwSize c = 0; c < columns.count; ++c)
         n += a->num.jc[columns[c] + 1] - a->num.jc[columns[c]];
@@ -81,8 +91,12 @@ kwSize stored(const oxArray *a, const ColumnChoice &columns) {
 oxArray *sparse_reference(const oxArray *a, const kwIndex *row_list, kwSize nrows,
                           const kwIndex *column_list, kwSize ncols) {
     check_positions(row_list, nrows, rows(a));
-    check_positions(column_list, ncols, cols(a));
-    const ColumnChoice columns{column_list, column_list ? ncols : cols(a)};
+    const ColumnChoice columns =
+        column_list ? choose_columns(column_list, ncols) : ColumnChoice{nullptr, cols(a)};
+    if (columns.list)
+        check_positions(column_list, ncols, cols(a));
+    else if (column_list)
+        check_positions(column_list + ncols - 1, 1, cols(a)); // the largest
     if (!row_list) return reference_columns(a, columns);
     const RowChoice rows{row_list, nrows, std::is_sorted(row_list, row_list + nrows)};
     return map_pays(a, rows) ? reference_many_rows(a, rows, columns)
