@@ -27,7 +27,7 @@ inline constexpr kwSize transpose_buffered_rows = pick(512, 64);
 
 inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
 inline constexpr kwSize compare_block = pick(512, 2);    // elements compared before the first look
-inline constexpr kwSize row_map_share = pick(16, 2); // a row map may have so many rows a request
+inline constexpr kwSize row_map_share = pick(10, 2); // a row map may have so many rows a request
 inline constexpr kwSize sparse_rebuild_columns = pick(8, 3); // columns assigned in one rebuild
 
 // Field tables of at least this many names have a hash.

@@ -3,11 +3,11 @@
 #include <sparse/assign.h>
 #include <sparse/filter.h>
 #include <sparse/operands.h>
+#include <sparse/resize.h>
 #include <sparse/scratch.h>
 #include <sparse/storage/csc.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace ox {
 namespace {
@@ -34,25 +34,6 @@ struct Deleted {
         return static_cast<kwSize>(at - begin);
     }
 };
-
-// An m * n array as one column of its positions.
-void to_column(oxArray *a, kwSize count) {
-    auto *jc = static_cast<kwIndex *>(oxCallocEx(2, sizeof(kwIndex)));
-    if (!jc) raise_out_of_memory();
-    reshape_indices(rows(a), cols(a), a->num.jc, a->num.ir, count, 1, jc);
-    oxFreeEx(a->num.jc);
-    a->num.jc = jc;
-    store_mn(a, count, 1);
-}
-
-void column_to_row(oxArray *a) {
-    oxArray *row = sparse_transpose(a);
-    if (!row) raise_out_of_memory();
-    std::swap(a->words, row->words);
-    store_mn(a, 1, rows(a));
-    store_mn(row, rows(row), 1);
-    oxDestroyArray(row);
-}
 
 } // namespace
 
@@ -97,15 +78,34 @@ spStatus sparse_delete_rows(oxArray *a, Subscript &row) {
     return spOK;
 }
 
+// What stays of a matrix is numbered through and becomes a row.
 spStatus sparse_delete_linear(oxArray *a, Subscript &index) {
     make_sparse_target(a, nullptr);
     const kwSize m = rows(a), n = cols(a);
     kwSize count;
     if (__builtin_mul_overflow(m, n, &count) || count > max_size) return spTooLarge;
-    const bool column = n == 1 && m != 1;
-    if (!column) to_column(a, count);
-    sparse_delete_rows(a, index);
-    if (!column) column_to_row(a);
+    if (index.is_all()) {
+        sparse_resize(a, 0, 0);
+        finish_target(a, spOK);
+        return spOK;
+    }
+    if (n == 1 && m != 1) return sparse_delete_rows(a, index);
+    const Deleted gone(index, count);
+    const kwSize left = count - gone.count;
+    auto starts = RawArray<kwIndex>::zeroed(left + 1);
+    if (!starts) raise_out_of_memory();
+    filter_elements(a, [&](kwIndex &r, kwSize j) {
+        bool hit;
+        const kwIndex position = r + j * m, to = position - gone.below(position, &hit);
+        if (!hit) starts[to + 1] = 1;
+        r = 0;
+        return !hit;
+    });
+    for (kwSize k = 0; k < left; ++k) starts[k + 1] += starts[k];
+    oxFreeEx(a->num.jc);
+    a->num.jc = starts.release();
+    store_mn(a, 1, left);
+    finish_target(a, spOK);
     return spOK;
 }
 

@@ -163,6 +163,10 @@ template<class T> void fill(const oxArray *a, const Matches &matches, oxArray *b
         ++at;
     }
     std::fill(start, jc_end, at);
+    const kwSize spare = b->num.nzmax - at;
+    std::fill_n(b->num.ir + at, spare, 0);
+    std::fill_n(data<T>(b) + at, spare, T{});
+    if (complex) std::fill_n(imag<T>(b) + at, spare, T{});
 }
 
 } // namespace

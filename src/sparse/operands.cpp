@@ -56,10 +56,11 @@ void finish_target(oxArray *a, spStatus status) {
 }
 
 spStatus reserve_target(oxArray *a, const ColumnSource &source, kwSize columns) {
-    kwSize wanted = source.columns ? nonzeros(source.columns) : 0;
-    if (!source.columns && source.re && __builtin_mul_overflow(rows(a), columns, &wanted))
-        return spTooLarge;
-    if (a->num.nzmax == 0 && wanted > 0) grow_to(a, wanted);
+    if (a->num.nzmax == 0) {
+        kwSize wanted = source.columns ? nonzeros(source.columns) : 0;
+        if (source.re && __builtin_mul_overflow(rows(a), columns, &wanted)) return spTooLarge;
+        if (wanted > 0) grow_to(a, wanted);
+    }
     if (!source.complex() || has_imag_block(a)) return spOK;
     const kwSize size = class_info(a->class_code).element_size;
     a->num.pimag = oxCallocEx(a->num.nzmax ? a->num.nzmax : 1, size);

@@ -12,8 +12,9 @@ void make_sparse_target(oxArray *a, const oxArray *b);
 // After the work on a target: one that stores nothing gets room for an element all the same; what
 // succeeded drops an imaginary part that is zero.
 void finish_target(oxArray *a, spStatus status);
-// A zero-filled imaginary part for a when b has one; storage for what b brings when a has none:
-// `cells` elements (of which m times columns may have overflowed) or nnz(b).
+// Storage for what the source brings to an array that has none: nnz elements, or for a value the
+// rows times the columns (10 when that overflows). A zero-filled imaginary part when the source
+// has one and a does not.
 spStatus reserve_target(oxArray *a, const ColumnSource &source, kwSize columns);
 
 // The right-hand side in the target's class.

@@ -59,18 +59,23 @@ oxArray *reference_columns(const oxArray *a, const ColumnChoice &columns) {
     return b;
 }
 
-// A map of all rows pays when they are not many more than the requested ones.
+// m <= times * n, which may not be counted.
+bool within(kwSize m, kwSize times, kwSize n) { return m / times + (m % times != 0) <= n; }
+
+// A map of all rows pays when they are not many more than the requested ones. It counts exactly,
+// so that it must not be chosen where an upper bound is asked for.
 bool map_pays(const oxArray *a, const RowChoice &rows) {
+    static_assert(tuning::row_map_share <= exact_share);
     constexpr kwSize limit = kwSize{1} << 32;
-    return ox::rows(a) / tuning::row_map_share <= rows.count && ox::rows(a) < limit &&
+    return within(ox::rows(a), tuning::row_map_share, rows.count) && ox::rows(a) < limit &&
            rows.count < limit;
 }
 
 } // namespace
 
 bool counts_exactly(const oxArray *a, const RowChoice &choice) {
-    const kwSize m = rows(a), tenth = m / 10 + (m % 10 != 0);
-    return tenth <= nonzeros(a) || tenth <= choice.count;
+    const kwSize m = rows(a);
+    return within(m, exact_share, nonzeros(a)) || within(m, exact_share, choice.count);
 }
 
 oxArray *make_reference(const oxArray *a, kwSize m, kwSize n, kwSize nzmax) {

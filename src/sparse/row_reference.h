@@ -24,6 +24,7 @@ oxArray *reference_many_rows(const oxArray *a, const RowChoice &rows, const Colu
 
 // Deliberate: the factor decides the capacity of the result, whichever way is taken. Where a map
 // of the rows pays, because they are not many beside the elements or the request, it is exact.
+inline constexpr kwSize exact_share = 10;
 bool counts_exactly(const oxArray *a, const RowChoice &rows);
 
 // The result without its elements; raises error 18.

@@ -157,6 +157,20 @@ TEST_F(SparseAssignTest, StatusesAndWhatStaysAssigned) {
     oxDestroyArray(seven);
 }
 
+// An array that has room for something grows by the rule; one without gets what is assigned.
+TEST_F(SparseAssignTest, CapacitiesThatCannotBe) {
+    oxArray *a = oxCreateSparse(kwSize{1} << 61, 8, 1, oxREAL), *all = arr("char 1x1: ':'");
+    oxArray *seven = oxCreateDoubleScalar(7), *first = arr("double 1x1: 1");
+    oxSetArrayScope(seven, 0); // not consumed
+    EXPECT_RAISES_ENTRY(FNOMEM, spAss4(a, seven, all));
+    oxSetNzmax(a, 0);
+    EXPECT_EQ(spAss4(a, seven, all), spTooLarge);
+    oxSetNzmax(a, 0);
+    EXPECT_RAISES("VELTRO:", "Indices are too large to convert to linear index.",
+                  spAss4(a, seven, first));
+    oxDestroyArray(seven);
+}
+
 TEST_F(SparseAssignTest, TargetsAndSourcesOfOtherKinds) {
     struct Row {
         const char *target, *columns, *source, *expected;
@@ -200,11 +214,23 @@ TEST(SparseAssignSweep, FailingAllocations) {
         [&](const Arrays &in) { return one_more(in, spAss4); },
         [&](const Arrays &in) { return one_more(in, spAss5); },
         [&](const Arrays &in) { return one_more(in, spAss6); },
-        [](const Arrays &in) { return spAss4(in[0], nullptr, in[1]) == spOK; },
+        [&](const Arrays &in) {
+            return one_more(in, [&](oxArray *a, oxArray *b, const oxArray *i) {
+                return spAss3(a, b, i, in[2]);
+            });
+        },
+        [](const Arrays &in) { return spAss4(in[0], nullptr, in[2]) == spOK; },
+        [](const Arrays &in) { return spAss5(in[0], nullptr, in[2]) == spOK; },
+        [](const Arrays &in) { return spAss6(in[0], nullptr, in[2]) == spOK; },
+        [&](const Arrays &in) { // a full target
+            return one_more(
+                in, [&](oxArray *, oxArray *b, const oxArray *j) { return spAss4(in[3], b, j); });
+        },
     };
     for (const auto &act : calls)
         sweep({.name = "assignment",
-               .inputs = {"sparse double 3x2: (0,0)=1", "double 1x1: 4"},
+               .inputs = {"sparse double 3x2: (0,0)=1", "double 1x1: 4", "double 1x2: 1 2",
+                          "double 3x1: 1; 0; 2"},
                .make = nullptr,
                .act = act,
                .bare = false,

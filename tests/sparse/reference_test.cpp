@@ -9,6 +9,7 @@
 #include <core/create.h>
 #include <ox.hpp>
 #include <sparse/reference.h>
+#include <sparse/row_reference.h>
 #include <sparse/storage/csc.h>
 
 #include <vector>
@@ -71,6 +72,17 @@ TEST_F(SparseReferenceTest, RowsAndColumnsAgreeWithTheFullModel) {
                     ASSERT_EQ(at(bf, i, j, im),
                               at(full, all_rows ? i : r[i], all_cols ? j : c[j], im))
                         << "round " << round;
+        if (!all_rows) {
+            const RowChoice choice{r.data(), r.size(), std::is_sorted(r.begin(), r.end())};
+            const ColumnChoice columns{all_cols ? nullptr : c.data(), cols(b)};
+            oxArray *few = reference_few_rows(a, choice, columns);
+            oxArray *many = reference_many_rows(a, choice, columns);
+            EXPECT_EQ(text(few), text(b)) << "round " << round;
+            EXPECT_EQ(oxGetNzmax(few), oxGetNzmax(b)) << "round " << round;
+            EXPECT_TRUE(oxAreMatricesEqual(many, b)) << "round " << round;
+            oxDestroyArray(few);
+            oxDestroyArray(many);
+        }
         oxDestroyArray(const_cast<oxArray *>(full));
         oxDestroyArray(const_cast<oxArray *>(bf));
     }
@@ -204,16 +216,41 @@ TEST(SparseReferenceSweep, FailingAllocations) {
     const std::function<oxArray *(const Arrays &)> calls[] = {
         [](const Arrays &in) { return oxSparseReference(in[0], r, 3, c, 2); },
         [](const Arrays &in) { return oxSparseReference(in[0], nullptr, 0, c, 2); },
+        [](const Arrays &in) { return oxSparseReference(in[1], r, 3, c, 2); },
         [](const Arrays &in) { return oxSparseColonReference(in[0]); },
+        [](const Arrays &in) {
+            oxArray *b = nullptr;
+            const oxArray *subs[] = {in[2], in[2], in[3]};
+            return spRef3(in[0], subs, &b) == spOK ? b : nullptr;
+        },
+        [](const Arrays &in) {
+            oxArray *b = nullptr;
+            const double subs[] = {4, 2, 1};
+            return spRef3Scalar(in[0], subs, &b) == spOK ? b : nullptr;
+        },
+        [](const Arrays &in) { return oxMustBeFull(in[0]); },
+        [](const Arrays &in) { return oxMustBeSparse(in[2]); },
     };
     for (const auto &make : calls)
         sweep({.name = "reference",
-               .inputs = {"sparse double 5x2: (0,0)=1 (3,1)=5+1i"},
+               .inputs = {"sparse double 5x2: (0,0)=1 (3,1)=5+1i", "sparse double 100x2: (3,1)=5",
+                          "double 1x2: 2 1", "double 1x1: 1"},
                .make = make,
                .act = nullptr,
                .bare = false});
     const auto create = [](const Arrays &) { return oxCreateSparse(3, 3, 4, oxCOMPLEX); };
     sweep({.name = "create", .inputs = {}, .make = create, .act = nullptr, .silent = true});
+    const auto resize = [](const Arrays &in) {
+        ox_inResizeSparseArray(in[0], oxCreateSharedDataCopy(in[1]));
+        return true;
+    };
+    sweep({.name = "resize",
+           .inputs = {"sparse double 2x4", "sparse double 4x2: (0,0)=1 (3,1)=5+1i"},
+           .make = nullptr,
+           .act = resize,
+           .bare = false,
+           .changes_inputs = true,
+           .setup = nullptr});
 }
 
 } // namespace

@@ -60,7 +60,7 @@ oxArray *make_sparse(kwSize m, kwSize n, kwSize nzmax, int id, bool complex) {
 }
 
 oxArray *make_sparse_uninit(kwSize m, kwSize n, kwSize nzmax, int id, bool complex) {
-    oxArray *a = make(m, n, nzmax, id, complex, undefined);
+    oxArray *a = make(m, n, nzmax, id, complex, nzmax ? undefined : oxCallocEx);
     if (a) a->num.jc[0] = 0;
     return a;
 }

@@ -23,7 +23,7 @@ inline kwIndex find_stored(const oxArray *a, kwIndex position) {
 // An m-by-n array without stored elements and with capacity max(nzmax, 1). Null without memory and
 // for classes without elements. Touches no hook.
 oxArray *make_sparse(kwSize m, kwSize n, kwSize nzmax, int id, bool complex);
-// The same, but elements and column starts are undefined; only the first start is 0.
+// The same, but the nzmax elements and the column starts are undefined; only the first start is 0.
 oxArray *make_sparse_uninit(kwSize m, kwSize n, kwSize nzmax, int id, bool complex);
 
 // B = A.' for sparse A; no conjugation, capacity max(nnz, 1). O(nnz + m + n). Null without memory.
