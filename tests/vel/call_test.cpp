@@ -41,7 +41,7 @@ TEST_F(Call, PrintsOutputs) {
         {"bash -c \"$(vel --bash-completion); COMP_WORDS=(vel ls --j); COMP_CWORD=2; _vel; echo "
          "\\${COMPREPLY[0]}\"",
          0, "--json\n"},
-        {"vel --man | grep -c '^.SH .vel '", 0, "7\n"},
+        {"vel --man | grep -c '^.SH .vel '", 0, "8\n"},
         {"vel call $MODULES/zscore.vex --fast 2>&1", 2, "vel: unknown option --fast\n"},
     };
     for (const Case &c : cases) {

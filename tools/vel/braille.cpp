@@ -20,8 +20,8 @@ public:
         if (!counts.of.empty()) most_ = *std::max_element(counts.of.begin(), counts.of.end());
     }
 
-    // The bits of the character whose first dot is at (i, j).
-    unsigned character(size_t i, size_t j) const {
+    // The bits of the character whose first dot is at (i, j), and its largest shade.
+    unsigned character(size_t i, size_t j, double &largest) const {
         unsigned bits = 0, fullest_bit = 0;
         size_t fullest = 0;
         for (size_t r = 0; r < 4 && i + r < counts_.m; ++r)
@@ -30,16 +30,17 @@ public:
                 if (shade(count) > threshold[r][c]) bits |= bit_of[r][c];
                 if (count > fullest) fullest = count, fullest_bit = bit_of[r][c];
             }
+        largest = shade(fullest);
         return bits | fullest_bit;
     }
 
-private:
     double shade(size_t count) const {
         return count == 0 ? 0
                           : std::log1p(static_cast<double>(count)) /
                                 std::log1p(static_cast<double>(most_));
     }
 
+private:
     const Counts &counts_;
     size_t most_ = 1;
 };
@@ -56,22 +57,50 @@ Counts count_pattern(const oxArray *a, size_t most_rows, size_t most_columns) {
     const kwIndex *ir = oxGetIr(a), *jc = oxGetJc(a);
     const auto bins = [](size_t size, size_t bin) { return size / bin + (size % bin != 0); };
     const size_t bin = std::max({size_t{1}, bins(m, most_rows), bins(n, most_columns)});
-    Counts counts{bins(m, bin), bins(n, bin), {}};
+    Counts counts{bins(m, bin), bins(n, bin), bin, {}};
     counts.of.resize(counts.m * counts.n);
     for (size_t j = 0; j < n; ++j)
         for (size_t k = jc[j]; k < jc[j + 1]; ++k) ++counts.of[ir[k] / bin * counts.n + j / bin];
     return counts;
 }
 
-std::vector<std::string> braille(const Counts &counts) {
+std::vector<std::string> braille(const Counts &counts, Depth depth) {
     const Shades shades(counts);
     std::vector<std::string> lines;
     for (size_t i = 0; i < counts.m; i += 4) {
-        lines.emplace_back();
-        for (size_t j = 0; j < counts.n; j += 2)
-            lines.back() += utf8_braille(shades.character(i, j));
+        std::string line, color;
+        for (size_t j = 0; j < counts.n; j += 2) {
+            double shade = 0;
+            const unsigned bits = shades.character(i, j, shade);
+            // Not from the dark end: it would vanish on a black terminal.
+            const std::string next = foreground(depth, heat(0.3 + 0.7 * shade));
+            if (bits && next != color) line += color = next;
+            line += utf8_braille(bits);
+        }
+        lines.push_back(line + no_color(depth));
     }
     return lines;
+}
+
+Picture picture_of(const Counts &counts) {
+    const Shades shades(counts);
+    Picture p(counts.m, counts.n, {255, 255, 255});
+    for (size_t k = 0; k < counts.of.size(); ++k) {
+        if (counts.of[k] == 0) continue;
+        const double x = shades.shade(counts.of[k]);
+        const auto mix = [x](int a, int b) { return static_cast<uint8_t>(a + x * (b - a)); };
+        p.dots[k] = {mix(158, 8), mix(202, 48), mix(225, 107)};
+    }
+    return p;
+}
+
+Json to_json(const Counts &counts) {
+    Json rows = Json::array();
+    for (size_t i = 0; i < counts.m; ++i) {
+        rows.push_back(Json::array());
+        for (size_t j = 0; j < counts.n; ++j) rows.back().push_back(counts.of[i * counts.n + j]);
+    }
+    return {{"kind", "pattern"}, {"block", {counts.block, counts.block}}, {"counts", rows}};
 }
 
 std::vector<std::string> picture_of_pattern(const oxArray *a) {

@@ -6,6 +6,7 @@
 #include "json.h"
 #include "numbers.h"
 #include "print.h"
+#include "progress.h"
 #include "vel_file.h"
 
 #include <iostream>
@@ -49,11 +50,18 @@ void print_outputs(const CallResult &result) {
             print_array(std::cout, "output " + std::to_string(k + 1), result.outputs[k]);
 }
 
-void print_json(const CallResult &result) {
-    Json outputs = Json::array();
+void print_json(const CallOptions &options, const CallResult &result) {
+    Json outputs = Json::array(), j;
     for (const oxArray *a : result.outputs)
-        if (a) outputs.push_back(json_array(a));
-    std::cout << json_text(Json{{"outputs", outputs}});
+        if (a && options.out.empty()) outputs.push_back(json_array(a));
+    j["outputs"] = outputs;
+    if (result.raised)
+        j["raised"] = {{"identifier", result.identifier}, {"message", result.message}};
+    if (options.stats)
+        j["reclaimed"] = {{"arrays", result.reclaimed.arrays},
+                          {"blocks", result.reclaimed.blocks},
+                          {"blocks_by_raise", result.reclaimed.blocks_by_raise}};
+    std::cout << json_text(j);
 }
 
 // The variables output1, output2, ... of a VEL file.
@@ -64,10 +72,16 @@ void save_outputs(const CallOptions &options, const CallResult &result) {
     writer.commit();
 }
 
+// Outputs go to the file if there is one; stdout gets the rest.
 void deliver(const CallOptions &options, const CallResult &result) {
-    check_outputs(options, result);
-    if (!options.out.empty()) return save_outputs(options, result);
-    options.json ? print_json(result) : print_outputs(result);
+    if (!result.raised) {
+        check_outputs(options, result);
+        if (!options.out.empty()) save_outputs(options, result);
+    }
+    end_progress();
+    if (options.json) return print_json(options, result);
+    if (!result.raised && options.out.empty()) print_outputs(result);
+    if (options.stats) print_stats(result.reclaimed, result.raised);
 }
 
 int run(const CallOptions &options, const std::vector<std::string> &words) {
@@ -78,13 +92,10 @@ int run(const CallOptions &options, const std::vector<std::string> &words) {
     for (const std::string &word : words)
         inputs.push_back(parse_argument(word, {.force = options.force}));
     const CallResult result = call_module(module, options.nlhs, inputs);
-    if (result.raised) {
+    if (result.raised)
         std::cerr << "error: " << result.identifier << (result.identifier.empty() ? "" : ": ")
                   << result.message << '\n';
-    } else {
-        deliver(options, result);
-    }
-    if (options.stats) print_stats(result.reclaimed, result.raised);
+    deliver(options, result);
     return static_cast<int>(result.raised ? Exit::data : Exit::good);
 }
 

@@ -4,6 +4,7 @@
 #include "failure.h"
 #include "host.h"
 #include "json.h"
+#include "progress.h"
 #include "vel_file.h"
 
 #include <iostream>
@@ -77,6 +78,7 @@ int run(const CheckOptions &options) {
     for (const std::string &path : options.files) {
         Checker checker(path, options);
         const std::vector<std::string> faults = checker.faults();
+        end_progress();
         good = good && faults.empty();
         report[path] = {{"variables", checker.variables()}, {"faults", faults}};
         if (options.json) continue;

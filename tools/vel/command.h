@@ -26,6 +26,7 @@ std::function<int()> declare_check(CLI::App &word);
 std::function<int()> declare_convert(CLI::App &word);
 std::function<int()> declare_diff(CLI::App &word);
 std::function<int()> declare_ls(CLI::App &word);
+std::function<int()> declare_plot(CLI::App &word);
 std::function<int()> declare_save(CLI::App &word);
 std::function<int()> declare_show(CLI::App &word);
 

@@ -5,6 +5,7 @@
 #include "failure.h"
 #include "host.h"
 #include "json.h"
+#include "progress.h"
 #include "vel_file.h"
 
 #include <algorithm>
@@ -47,6 +48,7 @@ int run(const DiffOptions &options) {
     const auto difference = files ? compare_files(options)
                                   : first_difference("value", parse_argument(options.a),
                                                      parse_argument(options.b), options.tolerance);
+    end_progress();
     if (options.json) {
         Json j = {{"equal", !difference}};
         if (difference) j["path"] = difference->path, j["difference"] = difference->what;

@@ -74,6 +74,8 @@ Json contents(const oxArray *a) {
 
 } // namespace
 
+Json json_number(double x) { return value(x); }
+
 Json json_integer(uint64_t x) { return x > exact ? Json(std::to_string(x)) : Json(x); }
 
 std::string json_text(const Json &j) {

@@ -9,6 +9,8 @@ using Json = nlohmann::json;
 
 // Beyond 2^53 a string: many readers keep numbers as doubles.
 Json json_integer(uint64_t x);
+// NaN, Inf and -Inf are strings.
+Json json_number(double x);
 
 // The text of a value, whatever bytes are in its strings, and a line end.
 std::string json_text(const Json &j);

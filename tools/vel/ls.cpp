@@ -2,6 +2,7 @@
 #include "command.h"
 #include "failure.h"
 #include "json.h"
+#include "progress.h"
 #include "walk.h"
 
 #include <algorithm>
@@ -88,6 +89,7 @@ int run(const ListOptions &options) {
     Json files = Json::object();
     for (const std::string &file : options.files) {
         const std::vector<Variable> variables = variables_of(file, options.recursive);
+        end_progress();
         if (options.json) {
             Json &list = files[file] = Json::array();
             for (const Variable &v : variables) list.push_back(to_json(v));

@@ -3,11 +3,22 @@
 #include "failure.h"
 #include "help.h"
 #include "manual.h"
+#include "progress.h"
 
 #include <iostream>
 #include <ut.hpp>
 
-int main(int argc, char **argv) {
+namespace {
+
+int status(vel::Exit e) { return static_cast<int>(e); }
+
+int fail(vel::Exit e, const std::string &sentence) {
+    vel::end_progress();
+    std::cerr << "vel: " << sentence << '\n';
+    return status(e);
+}
+
+int run(int argc, char **argv) {
     CLI::App app{"Looks into data files and runs extension modules.", "vel"};
     vel::prepare_help(app);
     app.require_subcommand(0, 1);
@@ -24,19 +35,24 @@ int main(int argc, char **argv) {
         app.parse(argc, argv);
         if (manual) std::cout << vel::manual_page(app);
         if (completion) std::cout << vel::bash_completion(app);
-        if (manual || completion) return 0;
+        if (manual || completion) return status(vel::Exit::good);
         if (work) return work();
         throw CLI::RequiredError("A word");
     } catch (const CLI::ParseError &e) {
-        return app.exit(e) == 0 ? 0 : static_cast<int>(vel::Exit::usage);
+        return app.exit(e) == 0 ? status(vel::Exit::good) : status(vel::Exit::usage);
     } catch (const vel::Failure &e) {
-        std::cerr << "vel: " << e.what() << '\n';
-        return static_cast<int>(e.status());
+        return fail(e.status(), e.what());
     } catch (const ut::simple_exception &e) {
-        std::cerr << "vel: " << e.message() << '\n';
-        return static_cast<int>(vel::Exit::data);
+        return fail(vel::Exit::data, e.message());
     } catch (const std::bad_alloc &) {
-        std::cerr << "vel: out of memory\n";
-        return static_cast<int>(vel::Exit::io);
+        return fail(vel::Exit::io, "out of memory");
     }
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    const int result = run(argc, argv);
+    if (std::cout.flush()) return result;
+    return fail(vel::Exit::io, "the output cannot be written");
 }

@@ -3,10 +3,12 @@
 #include "command.h"
 #include "elements.h"
 #include "failure.h"
+#include "hex.h"
 #include "host.h"
 #include "numbers.h"
 #include "paths.h"
 #include "print.h"
+#include "progress.h"
 #include "stats.h"
 #include "vel_file.h"
 
@@ -18,9 +20,9 @@ namespace vel {
 namespace {
 
 struct ShowOptions {
-    std::string file, path, rows, columns;
+    std::string file, path, rows, columns, color;
     size_t head = 0;
-    bool stats = false, json = false, force = false;
+    bool stats = false, hex = false, json = false, force = false;
 };
 
 // Positions a to b of n, from "a:b", "a:", ":b" or "a".
@@ -70,6 +72,7 @@ void print_stats(const std::string &label, const oxArray *a) {
 
 void show(const std::string &label, const oxArray *a, const ShowOptions &options, Json &json) {
     const oxArray *part = a ? cut_out(a, options) : nullptr;
+    end_progress();
     if (options.json)
         json[label] = options.stats && part && has_elements(part) ? json_stats(stats_of(part))
                                                                   : json_array(part);
@@ -79,7 +82,15 @@ void show(const std::string &label, const oxArray *a, const ShowOptions &options
         print_array(std::cout, label, part);
 }
 
+int run_hex(const ShowOptions &options) {
+    std::string file, place;
+    if (!split_place(options.file, file, place)) file = options.file;
+    print_hex(std::cout, file, place + options.path, color_depth(options.color));
+    return static_cast<int>(Exit::good);
+}
+
 int run(const ShowOptions &options) {
+    if (options.hex) return run_hex(options);
     Host host;
     const Context context;
     Json json = Json::object();
@@ -105,15 +116,19 @@ int run(const ShowOptions &options) {
 
 std::function<int()> declare_show(CLI::App &word) {
     auto options = std::make_shared<ShowOptions>();
-    word.add_option("file", options->file, "a VEL, CSV or Matrix Market file")->required();
+    word.add_option("file", options->file, "a VEL file, FILE.vel:PLACE, or another file")
+        ->required();
     word.add_option("path", options->path, "a variable, or what is inside: s.a{3}, t(2).b");
     word.add_option("--rows", options->rows, "rows a:b");
     word.add_option("--cols", options->columns, "columns a:b");
     word.add_option("--head", options->head, "the first rows");
     word.add_flag("--stats", options->stats,
                   "minimum, mean, maximum, and counts of special values");
+    CLI::Option *hex =
+        word.add_flag("--hex", options->hex, "the elements of a VEL file as they are stored");
+    add_color_option(word, options->color);
     word.add_flag("--force", options->force, "read sparse files of 2^26 columns and more");
-    word.add_flag("--json", options->json, "print JSON");
+    hex->excludes(word.add_flag("--json", options->json, "print JSON"));
     return [options] { return run(*options); };
 }
 

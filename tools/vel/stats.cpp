@@ -60,17 +60,10 @@ Stats stats_of(const oxArray *a) {
 }
 
 Json json_stats(const Stats &s) {
-    const auto number = [](double x) {
-        return std::isfinite(x) ? Json(x) : Json(std::to_string(x));
-    };
-    return {{"elements", json_integer(s.elements)},
-            {"zeros", json_integer(s.zeros)},
-            {"nnz", json_integer(s.nonzeros)},
-            {"nan", json_integer(s.nans)},
-            {"inf", json_integer(s.infinities)},
-            {"min", number(s.least)},
-            {"max", number(s.most)},
-            {"mean", number(s.mean)}};
+    return {{"elements", json_integer(s.elements)}, {"zeros", json_integer(s.zeros)},
+            {"nnz", json_integer(s.nonzeros)},      {"nan", json_integer(s.nans)},
+            {"inf", json_integer(s.infinities)},    {"min", json_number(s.least)},
+            {"max", json_number(s.most)},           {"mean", json_number(s.mean)}};
 }
 
 } // namespace vel

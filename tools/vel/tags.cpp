@@ -12,6 +12,10 @@ uint64_t padding(uint64_t count) { return (8 - count % 8) % 8; }
 
 } // namespace
 
+uint64_t padding_of(const Tag &t) {
+    return t.small || t.type == oiCOMPRESSED ? 0 : padding(t.count);
+}
+
 size_t unit_of(uint32_t type) {
     constexpr unsigned char units[] = {0, 1, 1, 2, 2, 4, 4, 4, 4, 8, 8, 8, 8, 8, 0, 0, 1, 2, 4};
     return type < sizeof units ? units[type] : 0;
@@ -26,7 +30,7 @@ uint32_t TagReader::load(const unsigned char *bytes) const {
 Tag TagReader::next(const std::string &path) {
     Tag t;
     t.offset = in_.at();
-    unsigned char bytes[16];
+    unsigned char *bytes = t.raw;
     if (tag_size() > end_ - t.offset || !in_.read(bytes, tag_size()))
         fail(t.offset, path,
              "expected a tag of " + std::to_string(tag_size()) +
@@ -84,7 +88,7 @@ std::string TagReader::text(const Tag &t, const std::string &path) {
 
 void TagReader::skip(const Tag &t, const std::string &path) {
     if (t.small) return;
-    if (!in_.skip(t.count + (t.type == 15 ? 0 : padding(t.count))))
+    if (!in_.skip(t.count + padding_of(t)))
         fail(in_.at(), path,
              "expected " + std::to_string(t.count) + " bytes of data, found the end of the file");
 }

@@ -11,7 +11,11 @@ struct Tag {
     uint64_t offset = 0; // of the tag
     bool small = false;  // the data are in the tag
     unsigned char data[8] = {};
+    unsigned char raw[16] = {}; // as it lies in the file
 };
+
+// What follows the data of an element up to the next one.
+uint64_t padding_of(const Tag &t);
 
 // Bytes of one element of a type; 0 for types that hold no plain data.
 size_t unit_of(uint32_t type);
