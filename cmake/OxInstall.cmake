@@ -12,6 +12,11 @@ install(TARGETS ox ut fl EXPORT oxarray
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT devel
   FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp" PATTERN "*.def" PATTERN "*.inc")
 
+# gdb looks here for the file that goes with the library's real path, once that prefix's folder is known to it.
+install(FILES ${PROJECT_SOURCE_DIR}/tools/gdb/ox_printers.py COMPONENT runtime
+  DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load/\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}"
+  RENAME libox.so.${PROJECT_VERSION}-gdb.py)
+
 # Sources, so that the user's own compiler makes the .mod files.
 set(OX_FORTRAN_INSTALL_DIR ${CMAKE_INSTALL_DATADIR}/ox/fortran)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/fortran/ DESTINATION ${OX_FORTRAN_INSTALL_DIR} COMPONENT fortran

@@ -31,10 +31,16 @@ char *map_aligned(std::size_t bytes, int protection) {
 
 } // namespace
 
-char *reserve(std::size_t bytes) { return map_aligned(bytes, PROT_NONE); }
+// Left out of core dumps until it is used: a debugger writes every page of them, granted or not.
+char *reserve(std::size_t bytes) {
+    char *start = map_aligned(bytes, PROT_NONE);
+    if (start) madvise(start, bytes, MADV_DONTDUMP);
+    return start;
+}
 
 bool commit(char *start, std::size_t bytes, bool huge_pages) {
     if (mprotect(start, bytes, PROT_READ | PROT_WRITE) != 0) return false;
+    madvise(start, bytes, MADV_DODUMP);
     if (huge_pages) madvise(start, bytes, MADV_HUGEPAGE); // only advice: failure changes nothing
     return true;
 }
