@@ -12,6 +12,8 @@
 #include <sparse/row_reference.h>
 #include <sparse/storage/csc.h>
 
+#include <algorithm>
+#include <complex>
 #include <vector>
 
 namespace ox::test {
@@ -200,14 +202,70 @@ TEST_F(SparseReferenceTest, ResizeTakesTemporariesAndCopiesTheRest) {
     }
 }
 
-TEST_F(SparseReferenceTest, TransposeTwiceIsTheArray) {
-    for (int round = 0; round < 50; ++round) {
-        oxArray *a = random_sparse(random.below(30), random.below(30), 0.2, round % 2);
-        oxArray *t = sparse_transpose(a), *tt = sparse_transpose(t);
-        expect_well_formed(t);
-        EXPECT_EQ(text(tt), text(a));
-        oxDestroyArray(t);
-        oxDestroyArray(tt);
+// All elements in column-major order, read entry by entry (or straight from full storage).
+std::vector<std::complex<double>> elements(const oxArray *a) {
+    std::vector<std::complex<double>> x(rows(a) * cols(a));
+    const auto part = [&](const void *block, kwIndex k) {
+        return !block           ? 0
+               : oxIsLogical(a) ? static_cast<double>(static_cast<const uint8_t *>(block)[k])
+                                : static_cast<const double *>(block)[k];
+    };
+    const bool sparse = oxIsSparse(a);
+    for (kwSize j = 0, k = 0; j < cols(a); ++j)
+        for (const kwIndex end = sparse ? oxGetJc(a)[j + 1] : (j + 1) * rows(a); k < end; ++k)
+            x[sparse ? j * rows(a) + oxGetIr(a)[k] : k] = {part(oxGetData(a), k),
+                                                           part(oxGetImagData(a), k)};
+    return x;
+}
+
+oxArray *join(int form, const oxArray *a, const oxArray *b) {
+    oxCatContext context{[](oxCatContext *, int, const oxArray **all) {
+                             return static_cast<oxClassID>(all[0]->class_code);
+                         },
+                         nullptr};
+    const oxArray *both[] = {a, b};
+    const auto same = [](oxCatContext *, oxClassID, const oxArray *x) { return x; };
+    return oxCatenateDispatch(form, 2, both, same, &context);
+}
+
+TEST_F(SparseReferenceTest, WholeArraysAgreeWithTheFullModel) {
+    for (int round = 0; round < 200; ++round) {
+        const kwSize m = random.below(round % 8 ? 8 : 500), n = random.below(8);
+        const bool complex = random.chance(0.3), logical = !complex && random.chance(0.4);
+        const auto make = [&] {
+            oxArray *s = random_sparse(m, n, random.unit(), complex);
+            return logical ? oxMustBe(s, oxLOGICAL_CLASS) : s;
+        };
+        oxArray *a = make(), *b = make(), *full = oxMustBeFull(a), *again = oxMustBeSparse(full);
+        const auto x = elements(a), y = elements(b);
+        EXPECT_EQ(elements(full), x);
+        EXPECT_EQ(elements(again), x);
+        EXPECT_EQ(oxGetNumNonZeroEl(again),
+                  x.size() - static_cast<kwSize>(std::count(x.begin(), x.end(), 0.0)));
+        EXPECT_TRUE(oxAreMatricesEqual(a, full));
+        EXPECT_EQ(oxAreMatricesEqual(b, full), x == y);
+
+        std::vector<std::complex<double>> turned(x.size()), beside(x), below;
+        for (kwSize i = 0; i < x.size(); ++i) turned[i / m + i % m * n] = x[i];
+        beside.insert(beside.end(), y.begin(), y.end());
+        for (kwSize j = 0; j < n; ++j)
+            for (const auto &z : {x, y})
+                below.insert(below.end(), z.begin() + static_cast<std::ptrdiff_t>(j * m),
+                             z.begin() + static_cast<std::ptrdiff_t>((j + 1) * m));
+        const kwSize shape[] = {m * n, 1};
+        oxArray *column = oxCreateSparse(0, 0, 1, oxREAL);
+        oxSetDimensions(column, shape, 2);
+        ox_inResizeSparseArray(column, oxCreateDeepCopy(a));
+        const std::pair<const oxArray *, std::vector<std::complex<double>>> results[] = {
+            {oxTranspose(a), turned},
+            {join(oxCAT_HORIZONTAL, a, b), beside},
+            {join(oxCAT_VERTICAL, a, b), below},
+            {column, x}};
+        for (const auto &[result, wanted] : results) {
+            expect_well_formed(result);
+            EXPECT_EQ(result->class_code, a->class_code);
+            ASSERT_EQ(elements(result), wanted) << "round " << round;
+        }
     }
 }
 
