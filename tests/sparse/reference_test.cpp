@@ -94,7 +94,7 @@ TEST_F(SparseReferenceTest, LinearPositionsAgreeWithTheFullModel) {
     for (int round = 0; round < 300; ++round) {
         const kwSize m = 1 + random.below(20), n = 1 + random.below(20), count = m * n;
         oxArray *a = random_sparse(m, n, 0.2, round % 2);
-        oxArray *full = sparse_to_full(a);
+        oxArray *full = oxMustBeFull(a);
         Subscript index;
         Positions list = random_positions(count, 50);
         list.push_back(0);
