@@ -44,11 +44,9 @@ kwSize pages(const SubscriptSet &s) {
     return times;
 }
 
-// The dimensions that a sparse array takes before elements are assigned, where subscripts and
-// right-hand side alone decide them.
-void size_from_rhs(oxArray *a, SubscriptSet &s, const oxArray *rhs) {
-    Extents dims(a->get_dimensions(), a->ndims);
-    dimensions_from_rhs(s, rhs, dims);
+// Gives a the dimensions that subscripts and right-hand side alone decide; ':' then means the whole
+// of its new extent.
+void take_size(oxArray *a, const Extents &dims, SubscriptSet &s) {
     resize_sparse(a, dims.get(), dims.size());
     for (kwSize k = 0; k < s.size(); ++k)
         if (s[k].colon_character) s[k].set_all(extent_of(a, k, s.size()));
@@ -111,13 +109,17 @@ void assign_sparse(oxArray *a, kwSize nsubs, const oxArray *const *subs, const o
         s[k].read_or_raise(subs[k], all_zero ? 0 : extent_of(a, k, nsubs));
     for (const Subscript &x : s)
         if (scalar && (x.is_none() || (!all_zero && x.count == 0))) return;
-    if (!all_zero && !scalar) check_shape(s, rhs);
+    Extents dims(a->get_dimensions(), a->ndims);
+    if (all_zero)
+        dimensions_from_rhs(s, rhs, dims);
+    else if (!scalar)
+        check_shape(s, rhs);
     const bool copies = !resize_only && rhs->get_number_of_elements() != 0;
     auto *b = const_cast<oxArray *>(rhs);
     ArrayGuard converted; // before anything of a changes
     if (copies && b->class_code != a->class_code)
         converted.reset(b = oxMustBe(b, static_cast<oxClassID>(a->class_code)));
-    if (all_zero) size_from_rhs(a, s, rhs);
+    if (all_zero) take_size(a, dims, s);
     copies ? oxHandleSparseSubscriptError(store(a, s, b)) : grow(a, s);
 }
 
