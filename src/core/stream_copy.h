@@ -1,6 +1,6 @@
 // Copying a run past the caches, for results that are too large to be found there again.
 #pragma once
-#include <ox/types.h>
+#include <core/tuning.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -12,8 +12,10 @@
 
 namespace ox {
 
-// dst = src. Whole 64-byte lines of dst are written without being read first; src should be in the
-// first-level cache. Call stream_fence after the last run.
+inline constexpr kwSize stream_ahead = 512; // bytes of a source that are fetched ahead
+
+// dst = src. Whole 64-byte lines of dst are written without being read first, and src is fetched
+// ahead from its first `stream_ahead` bytes on. Call stream_fence after the last run.
 inline void stream_copy(void *dst, const void *src, kwSize bytes) {
 #if defined(__SSE2__)
     auto *d = static_cast<unsigned char *>(dst);
@@ -21,6 +23,7 @@ inline void stream_copy(void *dst, const void *src, kwSize bytes) {
     const kwSize head = std::min<kwSize>(-reinterpret_cast<std::uintptr_t>(d) & 63, bytes);
     std::memcpy(d, s, head);
     for (d += head, s += head, bytes -= head; bytes >= 64; d += 64, s += 64, bytes -= 64) {
+        __builtin_prefetch(s + stream_ahead);
         auto *to = reinterpret_cast<__m128i *>(d);
         auto *from = reinterpret_cast<const __m128i *>(s);
         const __m128i a = _mm_loadu_si128(from), b = _mm_loadu_si128(from + 1),
@@ -41,5 +44,39 @@ inline void stream_fence() {
     _mm_sfence();
 #endif
 }
+
+// Copies the runs of one result. Where that is large, long runs go past the caches, each one call
+// late: while a run is copied the start of the next is on its way from memory, which the processor
+// cannot foresee. All are there when this goes.
+class RunCopier {
+public:
+    explicit RunCopier(kwSize result_bytes) : streams_(result_bytes >= tuning::stream_min_bytes) {}
+    RunCopier(const RunCopier &) = delete;
+    RunCopier &operator=(const RunCopier &) = delete;
+    ~RunCopier() {
+        if (bytes_ == 0) return;
+        stream_copy(dst_, src_, bytes_);
+        stream_fence();
+    }
+
+    void copy(void *dst, const void *src, kwSize bytes) {
+        if (!streams_ || bytes < tuning::stream_min_run) {
+            std::memcpy(dst, src, bytes);
+            return;
+        }
+        auto *from = static_cast<const unsigned char *>(src);
+        for (kwSize k = 0; k < bytes && k < stream_ahead; k += 64) __builtin_prefetch(from + k);
+        stream_copy(dst_, src_, bytes_);
+        dst_ = dst;
+        src_ = src;
+        bytes_ = bytes;
+    }
+
+private:
+    bool streams_;
+    void *dst_ = nullptr; // the run that is still to be copied
+    const void *src_ = nullptr;
+    kwSize bytes_ = 0;
+};
 
 } // namespace ox

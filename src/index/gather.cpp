@@ -1,5 +1,6 @@
 // Gathering selected elements into a dense block: runs, strides, lists and masks.
 #include <core/dispatch.h>
+#include <core/stream_copy.h>
 #include <core/tuning.h>
 #include <index/gather.h>
 #include <index/kernels.h>
@@ -11,11 +12,8 @@ namespace {
 constexpr Axis single{1, 0, nullptr, 0};
 
 // A few elements are copied faster by a loop than by a call.
-template<class T> void copy_run(T *dst, const T *src, kwSize n) {
-    if (n * sizeof(T) >= 64) {
-        std::memcpy(dst, src, n * sizeof(T));
-        return;
-    }
+template<class T> void copy_run(RunCopier &runs, T *dst, const T *src, kwSize n) {
+    if (n * sizeof(T) >= 64) return runs.copy(dst, src, n * sizeof(T));
     for (kwSize k = 0; k < n; ++k) dst[k] = src[k];
 }
 
@@ -27,23 +25,20 @@ template<class T> void copy_strided(T *dst, const T *src, int64_t step, kwSize n
     for (kwSize k = 0; k < n; ++k) dst[k] = src[static_cast<int64_t>(k) * step];
 }
 
-template<class T> void copy_list(T *dst, const T *src, const Axis &x) {
-    for (kwSize k = 0; k < x.count; ++k) dst[k] = src[x.list[k] * x.stride];
-}
-
 // dst = the elements on two axes, x fastest.
-template<class T> void gather_plane(T *dst, const T *src, const Axis &x, const Axis &y) {
+template<class T>
+void gather_plane(T *dst, const T *src, const Axis &x, const Axis &y, RunCopier &runs) {
     const kwSize n = x.count;
+    const auto column = [&](kwSize j) { return src + y.offset(std::min(j, y.count - 1)); };
     if (x.list) {
-        if constexpr (std::is_same_v<T, uint64_t>)
-            if (x.stride == 1 && n >= tuning::simd_min_elements / 4)
-                return gather_list64(dst, src, x, y);
-        for (kwSize j = 0; j < y.count; ++j, dst += n) copy_list(dst, src + y.offset(j), x);
-    } else if (x.step == 1) {
-        for (kwSize j = 0; j < y.count; ++j, dst += n) copy_run(dst, src + y.offset(j), n);
-    } else {
+        const ListWalk list(x, y, sizeof(T));
         for (kwSize j = 0; j < y.count; ++j, dst += n)
-            copy_strided(dst, src + y.offset(j), x.step, n);
+            list.walk(column(j + 1),
+                      [dst, from = column(j)](kwSize k, kwSize at) { dst[k] = from[at]; });
+    } else if (x.step == 1) {
+        for (kwSize j = 0; j < y.count; ++j, dst += n) copy_run(runs, dst, column(j), n);
+    } else {
+        for (kwSize j = 0; j < y.count; ++j, dst += n) copy_strided(dst, column(j), x.step, n);
     }
 }
 
@@ -66,8 +61,9 @@ template<class T> void gather_all(T *dst, const T *src, const Selection &from) {
     const Axis &x = from.axes() > 0 ? from.axis(0) : single;
     const Axis &y = from.axes() > 1 ? from.axis(1) : single;
     const kwSize plane = x.count * y.count;
+    RunCopier runs(from.count * sizeof(T));
     from.for_each_plane([&](kwSize offset) {
-        gather_plane(dst, src + offset, x, y);
+        gather_plane(dst, src + offset, x, y, runs);
         dst += plane;
     });
 }

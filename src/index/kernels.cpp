@@ -1,9 +1,8 @@
-// Vector kernels of gather: positions from a list, and masks straight from their bytes.
+// Vector kernels of gather: masks straight from their bytes, and every second element.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "index/kernels.cpp"
 #include <hwy/foreach_target.h>
 // (the first include repeats this file once for every target)
-#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
 #include <core/tuning.h>
@@ -14,30 +13,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace ox::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
-
-// While one column is gathered, the lines that the next one will touch are fetched in passing: a
-// random walk within a column tells the hardware nothing about the next. They are `ahead` lines.
-void gather_list64(uint64_t *dst, const uint64_t *src, const Axis &x, const Axis &y, kwSize ahead) {
-    const hn::ScalableTag<uint64_t> d;
-    const hn::RebindToSigned<decltype(d)> di;
-    const kwSize lanes = hn::Lanes(d), n = x.count;
-    const auto *list = reinterpret_cast<const int64_t *>(x.list);
-    const kwSize each = ahead / (n / (2 * lanes) + 1) + 1;
-    for (kwSize j = 0; j < y.count; ++j, dst += n) {
-        const uint64_t *column = src + y.offset(j);
-        const uint64_t *next = src + y.offset(j + 1 < y.count ? j + 1 : j);
-        kwSize k = 0, line = 0;
-        for (; k + 2 * lanes <= n; k += 2 * lanes) {
-            const auto u = hn::GatherIndex(d, column, hn::LoadU(di, list + k));
-            const auto v = hn::GatherIndex(d, column, hn::LoadU(di, list + k + lanes));
-            hn::StoreU(u, d, dst + k);
-            hn::StoreU(v, d, dst + k + lanes);
-            for (const kwSize end = std::min(line + each, ahead); line < end; ++line)
-                hwy::Prefetch(next + 8 * line);
-        }
-        for (; k < n; ++k) dst[k] = column[list[k]];
-    }
-}
 
 // The selected lanes first. Packing within a register and storing all of it beats the storing
 // instruction, which some processors run as a program; the library's own form for 64-bit lanes
@@ -102,16 +77,9 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace ox {
 
-HWY_EXPORT(gather_list64);
 HWY_EXPORT(compress64);
 HWY_EXPORT(compress32);
 HWY_EXPORT(take_every_second64);
-
-void gather_list64(uint64_t *dst, const uint64_t *src, const Axis &x, const Axis &y) {
-    kwSize lines = 0; // that a column spans, where the list is dense enough to want most of them
-    if (y.count > 1) lines = *std::max_element(x.list, x.list + x.count) / 8 + 1;
-    HWY_DYNAMIC_DISPATCH(gather_list64)(dst, src, x, y, lines <= x.count ? lines : 0);
-}
 
 void compress64(uint64_t *dst, const uint64_t *src, const uint8_t *mask, kwSize n, kwSize count) {
     HWY_DYNAMIC_DISPATCH(compress64)(dst, src, mask, n, count);

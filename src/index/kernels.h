@@ -1,12 +1,10 @@
-// Vector kernels of gather: positions from a list, and masks straight from their bytes.
+// Vector kernels of gather: masks straight from their bytes, and every second element.
 #pragma once
-#include <index/selection.h>
+#include <ox/types.h>
+
+#include <cstdint>
 
 namespace ox {
-
-// dst = the plane of 8-byte elements whose first axis x is a list of stride 1 and whose second is
-// y; x fastest.
-void gather_list64(uint64_t *dst, const uint64_t *src, const Axis &x, const Axis &y);
 
 // dst[0 .. count-1] = the elements of src whose byte in mask[0 .. n-1] is not zero; count of them
 // are.

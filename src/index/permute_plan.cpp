@@ -1,6 +1,5 @@
 // Permuting elements: block copies where the first dimension stays, batched transposes elsewhere.
 #include <core/stream_copy.h>
-#include <core/tuning.h>
 #include <index/permute_plan.h>
 #include <index/transpose_kernels.h>
 
@@ -31,42 +30,13 @@ template<class F> void for_each_place(const PermutePlan &p, kwSize first, kwSize
     }
 }
 
-// Copies runs past the caches, one behind: while a run is copied the next one is on its way from
-// memory, which the processor cannot foresee where runs are far apart.
-class StreamedRuns {
-public:
-    StreamedRuns(Byte *dst, const Byte *src, kwSize bytes) : dst_(dst), src_(src), bytes_(bytes) {}
-    void add(kwSize to, kwSize from) {
-        for (kwSize k = 0; k < bytes_ && k < most_ahead; k += 64)
-            __builtin_prefetch(src_ + from + k);
-        if (pending_) finish();
-        to_ = to;
-        from_ = from;
-        pending_ = true;
-    }
-    void finish() { stream_copy(dst_ + to_, src_ + from_, bytes_); }
-
-private:
-    static constexpr kwSize most_ahead = 2048;
-    Byte *dst_;
-    const Byte *src_;
-    kwSize bytes_, to_ = 0, from_ = 0;
-    bool pending_ = false;
-};
-
 // The first dimension stays the first: runs of it.
-void copy_runs(const PermutePlan &p, Byte *dst, const Byte *src, kwSize width, bool streams) {
+void copy_runs(const PermutePlan &p, Byte *dst, const Byte *src, kwSize width, kwSize bytes) {
     const kwSize run = p.extent[0] * width;
-    if (streams && run >= tuning::stream_min_run) {
-        StreamedRuns runs(dst, src, run);
-        for_each_place(p, 1, 0,
-                       [&](kwSize to, kwSize from) { runs.add(to * width, from * width); });
-        runs.finish();
-    } else {
-        for_each_place(p, 1, 0, [&](kwSize to, kwSize from) {
-            std::memcpy(dst + to * width, src + from * width, run);
-        });
-    }
+    RunCopier runs(bytes);
+    for_each_place(p, 1, 0, [&](kwSize to, kwSize from) {
+        runs.copy(dst + to * width, src + from * width, run);
+    });
 }
 
 // The source's first dimension becomes dimension q: planes of it and the result's first.
@@ -115,7 +85,7 @@ void permute_elements(const PermutePlan &p, void *dst, const void *src, kwSize w
     if (p.rank <= 1)
         std::memcpy(d, s, bytes);
     else if (p.from[0] == 1)
-        copy_runs(p, d, s, width, streams);
+        copy_runs(p, d, s, width, bytes);
     else
         transpose_planes(p, d, s, width, streams);
     if (streams) stream_fence();

@@ -1,5 +1,6 @@
 // Scattering a dense block, or one value, to selected elements: runs, strides, lists and masks.
 #include <core/dispatch.h>
+#include <core/stream_copy.h>
 #include <index/gather.h>
 
 #include <algorithm>
@@ -13,9 +14,10 @@ constexpr Axis single{1, 0, nullptr, 0};
 // What is written: a dense block that advances, or one value.
 template<class T> struct Block {
     const T *src;
+    RunCopier *runs;
     T operator[](kwSize k) const { return src[k]; }
     void advance(kwSize n) { src += n; }
-    void run(T *dst, kwSize n) const { std::memcpy(dst, src, n * sizeof(T)); }
+    void run(T *dst, kwSize n) const { runs->copy(dst, src, n * sizeof(T)); }
 };
 template<class T> struct Value {
     T value;
@@ -25,13 +27,21 @@ template<class T> struct Value {
 };
 
 template<class T, class Source>
+void scatter_list(T *dst, Source &source, const Axis &x, const Axis &y) {
+    const ListWalk list(x, y, sizeof(T));
+    for (kwSize j = 0; j < y.count; ++j, source.advance(x.count)) {
+        T *column = dst + y.offset(j), *next = dst + y.offset(std::min(j + 1, y.count - 1));
+        list.walk(next, [=](kwSize k, kwSize at) { column[at] = source[k]; });
+    }
+}
+
+template<class T, class Source>
 void scatter_plane(T *dst, Source &source, const Axis &x, const Axis &y) {
+    if (x.list) return scatter_list(dst, source, x, y);
     const kwSize n = x.count;
     for (kwSize j = 0; j < y.count; ++j, source.advance(n)) {
         T *column = dst + y.offset(j);
-        if (x.list)
-            for (kwSize k = 0; k < n; ++k) column[x.list[k] * x.stride] = source[k];
-        else if (x.step == 1 && n * sizeof(T) >= 64)
+        if (x.step == 1 && n * sizeof(T) >= 64)
             source.run(column, n);
         else
             for (kwSize k = 0; k < n; ++k) column[static_cast<int64_t>(k) * x.step] = source[k];
@@ -61,9 +71,10 @@ template<class T, class Source> void scatter_all(T *dst, Source source, const Se
 
 void scatter(void *dst, const void *src, kwSize width, const Selection &to) {
     if (to.count == 0) return;
+    RunCopier runs(to.count * width);
     visit_width(width, [&](auto tag) {
         using T = typename decltype(tag)::type;
-        scatter_all(static_cast<T *>(dst), Block<T>{static_cast<const T *>(src)}, to);
+        scatter_all(static_cast<T *>(dst), Block<T>{static_cast<const T *>(src), &runs}, to);
     });
 }
 
