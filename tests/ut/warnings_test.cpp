@@ -6,19 +6,17 @@
 
 namespace {
 
-int changes = 0;
-int warnings = 0;
+int changes, warnings;
 
 class Warnings : public testing::Test {
 protected:
-    void SetUp() override {
+    Warnings() {
         utResetWarningManager(context);
         changes = warnings = 0;
     }
-    void TearDown() override { utResetWarningManager(context); }
+    ~Warnings() override { utResetWarningManager(context); }
     std::string last() const {
-        const char *identifier = nullptr;
-        const char *message = nullptr;
+        const char *identifier, *message;
         utGetLastWarningMsg(context, &identifier, &message);
         return std::string(identifier) + "|" + message;
     }
@@ -49,8 +47,7 @@ TEST_F(Warnings, EverySettingFiresTheStatusCallbacksAndModesAreSeparate) {
     EXPECT_TRUE(utRegisterSetWarningStatusCallback(context, second)); // known: not twice
     utSetWarningStatus(context, "VELTRO:x", 0);
     utSetWarningStatus(context, "all", 1);
-    EXPECT_EQ(changes, 202);
-    utSetWarningStatus(context, "VELTRO:x", 9);
+    utSetWarningStatus(context, "VELTRO:x", 9); // refused
     EXPECT_EQ(changes, 202);
     for (int on : {2, 3, 7}) {
         utResetWarningManager(context); // the callbacks stay
@@ -61,6 +58,11 @@ TEST_F(Warnings, EverySettingFiresTheStatusCallbacksAndModesAreSeparate) {
         for (int mode = 0; mode < 9; ++mode)
             EXPECT_EQ(utIsWarningModeOn(context, mode), mode == on && on != 7);
     }
+    EXPECT_EQ(utRegisterWarningCallback(context, [] { ++warnings; }), nullptr);
+    utCallRegisteredWarningCallback(context);
+    EXPECT_NE(utRegisterWarningCallback(context, nullptr), nullptr);
+    utCallRegisteredWarningCallback(context);
+    EXPECT_EQ(warnings, 1);
 }
 
 TEST_F(Warnings, RecordsAreCopiesAndMayBeRecordedAgain) {
@@ -73,14 +75,6 @@ TEST_F(Warnings, RecordsAreCopiesAndMayBeRecordedAgain) {
     EXPECT_EQ(last(), "text|VELTRO:x");
     utSetLastWarningMsg(context, nullptr, nullptr);
     EXPECT_EQ(last(), "|");
-}
-
-TEST_F(Warnings, CallbackIsReplaceable) {
-    EXPECT_EQ(utRegisterWarningCallback(context, [] { ++warnings; }), nullptr);
-    utCallRegisteredWarningCallback(context);
-    EXPECT_NE(utRegisterWarningCallback(context, nullptr), nullptr);
-    utCallRegisteredWarningCallback(context);
-    EXPECT_EQ(warnings, 1);
 }
 
 TEST_F(Warnings, LackOfMemoryChangesNothing) {
