@@ -29,7 +29,6 @@ protected:
 TEST_F(LastError, BuffersGrowToTheLengthAndNeverShrink) {
     const oxErrorState *s = oxGetErrorState();
     EXPECT_EQ(last(), "|");
-    oxGetLastErrIdAndMsgAndStack(nullptr, nullptr, nullptr);
     oxSetLastErrIdAndMsg("A:long", "0123456789");
     EXPECT_EQ(s->message_capacity, 11u);
     EXPECT_EQ(s->identifier_capacity, 7u);

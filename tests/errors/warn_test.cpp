@@ -7,9 +7,7 @@
 
 #include <ut.h>
 
-#include <optional>
 #include <string>
-#include <vector>
 
 using namespace ox::test;
 
@@ -27,16 +25,9 @@ class Warn : public HostTest {
 protected:
     void SetUp() override {
         HostTest::SetUp();
-        recorder_.emplace();
         utSetLastWarningMsg(context(), "none", "none");
         utSetLastPrintedWarningId(context(), "none");
     }
-    void TearDown() override {
-        recorder_.reset();
-        HostTest::TearDown();
-    }
-    std::optional<WarningRecorder> recorder_;
-    std::vector<Warning> &shown_ = WarningRecorder::shown;
 };
 
 void warn_with_list(const char *id, const char *fmt, ...) {
@@ -47,19 +38,17 @@ void warn_with_list(const char *id, const char *fmt, ...) {
 }
 
 TEST_F(Warn, Forms) {
-    oxWarningMsgIdAndTxt("V:x", "%d of %Iu", 3, kwSize{1} << 40);
-    warn_with_list("V:y", "%s", "list");
-    oxWarningIdAndMsg("V:z", FDIVBYZERO);
-    const std::vector<Warning> expected = {{"V:x", "3 of 1099511627776"},
-                                           {"V:y", "list"},
-                                           {"V:z", "Division by zero is not allowed."}};
-    EXPECT_EQ(shown_, expected);
+    EXPECT_WARNS("V:x", "3 of 1099511627776",
+                 oxWarningMsgIdAndTxt("V:x", "%d of %Iu", 3, kwSize{1} << 40));
+    EXPECT_WARNS("V:y", "list", warn_with_list("V:y", "%s", "list"));
+    EXPECT_WARNS("V:z", "Division by zero is not allowed.", oxWarningIdAndMsg("V:z", FDIVBYZERO));
     EXPECT_EQ(last_warning(), "V:z|Division by zero is not allowed.");
 }
 
 TEST_F(Warn, WithoutIdentifierAPeriodIsAppended) {
     EXPECT_WARNS("", "abc 1.", oxWarningMsgTxt("abc %d", 1));
     EXPECT_EQ(last_warning(), "|abc 1.");
+    const WarningRecorder quiet;
     const std::string text(9000, 'w');
     oxWarningMsgTxt("%s", text.c_str());
     EXPECT_EQ(last_warning(), '|' + text.substr(0, 8190) + '.');
@@ -90,8 +79,9 @@ TEST_F(Warn, RecordedOnly) {
 
 TEST_F(Warn, StatusTwoRaises) {
     utSetWarningStatus(context(), "V:strict", UT_WARNING_ERROR);
+    const WarningRecorder recorder;
     EXPECT_RAISES("V:strict", "100%d", oxWarningMsgIdAndTxt("V:strict", "%s", "100%d"));
-    EXPECT_TRUE(shown_.empty());
+    EXPECT_TRUE(recorder.shown.empty());
     EXPECT_STREQ(utGetLastPrintedWarningId(context()), "V:strict");
     EXPECT_EQ(last_warning(), "none|none") << "it is an error, not a warning";
     utSetWarningStatus(context(), "all", UT_WARNING_ERROR);
@@ -104,25 +94,19 @@ TEST_F(Warn, WithoutAManagerEveryWarningIsShownAndNoneRecorded) {
     utSetWarningStatus(context(), "V:strict", UT_WARNING_ERROR);
     utSetWarningMode(context(), UT_WARNING_MODE_HINT, true);
     utSetWarningManagerEnabled(false);
-    oxWarningMsgIdAndTxt("V:strict", "m");
-    oxWarningMsgTxt("");
+    EXPECT_WARNS("", "m", oxWarningMsgIdAndTxt("V:strict", "m"));
+    EXPECT_NO_WARNING(oxWarningMsgTxt(""));
     utSetWarningManagerEnabled(true);
-    const std::vector<Warning> expected = {{"", "m"}};
-    EXPECT_EQ(shown_, expected);
     EXPECT_EQ(last_warning(), "none|none");
 }
 
-const char *translated(const char *fmt) {
-    const std::string f = fmt;
-    return f == "Warning: " ? "Beware: " : f == "in" ? "out" : fmt;
-}
-
-std::string steps;
-
 // Each step shows what the ones before it have left.
 TEST_F(Warn, OrderOfSteps) {
+    static std::string steps;
     steps.clear();
-    ox::set_message_translation(translated);
+    ox::set_message_translation([](const char *fmt) {
+        return *fmt == 'W' ? "Beware: " : *fmt == 'i' ? "out" : fmt;
+    });
     oxSetWarningMessageHandler([](const char *text) {
         steps += std::string(text) + " printed=" + utGetLastPrintedWarningId(context());
     });
@@ -140,16 +124,15 @@ TEST_F(Warn, OrderOfSteps) {
 
 TEST_F(Warn, DefaultHandlerPrintsALine) {
     static std::string printed;
-    printed.clear();
-    const auto recording = oxSetWarningMessageHandler(nullptr);
-    EXPECT_NE(recording, nullptr);
-    ox::set_after_warning_hook(nullptr);
     const utPrintSink sink =
         utSetPrintSink([](const char *text, std::size_t length) { printed.append(text, length); });
     oxWarningMsgIdAndTxt("V:x", "50%%");
     utSetPrintSink(sink);
     EXPECT_EQ(printed, "Warning: 50%\n");
-    EXPECT_NE(oxSetWarningMessageHandler(recording), recording);
+    const auto other = [](const char *) {};
+    const auto standard = oxSetWarningMessageHandler(other);
+    EXPECT_EQ(oxSetWarningMessageHandler(nullptr), oxWarningHandler(other));
+    EXPECT_EQ(oxSetWarningMessageHandler(nullptr), standard);
 }
 
 } // namespace

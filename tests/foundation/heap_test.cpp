@@ -26,30 +26,27 @@ struct Shadow {
     unsigned char *block;
     std::size_t size;
     unsigned seed;
+
+    // Calls f(byte, mark) on the first n bytes; large blocks at a stride that hits every page.
+    template<class F> bool all(std::size_t n, F &&f) const {
+        const auto at = [&](std::size_t k) {
+            return f(block[k], static_cast<unsigned char>(seed * 31 + k * 7 + (k >> 8)));
+        };
+        for (std::size_t k = 0; k < n; k += size < 16384 ? 1 : 509)
+            if (!at(k)) return false;
+        return n < size || at(size - 1);
+    }
+    void fill() const {
+        all(size, [](unsigned char &byte, unsigned char mark) { return byte = mark, true; });
+    }
+    // The first n bytes hold what fill() wrote for the whole block.
+    bool holds(std::size_t n) const {
+        return all(n, [](unsigned char byte, unsigned char mark) { return byte == mark; });
+    }
 };
 
-// Large blocks are marked at a stride that still hits every page.
-std::size_t stride(std::size_t size) { return size < 16384 ? 1 : 509; }
-
-unsigned char mark(unsigned seed, std::size_t k) {
-    return static_cast<unsigned char>(seed * 31 + k * 7 + (k >> 8));
-}
-
-void fill(const Shadow &s) {
-    for (std::size_t k = 0; k < s.size; k += stride(s.size)) s.block[k] = mark(s.seed, k);
-    s.block[s.size - 1] = mark(s.seed, s.size - 1);
-}
-
-// The first `size` bytes hold what fill() wrote for the whole block.
-bool holds(const Shadow &s, std::size_t size) {
-    for (std::size_t k = 0; k < size; k += stride(s.size))
-        if (s.block[k] != mark(s.seed, k)) return false;
-    return size < s.size || s.block[size - 1] == mark(s.seed, size - 1);
-}
-
-bool all_zero(const void *block, std::size_t n) {
-    const auto *bytes = static_cast<const unsigned char *>(block);
-    return n == 0 || (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, n - 1) == 0);
+bool all_zero(const unsigned char *bytes, std::size_t n) {
+    return bytes[0] == 0 && std::memcmp(bytes, bytes + 1, n - 1) == 0;
 }
 
 std::size_t random_size(std::mt19937 &rng) {
@@ -67,27 +64,28 @@ TEST(Heap, RandomWalkKeepsContentsAndReleasesOnlyWhatIsUnused) {
         const unsigned what = rng() % 8;
         if (live.empty() || (what < 4 && live.size() < 200)) {
             const std::size_t size = random_size(rng);
-            void *block = what & 1 ? heap().allocate_zeroed(size, 1) : heap().allocate(size);
+            auto *block = static_cast<unsigned char *>(what & 1 ? heap().allocate_zeroed(size, 1)
+                                                                : heap().allocate(size));
             ASSERT_NE(block, nullptr);
             ASSERT_EQ(reinterpret_cast<std::uintptr_t>(block) % 16, 0u);
             if (what & 1) {
                 ASSERT_TRUE(all_zero(block, size)) << "size " << size << " step " << step;
             }
-            live.push_back({static_cast<unsigned char *>(block), size, step});
-            fill(live.back());
+            live.push_back({block, size, step});
+            live.back().fill();
             continue;
         }
         Shadow &s = live[rng() % live.size()];
-        ASSERT_TRUE(holds(s, s.size)) << "size " << s.size << " step " << step;
+        ASSERT_TRUE(s.holds(s.size)) << "size " << s.size << " step " << step;
         if (what < 6) {
             const std::size_t size = random_size(rng);
             auto *moved = static_cast<unsigned char *>(heap().reallocate(s.block, size));
             ASSERT_NE(moved, nullptr);
             s.block = moved;
-            ASSERT_TRUE(holds(s, std::min(s.size, size)))
+            ASSERT_TRUE(s.holds(std::min(s.size, size)))
                 << s.size << " to " << size << " step " << step;
             s.size = size;
-            fill(s);
+            s.fill();
         } else {
             heap().free(s.block);
             s = live.back();
@@ -97,7 +95,7 @@ TEST(Heap, RandomWalkKeepsContentsAndReleasesOnlyWhatIsUnused) {
     }
     EXPECT_EQ(fl::heap_live_blocks(), before + live.size());
     for (const Shadow &s : live) {
-        EXPECT_TRUE(holds(s, s.size));
+        EXPECT_TRUE(s.holds(s.size));
         heap().free(s.block);
     }
     heap().free(nullptr);
@@ -117,7 +115,7 @@ TEST(Heap, FreedLargeBlocksAreKeptWithinTheLimitAndGivenBack) {
     heap().free(b);
     heap().free(too_large); // above the limit by itself: goes at once
     EXPECT_EQ(heap().kept_bytes(), 6 * MiB);
-    void *again = heap().allocate(3 * MiB - 100);
+    void *again = heap().allocate(5 * MiB / 2); // a fifth larger will do
     EXPECT_EQ(again, b); // the one freed last, whose pages are warm
     heap().free(again);
     heap().free(c); // the oldest, a, makes room
@@ -153,7 +151,7 @@ TEST(Heap, RefusalLeavesTheBlockAsItWas) {
     constexpr std::size_t too_much = (std::size_t{1} << 40) + 1;
     for (std::size_t size : {std::size_t{8}, std::size_t{5000}, 3 * MiB}) {
         const Shadow s{static_cast<unsigned char *>(heap().allocate(size)), size, 5};
-        fill(s);
+        s.fill();
         EXPECT_EQ(heap().allocate(too_much), nullptr);
         EXPECT_EQ(heap().allocate_zeroed(too_much, 1), nullptr);
         EXPECT_EQ(heap().reallocate(s.block, too_much), nullptr);
@@ -162,7 +160,7 @@ TEST(Heap, RefusalLeavesTheBlockAsItWas) {
         EXPECT_EQ(heap().allocate_zeroed(1, size), nullptr);
         EXPECT_EQ(heap().reallocate(s.block, 4 * size), nullptr);
         fl::set_allocation_fault(nullptr);
-        EXPECT_TRUE(holds(s, size));
+        EXPECT_TRUE(s.holds(size));
         heap().free(s.block);
     }
 }
