@@ -19,133 +19,98 @@ namespace {
 using Compat32 = HostTest;
 constexpr kwSize huge = kwSize{1} << 31;
 
-TEST_F(Compat32, FunctionsConvertAndForward) {
-    const int dims[] = {2, 1, 3}, many[] = {1, 1, 1, 1, 1, 1, 1, 1, 2, 3}, empty[] = {4, 0};
-    const char *names[] = {"a", "bc"};
-    const char *rows[] = {"xy", "z"};
-    const oxChar wide_text[] = {u'h', u'i', 0};
-    const oxChar *wide_rows[] = {wide_text, wide_text + 1};
-    const struct {
-        oxArray *made;
-        const char *expected;
-    } table[] = {
-        {oxCreateDoubleMatrix_700(1, 2, oxCOMPLEX), "double 1x2: 0+0i 0+0i"},
-        {oxCreateNumericMatrix_700(2, 1, oxINT8_CLASS, oxREAL), "int8 2x1: 0; 0"},
-        {oxCreateLogicalMatrix_700(0, INT_MAX), "logical 0x2147483647"},
-        {oxCreateCellMatrix_700(1, 2), "cell 1x2: {} {}"},
-        {oxCreateStructMatrix_700(1, 1, 2, names), "struct 1x1 a,bc: {} {}"},
-        {oxCreateSparse_700(3, 2, 5, oxREAL), "sparse double 3x2 nzmax 5:"},
-        {oxCreateSparseLogicalMatrix_700(3, 2, 1), "sparse logical 3x2:"},
-        {oxCreateNumericArray_700(3, dims, oxSINGLE_CLASS, oxREAL),
-         "single 2x1x3: 0; 0 | 0; 0 | 0; 0"},
-        {oxCreateNumericArray_700(10, many, oxDOUBLE_CLASS, oxREAL),
-         "double 1x1x1x1x1x1x1x1x2x3: 0 | 0 | 0 | 0 | 0 | 0"},
-        {oxCreateNumericArray_700(0, dims, oxDOUBLE_CLASS, oxREAL), "double 0x0"},
-        {oxCreateLogicalArray_700(2, nullptr), "logical 0x0"},
-        {oxCreateCharArray_700(2, empty), "char 4x0"},
-        {oxCreateCellArray_700(1, dims), "cell 2x1: {} {}"},
-        {oxCreateStructArray_700(2, empty, 1, names), "struct 4x0 a:"},
-        {oxCreateStringFromNChars_700("abc", 2), "char 1x2: 'ab'"},
-        {oxCreateStringFromNChars_UTF8_700("abc", 0), "char 0x0"},
-        {oxCreateStringFromNChars_UTF16_700(wide_text, 2), "char 1x2: 'hi'"},
-        {oxCreateCharMatrixFromStrings_700(2, rows), "char 2x2: 'xy'; 'z\\u0000'"},
-        {oxCreateCharMatrixFromStrs_700(2, rows), "char 2x2: 'xy'; 'z\\u0000'"},
-        {oxCreateCharMatrixFromStrings_UTF8_700(1, rows), "char 1x2: 'xy'"},
-        {oxCreateCharMatrixFromStrings_UTF16_700(2, wide_rows), "char 2x2: 'hi'; 'i\\u0000'"},
-    };
-    for (const auto &r : table) EXPECT_EQ(text(r.made), text(arr(r.expected)));
+const char *fields[] = {"a", "bc"}, *strings[] = {"xy", "z"};
+const oxChar units[] = {u'h', u'i', 0}, *wide_strings[] = {units, units + 1};
+
+// A list of two sizes.
+struct List {
+    int list[2];
+    operator const int *() const { return list; }
+};
+
+oxArray *number(int x) { return oxCreateDoubleScalar(x); }
+oxArray *abc() { return oxCreateString("abc"); }
+oxArray *cell() { return arr("cell 1x3: {1} {} {3}"); }
+oxArray *fg() { return arr("struct 1x2 f,g: {1} {2} {3} {}"); }
+oxArray *after(oxArray *a, const std::function<void(oxArray *)> &call) {
+    call(a);
+    return a;
 }
-
-TEST_F(Compat32, ElementsSizesAndText) {
-    oxArray *cell = arr("cell 1x3: {1} {2} {}"), *s = arr("struct 1x2 f,g: {1} {2} {3} {4}");
-    EXPECT_EQ(oxGetScalar(oxGetCell_700(cell, 1)), 2);
-    oxSetCell_700(cell, 2, arr("7"));
-    EXPECT_EQ(text(cell), text(arr("cell 1x3: {1} {2} {7}")));
-    EXPECT_EQ(oxGetScalar(oxGetField_700(s, 1, "f")), 3);
-    EXPECT_EQ(oxGetScalar(oxGetFieldByNumber_700(s, 1, 1)), 4);
-    oxDestroyArray(oxGetField_700(s, 0, "g"));
-    oxSetField_700(s, 0, "g", arr("8"));
-    oxDestroyArray(oxGetFieldByNumber_700(s, 1, 0));
-    oxSetFieldByNumber_700(s, 1, 0, arr("9"));
-    EXPECT_EQ(text(s), text(arr("struct 1x2 f,g: {1} {8} {9} {4}")));
-
-    oxArray *a = arr("double 2x3: 1 2 3; 4 5 6");
-    const int shape[] = {3, 1, 2}, subs[] = {2, 0, 1};
-    EXPECT_EQ(oxSetDimensions_700(a, shape, 3), 0);
-    EXPECT_EQ(oxGetNumberOfDimensions_700(a), 3);
-    EXPECT_EQ(oxCalcSingleSubscript_700(a, 3, subs), 5);
-    oxSetN_700(a, 2);
-    oxSetM_700(a, 1);
-    EXPECT_EQ(text(a), text(arr("double 1x2: 1 4")));
+template<class Get> oxArray *text_by(Get get, int n) {
+    char buf[] = "-------";
+    get(abc(), buf, n);
+    return oxCreateString(buf);
+}
+oxArray *subs_count(const oxArray *sub, int k, int n) {
     int count = -1;
-    EXPECT_TRUE(oxSubsCount_700(a, oxCreateString(":"), 2, 2, &count));
-    EXPECT_EQ(count, 2);
-    EXPECT_FALSE(oxSubsCount_700(a, arr("double 1x2: 1 2"), 1, 2, &count));
-    EXPECT_EQ(count, 0);
-    oxArray *sparse = arr("sparse double 2x2: (0,0)=1");
-    oxSetNzmax_700(sparse, 1);
-    EXPECT_EQ(oxGetNzmax_700(sparse), 1);
-
-    char buf[8] = "-------";
-    EXPECT_EQ(oxGetString_700(oxCreateString("abc"), buf, 3), 1);
-    EXPECT_STREQ(buf, "ab");
-    EXPECT_EQ(oxGetString_UTF8_700(oxCreateString("abc"), buf, 8), 0);
-    oxGetNChars_700(oxCreateString("xyz"), buf, 1);
-    EXPECT_STREQ(buf, "xbc");
-    oxGetNChars_UTF8_700(oxCreateString("uv"), buf, 8);
-    EXPECT_STREQ(buf, "uv");
+    const bool told = oxSubsCount_700(arr("1 2; 3 4"), sub, k, n, &count);
+    return number(told ? count : count - 1);
 }
 
-TEST_F(Compat32, NegativeSizesRaiseTheTooLargeErrorInBothDirections) {
-    oxArray *a = arr("double 1x2: 1 2"), *cell = arr("cell 1x1: {1}");
-    oxArray *s = arr("struct 1x1 f: {1}"), *sparse = arr("sparse double 2x2: (0,0)=1");
-    const int bad[] = {2, -1}, good[] = {2, 2};
-    const char *rows[] = {"x"};
-    char buf[2];
-    int count;
-    const std::function<void()> calls[] = {
-        [&] { oxCreateDoubleMatrix_700(-1, 3, oxREAL); },
-        [&] { oxCreateNumericMatrix_700(3, -1, oxINT8_CLASS, oxREAL); },
-        [&] { oxCreateLogicalMatrix_700(-1, 0); },
-        [&] { oxCreateCellMatrix_700(INT_MIN, 1); },
-        [&] { oxCreateStructMatrix_700(-1, 1, 0, nullptr); },
-        [&] { oxCreateSparse_700(1, 1, -1, oxREAL); },
-        [&] { oxCreateSparseLogicalMatrix_700(1, -1, 1); },
-        [&] { oxCreateNumericArray_700(2, bad, oxDOUBLE_CLASS, oxREAL); },
-        [&] { oxCreateLogicalArray_700(-1, nullptr); },
-        [&] { oxCreateCharArray_700(2, bad); },
-        [&] { oxCreateCellArray_700(2, bad); },
-        [&] { oxCreateStructArray_700(2, bad, 0, nullptr); },
-        [&] { oxCreateStringFromNChars_700("x", -1); },
-        [&] { oxCreateStringFromNChars_UTF8_700("x", -1); },
-        [&] { oxCreateStringFromNChars_UTF16_700(u"x", -1); },
-        [&] { oxCreateCharMatrixFromStrings_700(-1, rows); },
-        [&] { oxCreateCharMatrixFromStrings_UTF8_700(-1, rows); },
-        [&] { oxCreateCharMatrixFromStrs_700(-1, rows); },
-        [&] { oxSetM_700(a, -1); },
-        [&] { oxSetN_700(a, -1); },
-        [&] { oxSetNzmax_700(sparse, -1); },
-        [&] { oxSetDimensions_700(a, bad, 2); },
-        [&] { oxSetDimensions_700(a, good, -2); },
-        [&] { oxSetCell_700(cell, -1, nullptr); },
-        [&] { oxSetField_700(s, -1, "f", nullptr); },
-        [&] { oxSetFieldByNumber_700(s, -1, 0, nullptr); },
-        [&] { oxSetProperty_700(s, -1, "f", a); },
-        [&] { oxGetCell_700(cell, -1); },
-        [&] { oxGetField_700(s, -1, "f"); },
-        [&] { oxGetFieldByNumber_700(s, -1, 0); },
-        [&] { oxGetProperty_700(s, -1, "f"); },
-        [&] { oxCalcSingleSubscript_700(a, 2, bad); },
-        [&] { oxSubsCount_700(a, a, -1, 1, &count); },
-        [&] { oxGetString_700(a, buf, -1); },
-        [&] { oxGetString_UTF8_700(a, buf, -1); },
-        [&] { oxGetNChars_700(a, buf, -1); },
-        [&] { oxGetNChars_UTF8_700(a, buf, -1); },
-    };
-    for (const auto &call : calls)
+#define CALL(...) [](int m, [[maybe_unused]] int n) -> oxArray * { return __VA_ARGS__; }
+#define CHANGED(a, ...) CALL(after(a, [=](oxArray *x) { __VA_ARGS__; }))
+
+// The call with the sizes or positions 1 and 2, of which it uses so many.
+const struct {
+    int sizes;
+    const char *expected;
+    oxArray *(*call)(int m, int n);
+} calls[] = {
+    {2, "double 1x2: 0+0i 0+0i", CALL(oxCreateDoubleMatrix_700(m, n, oxCOMPLEX))},
+    {2, "int8 1x2: 0 0", CALL(oxCreateNumericMatrix_700(m, n, oxINT8_CLASS, oxREAL))},
+    {2, "logical 1x2: 0 0", CALL(oxCreateLogicalMatrix_700(m, n))},
+    {2, "cell 1x2: {} {}", CALL(oxCreateCellMatrix_700(m, n))},
+    {2, "struct 1x2 a,bc: {} {} {} {}", CALL(oxCreateStructMatrix_700(m, n, 2, fields))},
+    {2, "sparse double 1x2", CALL(oxCreateSparse_700(m, n, 5, oxREAL))},
+    {1, "1", CALL(number(oxGetNzmax_700(oxCreateSparse_700(3, 2, m, oxREAL))))},
+    {2, "sparse logical 1x2", CALL(oxCreateSparseLogicalMatrix_700(m, n, 1))},
+    {1, "1", CALL(number(oxGetNzmax_700(oxCreateSparseLogicalMatrix_700(3, 2, m))))},
+    {2, "single 1x2: 0 0", CALL(oxCreateNumericArray_700(2, List{m, n}, oxSINGLE_CLASS, oxREAL))},
+    {1, "logical 0x0", CALL(oxCreateLogicalArray_700(m, nullptr))},
+    {1, "double 0x0", CALL(oxCreateNumericArray_700(m - 1, List{}, oxDOUBLE_CLASS, oxREAL))},
+    {2, "char 1x2: '\\u0000\\u0000'", CALL(oxCreateCharArray_700(2, List{m, n}))},
+    {2, "cell 1x2: {} {}", CALL(oxCreateCellArray_700(2, List{m, n}))},
+    {2, "struct 1x2 a: {} {}", CALL(oxCreateStructArray_700(2, List{m, n}, 1, fields))},
+    {1, "char 1x1: 'a'", CALL(oxCreateStringFromNChars_700("abc", m))},
+    {1, "char 1x1: 'a'", CALL(oxCreateStringFromNChars_UTF8_700("abc", m))},
+    {1, "char 1x1: 'h'", CALL(oxCreateStringFromNChars_UTF16_700(units, m))},
+    {1, "char 1x2: 'xy'", CALL(oxCreateCharMatrixFromStrings_700(m, strings))},
+    {1, "char 1x2: 'xy'", CALL(oxCreateCharMatrixFromStrs_700(m, strings))},
+    {1, "char 1x2: 'xy'", CALL(oxCreateCharMatrixFromStrings_UTF8_700(m, strings))},
+    {1, "char 1x2: 'hi'", CALL(oxCreateCharMatrixFromStrings_UTF16_700(m, wide_strings))},
+    {1, "cell 1x3: {1} {7} {3}", CHANGED(cell(), oxSetCell_700(x, m, number(7)))},
+    {1, "struct 1x2 f,g: {1} {2} {3} {7}", CHANGED(fg(), oxSetField_700(x, m, "g", number(7)))},
+    {1, "struct 1x2 f,g: {1} {2} {3} {7}",
+     CHANGED(fg(), oxSetFieldByNumber_700(x, m, 1, number(7)))},
+    {1, "3", CALL(oxGetCell_700(cell(), 2 * m))},
+    {1, "3", CALL(oxGetField_700(fg(), m, "f"))},
+    {1, "3", CALL(oxGetFieldByNumber_700(fg(), m, 0))},
+    {1, "cell 1x3: {1} {} {3}", CHANGED(cell(), oxSetM_700(x, m))},
+    {1, "char 1x1: 'a'", CHANGED(abc(), oxSetN_700(x, m))},
+    {1, "sparse double 2x2: (0,0)=1",
+     CHANGED(arr("sparse double 2x2: (0,0)=1"), oxSetNzmax_700(x, m))},
+    {2, "double 1x2: 1 3", CHANGED(arr("1 2; 3 4"), oxSetDimensions_700(x, List{m, n}, 2))},
+    {2, "6", CALL(number(oxCalcSingleSubscript_700(oxCreateCellMatrix(4, 3), 2, List{n, m})))},
+    {2, "2", CALL(subs_count(oxCreateString(":"), m, n))},
+    {1, "-1", CALL(subs_count(arr("1 2"), m, 2))}, // the values must be converted first
+    {1, "char 1x1: 'a'", CALL(text_by(oxGetString_700, 2 * m))},
+    {1, "char 1x1: 'a'", CALL(text_by(oxGetString_UTF8_700, 2 * m))},
+    {1, "char 1x7: 'a------'", CALL(text_by(oxGetNChars_700, m))},
+    {1, "char 1x7: 'a------'", CALL(text_by(oxGetNChars_UTF8_700, m))},
+};
+
+TEST_F(Compat32, FunctionsConvertAndForwardAndRaiseTheTooLargeErrorForNegativeSizes) {
+    for (const auto &c : calls) {
+        SCOPED_TRACE(c.expected);
+        EXPECT_EQ(text(c.call(1, 2)), text(arr(c.expected)));
         EXPECT_RAISES("VELTRO:p64bitsize",
-                      "Maximum variable size allowed by the function is exceeded.", call());
-    EXPECT_EQ(text(a), text(arr("double 1x2: 1 2")));
+                      "Maximum variable size allowed by the function is exceeded.", c.call(-1, 2));
+        if (c.sizes == 2) {
+            EXPECT_RAISES_ENTRY(FP64BITSIZE, c.call(1, INT_MIN));
+        }
+    }
+    EXPECT_RAISES_ENTRY(FP64BITSIZE, oxGetProperty_700(fg(), -1, "f"));
+    EXPECT_RAISES_ENTRY(FP64BITSIZE, oxSetProperty_700(fg(), -1, "f", abc()));
 }
 
 TEST_F(Compat32, ResultsOf2To31AndMoreAreNotNarrowed) {
@@ -170,6 +135,7 @@ TEST_F(Compat32, DimensionsAreKeptWithTheArrayAndRefilledByEveryCall) {
     int *dims = oxGetDimensions_700(a);
     EXPECT_EQ(std::vector<int>(dims, dims + 3), (std::vector<int>{3, 4, 5}));
     EXPECT_EQ(oxGetDimensions_700(a), dims);
+    EXPECT_EQ(oxGetNumberOfDimensions_700(a), 3);
     oxSetDimensions(a, two, 2);
     dims = oxGetDimensions_700(a);
     EXPECT_EQ(a->dim32->length, 2);

@@ -3,16 +3,40 @@
 #include <support/host.h>
 #include <support/stream_bytes.h>
 
+#include <zlib.h>
+
+#include <cstring>
+
 namespace ox::test {
 namespace {
 
 class Golden : public HostTest {};
 
+// In buffers, and inflated from files that compress.
 TEST_F(Golden, ArrayElements) {
     for (const Record &r : records("golden.txt")) {
-        TestStream s(form_of(r.fields[0]));
-        EXPECT_EQ(s.put(arr(r.fields[1])), oiSUCCESS);
-        EXPECT_EQ(to_hex(s.contents()), to_hex(r.bytes)) << r.fields[0] << ' ' << r.fields[1];
+        SCOPED_TRACE(r.fields[0] + ' ' + r.fields[1]);
+        const oxArray *a = arr(r.fields[1]);
+        const StreamForm form = form_of(r.fields[0]);
+        TestStream s(form);
+        EXPECT_EQ(s.put(a), oiSUCCESS);
+        EXPECT_EQ(to_hex(s.contents()), to_hex(r.bytes));
+        if (form.options & oiOPTION16) continue; // which switches compression off
+        TestStream file(form_of(r.fields[0] + " compressed", Carrier::file));
+        ASSERT_EQ(file.put(a), oiSUCCESS);
+        const Bytes packed = file.contents();
+        const auto word = [&](std::size_t at) {
+            uint32_t w;
+            std::memcpy(&w, &packed[at], 4);
+            return form.swapped ? __builtin_bswap32(w) : w;
+        };
+        const std::size_t tag = form.options & oiWIDE ? 16 : 8;
+        EXPECT_EQ(word(0), uint32_t{oiCOMPRESSED});
+        EXPECT_EQ(word(tag / 2), packed.size() - tag);
+        uLongf n = r.bytes.size() - 8;
+        Bytes inflated(n);
+        EXPECT_EQ(uncompress(inflated.data(), &n, &packed[tag], packed.size() - tag), Z_OK);
+        EXPECT_EQ(to_hex(inflated), to_hex(cut(r.bytes, 8)));
     }
 }
 
@@ -36,18 +60,17 @@ TEST_F(Golden, CompactionChoosesExactTypes) {
         {"double 0x3", oiUINT8, "02000000 00000000"},
     };
     for (const auto &c : cases) {
+        SCOPED_TRACE(c.array);
         TestStream s({});
         s->compact = 1;
         oxArray *a = arr(c.array);
         ASSERT_EQ(s.put(a), oiSUCCESS);
-        EXPECT_EQ(oxGetUserBits(a), c.record) << c.array;
+        EXPECT_EQ(oxGetUserBits(a), c.record);
         const Bytes all = s.contents(), data = hex(c.data);
-        EXPECT_EQ(to_hex(Bytes(all.end() - static_cast<std::ptrdiff_t>(data.size()), all.end())),
-                  to_hex(data))
-            << c.array;
+        EXPECT_EQ(to_hex(cut(all, all.size() - data.size())), to_hex(data));
         oiItem_tag item{};
         EXPECT_EQ(oiGetItem(s.get(), &item, 8), oiSUCCESS);
-        EXPECT_EQ(oxAreMatricesEqual(static_cast<oxArray *>(item.data), a), 1) << c.array;
+        EXPECT_EQ(oxAreMatricesEqual(static_cast<oxArray *>(item.data), a), 1);
     }
 }
 

@@ -68,6 +68,10 @@ Bytes joined(Bytes a, const Bytes &b) {
     return a;
 }
 
+Bytes cut(const Bytes &bytes, std::size_t from, std::size_t to) {
+    return Bytes(bytes.data() + from, bytes.data() + std::min(to, bytes.size()));
+}
+
 Bytes patched(Bytes bytes, std::size_t at, const Bytes &patch) {
     std::copy(patch.begin(), patch.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
     return bytes;

@@ -16,6 +16,8 @@ using Bytes = std::vector<unsigned char>;
 Bytes hex(std::string_view text);
 std::string to_hex(const Bytes &bytes);
 Bytes joined(Bytes a, const Bytes &b);
+// The bytes from one offset up to another.
+Bytes cut(const Bytes &bytes, std::size_t from, std::size_t to = SIZE_MAX);
 // Replaces bytes at an offset.
 Bytes patched(Bytes bytes, std::size_t at, const Bytes &patch);
 // The bytes of a uint8 array.
