@@ -10,8 +10,6 @@ namespace {
 
 class Items : public HostTest {};
 
-const Bytes prefix = hex("0001494f00000000");
-
 TEST_F(Items, BytesOfEveryFormAndBack) {
     for (const Carrier c : {Carrier::buffer, Carrier::file, Carrier::sequential}) {
         for (const Record &r : records("items.txt")) {
@@ -23,7 +21,7 @@ TEST_F(Items, BytesOfEveryFormAndBack) {
             ASSERT_EQ(s.put(type, source), oiSUCCESS);
             EXPECT_EQ(source, data) << "the caller's data stay";
             const Bytes all = s.contents();
-            EXPECT_EQ(Bytes(all.begin() + (c == Carrier::buffer ? 8 : 0), all.end()), r.bytes);
+            EXPECT_EQ(all, carried(form, r.bytes));
             TestStream again(form, all);
             oiItem_tag item{77, 0, nullptr, 0};
             ASSERT_EQ(oiGetCurrentItem(again.get(), &item), oiSUCCESS);
@@ -43,9 +41,7 @@ TEST_F(Items, StatusesOfReading) {
     for (const Carrier c : {Carrier::buffer, Carrier::file, Carrier::sequential}) {
         for (const Record &r : records("unreadable.txt")) {
             const StreamForm form = form_of(r.fields[0], c);
-            Bytes start = c == Carrier::buffer ? prefix : Bytes();
-            if (!start.empty() && form.options & oiWIDE) start[4] = 1;
-            TestStream s(form, joined(start, r.bytes));
+            TestStream s(form, carried(form, r.bytes));
             oiItem_tag item{};
             EXPECT_EQ(oiGetCurrentItem(s.get(), &item), std::stoi(r.fields[1])) << r.fields[2];
             EXPECT_EQ(item.data, nullptr) << r.fields[2];
@@ -60,7 +56,7 @@ TEST_F(Items, PaddingMustBeThereInFilesOnly) {
     EXPECT_EQ(oiGetCurrentItem(file.get(), &item), oiSHORT_READ);
     EXPECT_EQ(oiGetCurrentItem(sequential.get(), &item), oiSHORT_READ);
     EXPECT_EQ(item.data, nullptr);
-    TestStream buffer({}, joined(prefix, bytes));
+    TestStream buffer({}, carried({}, bytes));
     unsigned char room[5];
     item.data = room;
     EXPECT_EQ(oiGetCurrentItem(buffer.get(), &item), oiSUCCESS);
@@ -102,19 +98,21 @@ TEST_F(Items, OffsetsAndRewriting) {
         unsigned char bytes[16] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}, got[16];
         oiItem_tag item{oiUINT8, 16, bytes, 0}, read{0, 0, got, 0};
         const kwSize start = c == Carrier::buffer ? 8 : 0;
-        // At the end twice, over the first, and behind a gap.
-        const kwSize places[] = {oiCURRENT_OFFSET, start + 24, start, start + 64};
-        const kwSize ends[] = {start + 24, start + 48, start + 24, start + 88};
-        for (int k = 0; k < 4; ++k) {
-            item.count = k == 2 ? 12 : 16;
-            kwSize at = places[k];
+        // At the end twice, over the first, and behind a gap: places and ends.
+        const kwSize places[][2] = {{oiCURRENT_OFFSET, start + 24},
+                                    {start + 24, start + 48},
+                                    {start, start + 24},
+                                    {start + 64, start + 88}};
+        for (const auto &[place, end] : places) {
+            item.count = place == start ? 12 : 16;
+            kwSize at = place;
             ASSERT_EQ(oiPutItem(s.get(), &item, &at), oiSUCCESS);
-            EXPECT_EQ(at, ends[k]);
-            EXPECT_TRUE(k != 2 || c != Carrier::buffer || s->capacity == 56u) << "never shrinks";
+            EXPECT_EQ(at, end);
+            EXPECT_TRUE(place != start || !start || s->capacity == 56u) << "never shrinks";
         }
-        for (const int k : {2, 1, 3}) {
-            EXPECT_EQ(oiGetItem(s.get(), &read, places[k]), oiSUCCESS);
-            EXPECT_EQ(read.count, k == 2 ? 12u : 16u);
+        for (const kwSize place : {start, start + 24, start + 64}) {
+            EXPECT_EQ(oiGetItem(s.get(), &read, place), oiSUCCESS);
+            EXPECT_EQ(read.count, place == start ? 12u : 16u);
             EXPECT_EQ(0, std::memcmp(got, bytes, read.count));
         }
         EXPECT_EQ(s.contents()[start + 50], 0);
@@ -151,10 +149,8 @@ TEST_F(Items, PrefixesAndPairsAtCreation) {
         oiStreamRec_tag *s = oiCreateBufferStream(block, c.version, c.indicator, nullptr, nullptr,
                                                   nullptr, bytes.size(), c.options);
         ASSERT_EQ(s ? s->flags : none, c.flags) << c.bytes;
-        if (!s) {
-            oxFreeEx(block); // still the caller's
-            continue;
-        }
+        if (!s) oxFreeEx(block); // still the caller's
+        if (!s) continue;
         EXPECT_EQ(s->offset, c.flags & oiPREFIX_PENDING ? 0u : 8u);
         const oiItem_tag item{oiUINT8, 1, const_cast<char *>("x"), 0};
         EXPECT_EQ(oiPutItem(s, &item, nullptr), oiSUCCESS);

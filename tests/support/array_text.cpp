@@ -22,45 +22,38 @@ char Scanner::peek() {
 
 char Scanner::next() {
     if (rest_.empty()) fail("unexpected end");
-    const char c = rest_[0];
-    rest_.remove_prefix(1);
-    return c;
+    return take(1)[0];
 }
 
-bool Scanner::accept(char c) {
-    if (peek() != c || rest_.empty()) return false;
-    rest_.remove_prefix(1);
-    return true;
-}
+bool Scanner::accept(char c) { return peek() == c && !take(1).empty(); }
 
 void Scanner::expect(char c) {
     if (!accept(c)) fail((std::string("expected ") + c).c_str());
 }
 
-std::string_view Scanner::word() {
-    peek();
-    std::size_t n = 0;
-    while (n < rest_.size() &&
-           (std::isalnum(static_cast<unsigned char>(rest_[n])) || rest_[n] == '_'))
-        ++n;
+std::string_view Scanner::take(std::size_t n) {
     const std::string_view w = rest_.substr(0, n);
-    rest_.remove_prefix(n);
+    rest_.remove_prefix(w.size());
     return w;
 }
 
-std::string_view Scanner::number() {
+std::string_view Scanner::word() {
     peek();
-    const std::size_t n = std::min(rest_.find_first_of(" \n;|{},)"), rest_.size());
-    const std::string_view w = rest_.substr(0, n);
-    if (w.empty()) fail("expected a number");
-    rest_.remove_prefix(n);
-    return w;
+    return take(static_cast<std::size_t>(
+        std::find_if(rest_.begin(), rest_.end(),
+                     [](unsigned char c) { return !std::isalnum(c) && c != '_'; }) -
+        rest_.begin()));
+}
+
+std::string_view Scanner::number() {
+    if (!peek()) fail("expected a number");
+    return take(rest_.find_first_of(" \n;|{},)"));
 }
 
 kwSize Scanner::size() {
     if (!at_digit()) fail("expected a size");
     kwSize n = 0;
-    for (; at_digit(); rest_.remove_prefix(1)) n = n * 10 + static_cast<kwSize>(rest_[0] - '0');
+    for (; at_digit(); next()) n = n * 10 + static_cast<kwSize>(rest_[0] - '0');
     return n;
 }
 
@@ -135,20 +128,19 @@ void print_number(const oxArray *a, kwSize k, std::string &out) {
 
 namespace {
 
-char16_t read_escape(Scanner &in) {
+// \\uXXXX, or a backslash and the character itself.
+oxChar read_escape(Scanner &in) {
     const char c = in.next();
     if (c != 'u') return static_cast<unsigned char>(c);
     std::string digits;
-    for (int k = 0; k < 4; ++k) digits += in.next();
-    return static_cast<char16_t>(std::stoul(digits, nullptr, 16));
+    while (digits.size() < 4) digits += in.next();
+    return static_cast<oxChar>(std::stoul(digits, nullptr, 16));
 }
 
-std::u16string read_quoted(Scanner &in) {
-    std::u16string units;
+void read_quoted(Scanner &in, std::vector<oxChar> &units) {
     in.expect('\'');
     for (char c; (c = in.next()) != '\'';)
-        units += c == '\\' ? read_escape(in) : static_cast<char16_t>(c);
-    return units;
+        units.push_back(c == '\\' ? read_escape(in) : static_cast<unsigned char>(c));
 }
 
 void print_unit(char16_t c, std::string &out) {
@@ -161,48 +153,36 @@ void print_unit(char16_t c, std::string &out) {
 
 // --- The body of a full array ------------------------------------------------------------------
 
-// What was read, in the order of the text, with the shape it has.
-template<class Item> struct Rows {
-    std::vector<Item> items;
-    kwSize rows = 0, cols = 0, pages = 0;
-
-    // Position in memory of the item that was read k-th.
-    kwSize position(kwSize k) const {
-        const kwSize page = k / (rows * cols), r = k / cols % rows, c = k % cols;
-        return page * rows * cols + c * rows + r;
-    }
-};
-
 bool body_ends(Scanner &in) {
     const char c = in.peek();
     return c == '\0' || c == '}' || c == ',';
 }
 
-template<class Item, class ReadRow> Rows<Item> read_rows(Scanner &in, ReadRow &&read_row) {
-    Rows<Item> r;
-    do {
-        kwSize rows = 0;
-        do {
-            const kwSize before = r.items.size();
-            read_row(r.items);
-            const kwSize cols = r.items.size() - before;
-            if (r.cols != cols && (rows || r.pages)) in.fail("rows differ in length");
-            r.cols = cols;
-            ++rows;
-        } while (in.accept(';'));
-        if (r.pages && rows != r.rows) in.fail("pages differ in size");
-        r.rows = rows;
-        ++r.pages;
-    } while (in.accept('|'));
-    return r;
-}
+// Pages of rows, in the order of the text, and the shape that they have.
+template<class Item> struct Rows {
+    std::vector<Item> items;
+    Dims dims;
 
-template<class Item> Dims shape(Scanner &in, const Dims &given, const Rows<Item> &r) {
-    if (given.empty()) return {r.rows, r.cols};
-    if (given[0] != r.rows || given[1] != r.cols || element_count(given) != r.items.size())
-        in.fail("elements do not fill the dimensions");
-    return given;
-}
+    template<class ReadRow> Rows(Scanner &in, const Dims &given, ReadRow &&read_row) : dims(given) {
+        kwSize rows = 0, pages = 0;
+        do {
+            ++pages;
+            do {
+                ++rows;
+                read_row(items);
+            } while (in.accept(';'));
+        } while (in.accept('|'));
+        const kwSize m = rows / pages, n = items.size() / rows;
+        if (given.empty()) dims = {m, n};
+        if (dims[0] != m || dims[1] != n || element_count(dims) != items.size())
+            in.fail("elements do not fill the dimensions");
+    }
+    // Position in memory of the item that was read k-th.
+    kwSize position(kwSize k) const {
+        const kwSize m = dims[0], n = dims[1], page = k / (m * n);
+        return page * m * n + k % n * m + k / n % m;
+    }
+};
 
 oxArray *create(const Dims &dims, int id, bool complex) {
     if (id == oxLOGICAL_CLASS) return oxCreateLogicalArray(dims.size(), dims.data());
@@ -211,30 +191,22 @@ oxArray *create(const Dims &dims, int id, bool complex) {
 }
 
 oxArray *read_chars(Scanner &in, const Dims &given) {
-    const auto r = read_rows<oxChar>(in, [&](std::vector<oxChar> &items) {
-        for (const char16_t c : read_quoted(in)) items.push_back(c);
-    });
-    oxArray *a = create(shape(in, given, r), oxCHAR_CLASS, false);
+    const Rows<oxChar> r(in, given, [&](std::vector<oxChar> &items) { read_quoted(in, items); });
+    oxArray *a = create(r.dims, oxCHAR_CLASS, false);
     for (kwSize k = 0; k < r.items.size(); ++k) a->get_chars()[r.position(k)] = r.items[k];
     return a;
 }
 
 oxArray *read_numbers(Scanner &in, const Dims &given, int id) {
-    const auto r = read_rows<NumberText>(in, [&](std::vector<NumberText> &items) {
+    const Rows<NumberText> r(in, given, [&](std::vector<NumberText> &items) {
         while (!body_ends(in) && in.peek() != ';' && in.peek() != '|')
             items.push_back(read_number(in));
     });
     const bool complex = std::any_of(r.items.begin(), r.items.end(),
                                      [](const NumberText &n) { return !n.im.empty(); });
-    oxArray *a = create(shape(in, given, r), id, complex);
+    oxArray *a = create(r.dims, id, complex);
     for (kwSize k = 0; k < r.items.size(); ++k) store_number(a, r.position(k), r.items[k]);
     return a;
-}
-
-void print_char_row(const oxArray *a, kwSize first, kwSize m, kwSize n, std::string &out) {
-    out += '\'';
-    for (kwSize c = 0; c < n; ++c) print_unit(a->get_chars()[first + c * m], out);
-    out += '\'';
 }
 
 void print_full(const oxArray *a, std::string &out) {
@@ -244,16 +216,17 @@ void print_full(const oxArray *a, std::string &out) {
     if (!a->num.pdata) return void(out += ", no data");
     if (a->is_imag_marked()) out += ", imaginary part announced";
     for (kwSize k = 0; k < count / n; ++k) {
-        const kwSize page = k / m, first = page * m * n + k % m;
         out += k == 0 ? ": " : k % m == 0 ? " | " : "; ";
-        if (a->is_char()) {
-            print_char_row(a, first, m, n, out);
-            continue;
+        if (a->is_char()) out += '\'';
+        for (kwSize c = 0, at = k / m * m * n + k % m; c < n; ++c, at += m) {
+            if (a->is_char()) {
+                print_unit(a->get_chars()[at], out);
+            } else {
+                if (c) out += ' ';
+                print_number(a, at, out);
+            }
         }
-        for (kwSize c = 0; c < n; ++c) {
-            if (c) out += ' ';
-            print_number(a, first + c * m, out);
-        }
+        if (a->is_char()) out += '\'';
     }
 }
 
@@ -291,21 +264,20 @@ void print_dims(const oxArray *a, std::string &out) {
 }
 
 oxArray *read_array(Scanner &in) {
-    int id = oxDOUBLE_CLASS;
+    const Scanner start = in;
+    const std::string_view word = in.word();
+    for (const TextForm *f : forms)
+        if (word == f->word) return f->make(in);
+    int id = class_of_word(word);
     Dims dims;
-    if (const Scanner start = in; true) {
-        const std::string_view word = in.word();
-        for (const TextForm *f : forms)
-            if (word == f->word) return f->make(in);
-        if (const int named = class_of_word(word)) {
-            id = named;
-            if (in.at_digit()) dims = read_dims(in);
-            if (!in.accept(':')) {
-                if (dims.empty() || element_count(dims)) in.fail("expected elements");
-                return create(dims, id, false);
-            }
-        } else {
-            in = start; // the elements themselves
+    if (!id) {
+        in = start; // the elements themselves
+        id = oxDOUBLE_CLASS;
+    } else {
+        if (in.at_digit()) dims = read_dims(in);
+        if (!in.accept(':')) {
+            if (dims.empty() || element_count(dims)) in.fail("expected elements");
+            return create(dims, id, false);
         }
     }
     return id == oxCHAR_CLASS ? read_chars(in, dims) : read_numbers(in, dims, id);

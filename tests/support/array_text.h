@@ -46,6 +46,7 @@ public:
     [[noreturn]] void fail(const char *what) const;
 
 private:
+    std::string_view take(std::size_t n);
     std::string_view whole_, rest_;
 };
 

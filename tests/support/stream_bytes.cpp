@@ -120,6 +120,13 @@ StreamForm form_of(std::string_view words, Carrier carrier) {
     return {carrier, has("swapped"), static_cast<uint16_t>(options)};
 }
 
+Bytes carried(const StreamForm &form, const Bytes &elements) {
+    if (form.carrier != Carrier::buffer) return elements;
+    Bytes prefix = hex(form.swapped ? "01004f4900000000" : "0001494f00000000");
+    prefix[form.swapped ? 5 : 4] = (form.options & oiWIDE) != 0;
+    return joined(prefix, elements);
+}
+
 TestStream::TestStream(StreamForm form, const Bytes &contents) : form_(form) {
     const uint16_t version = form.swapped ? oiSWAPPED_VERSION : 0;
     const uint16_t indicator = form.swapped ? oiSWAPPED_INDICATOR : 0;

@@ -41,6 +41,9 @@ std::string name_of(const StreamForm &form);
 // "native", or any of "swapped", "wide", "compressed", "option16".
 StreamForm form_of(std::string_view words, Carrier carrier = Carrier::buffer);
 
+// What a stream of the form holds with these elements: in a buffer, the prefix first.
+Bytes carried(const StreamForm &form, const Bytes &elements);
+
 // A stream over a temporary file or a buffer of its own.
 class TestStream {
 public:
