@@ -21,34 +21,32 @@ std::string quoted(const std::string &id, const std::string &message) {
     return '<' + id + "> \"" + message + '"';
 }
 
-AssertionResult recorded(const char *id) {
-    if (!oxGetErrorMode()) return AssertionSuccess();
-    const char *last;
-    oxGetLastErrIdAndMsg(&last, nullptr);
-    if (!std::strcmp(last, id)) return AssertionSuccess();
-    return AssertionFailure() << "the last error recorded is <" << last << ">, not <" << id << '>';
-}
-
 } // namespace
 
 AssertionResult raises(const char *id, const char *message, const std::function<void()> &call) {
     const std::string expected = quoted(id, message ? message : "...");
+    std::string raised = "nothing";
     try {
         call();
     } catch (const ut::simple_exception &e) {
-        const std::string raised = quoted(e.identifier(), message ? e.message() : "...");
-        if (raised == expected) return recorded(id);
-        return AssertionFailure() << "raised " << quoted(e.identifier(), e.message())
-                                  << "\nexpected " << expected;
+        raised = quoted(e.identifier(), message ? e.message() : "...");
+        const char *last;
+        oxGetLastErrIdAndMsg(&last, nullptr);
+        if (oxGetErrorMode() && std::strcmp(last, e.identifier()))
+            return AssertionFailure() << "the last error recorded is <" << last << '>';
     }
-    return AssertionFailure() << "nothing raised, expected " << expected;
+    if (raised == expected) return AssertionSuccess();
+    return AssertionFailure() << "raised " << raised << "\nexpected " << expected;
+}
+
+std::string entry_id(oxErrorMessage number) {
+    std::string id = oxGetErrorMessageEnumName(number) + 1;
+    for (char &c : id) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return "VELTRO:" + id;
 }
 
 AssertionResult raises_entry(oxErrorMessage number, const std::function<void()> &call) {
-    std::string id = oxGetErrorMessageEnumName(number) + 1;
-    for (char &c : id) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    id.insert(0, "VELTRO:");
-    return raises(id.c_str(), oxGetErrorTableEntry(number), call);
+    return raises(entry_id(number).c_str(), oxGetErrorTableEntry(number), call);
 }
 
 std::ostream &operator<<(std::ostream &out, const Warning &w) {
@@ -87,12 +85,8 @@ AssertionResult warns(const std::vector<Warning> &expected, const std::function<
     WarningRecorder recorder;
     call();
     if (recorder.shown == expected) return AssertionSuccess();
-    AssertionResult result = AssertionFailure();
-    result << "warnings shown:";
-    for (const Warning &w : recorder.shown) result << "\n  " << w;
-    result << "\nexpected:";
-    for (const Warning &w : expected) result << "\n  " << w;
-    return result;
+    return AssertionFailure() << "warnings shown: " << testing::PrintToString(recorder.shown)
+                              << "\nexpected: " << testing::PrintToString(expected);
 }
 
 } // namespace ox::test

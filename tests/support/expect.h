@@ -14,6 +14,7 @@ namespace ox::test {
 // error mode is 0, records it as the last error.
 testing::AssertionResult raises(const char *id, const char *message,
                                 const std::function<void()> &call);
+std::string entry_id(oxErrorMessage number);
 testing::AssertionResult raises_entry(oxErrorMessage number, const std::function<void()> &call);
 
 struct Warning {

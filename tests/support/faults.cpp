@@ -55,12 +55,13 @@ std::string describe(const oxArray *a) {
 
 namespace {
 
+using Then = FailingAllocation::Then;
 enum class Host { bare, managed, full_lists };
 constexpr const char *host_names[] = {"bare", "managed", "full lists"};
 
 struct Outcome {
-    bool raised = false, succeeded = false;
-    std::string what;
+    bool succeeded = false;
+    std::string raised; // identifier and message
     oxArray *result = nullptr;
 };
 
@@ -69,10 +70,8 @@ Outcome attempt(const Sweep &s, const Arrays &in) {
     try {
         out.result = s.make ? s.make(in) : nullptr;
         out.succeeded = s.make ? out.result != nullptr : s.act(in);
-        out.what = out.succeeded ? "success" : "failure without a raise";
     } catch (const ut::simple_exception &e) {
-        out.raised = true;
-        out.what = std::string(e.identifier()) + ": " + e.message();
+        out.raised = std::string(e.identifier()) + ": " + e.message();
     }
     return out;
 }
@@ -103,48 +102,39 @@ void fill_lists() {
 
 void expect_failure(const Sweep &s, Host host, const Outcome &out) {
     if (s.may_survive && out.succeeded) return;
-    if (host == Host::bare)
-        EXPECT_FALSE(out.succeeded) << "the call must notice the failed allocation";
-    else if (!s.silent || out.raised)
-        EXPECT_EQ(out.what, "VELTRO:nomem: Out of memory. Type HELP MEMORY for your options.");
-    else
-        EXPECT_FALSE(out.succeeded);
+    EXPECT_FALSE(out.succeeded) << "the call must notice the failed allocation";
+    if (host != Host::bare && (!s.silent || !out.raised.empty()))
+        EXPECT_EQ(out.raised, "VELTRO:nomem: Out of memory. Type HELP MEMORY for your options.");
 }
 
 // The call with its n-th allocation failing, then without; whether there was an n-th.
-bool strike(const Sweep &s, Host host, const Arrays &in, std::size_t n,
-            FailingAllocation::Then then) {
-    const bool bare = host == Host::bare;
+bool strike(const Sweep &s, Host host, const Arrays &in, std::size_t n, Then then) {
     const std::string before = describe_all(in);
-    std::size_t count;
-    {
-        Contexts contexts;
+    for (const bool fails : {true, false}) {
+        const Contexts contexts;
         Outcome out;
+        std::size_t count;
         {
-            FailingAllocation fault(n, then);
+            const FailingAllocation fault(fails ? n : 0, then);
             out = attempt(s, in);
             count = FailingAllocation::count();
         }
-        if (count < n)
-            EXPECT_TRUE(out.succeeded) << out.what;
-        else
+        const bool struck = fails && count >= n;
+        if (struck)
             expect_failure(s, host, out);
-        if (!s.changes_inputs && count >= n) {
-            EXPECT_EQ(describe_all(in), before);
-        }
-        if (bare) oxDestroyArray(out.result);
+        else
+            EXPECT_TRUE(out.succeeded) << (fails ? "" : "the next call: ") << out.raised;
+        EXPECT_TRUE(!struck || s.changes_inputs || describe_all(in) == before)
+            << describe_all(in) << "\nbefore: " << before;
+        const int rule = out.result ? check_header(out.result, CheckDepth::storage) : 0;
+        EXPECT_EQ(rule, 0) << rule_text(rule);
+        if (host == Host::bare) oxDestroyArray(out.result);
+        if (fails && !struck) return false;
     }
-    if (count < n) return false;
-    Contexts contexts;
-    const Outcome again = attempt(s, in);
-    EXPECT_TRUE(again.succeeded) << "the next call: " << again.what;
-    const int rule = again.result ? check_header(again.result, CheckDepth::storage) : 0;
-    EXPECT_EQ(rule, 0) << rule_text(rule);
-    if (bare) oxDestroyArray(again.result);
     return true;
 }
 
-bool run(const Sweep &s, Host host, std::size_t n, FailingAllocation::Then then) {
+bool run(const Sweep &s, Host host, std::size_t n, Then then) {
     reset_library();
     const Live before = live();
     if (host != Host::bare) install_managers();
@@ -169,12 +159,11 @@ bool run(const Sweep &s, Host host, std::size_t n, FailingAllocation::Then then)
 void sweep(const Sweep &s) {
     for (const Host host : {Host::bare, Host::managed, Host::full_lists}) {
         if (host == Host::bare && !s.bare) continue;
-        for (const auto then :
-             {FailingAllocation::Then::recovers, FailingAllocation::Then::stays}) {
+        for (const auto then : {Then::recovers, Then::stays}) {
             for (std::size_t n = 1;; ++n) {
                 SCOPED_TRACE(std::string(s.name) + ", " + host_names[static_cast<int>(host)] +
                              ", allocation " + std::to_string(n) +
-                             (then == FailingAllocation::Then::stays ? " and all after it" : ""));
+                             (then == Then::stays ? " and all after it" : ""));
                 const bool struck = run(s, host, n, then);
                 if (testing::Test::HasFailure()) return;
                 if (struck) continue;

@@ -52,33 +52,6 @@ void reset_library() {
     utSetWarningMode(context, UT_WARNING_MODE_QUIET, false);
 }
 
-void HostTest::SetUp() {
-    reset_library();
-    before_ = live();
-    install_managers();
-    oxEnterNewArrayListContext(); // both are the first, at index 0
-    oxEnterNewAllocListContext();
-}
-
-namespace {
-
-void expect_well_formed(oxArray *a) {
-    EXPECT_STREQ(rule_text(check_header(a, CheckDepth::header)), "well formed");
-}
-
-} // namespace
-
-void HostTest::TearDown() {
-    oxApplyToAllArraysOnArrayList(expect_well_formed);
-    oxExitArrayListContext(0, nullptr, 0, true);
-    oxFreeAllocListContext();
-    oxRestorePreviousAllocListContext(0);
-    EXPECT_EQ(array_list_length(), 0u) << "arrays are still listed";
-    EXPECT_EQ(GetAllocListLength(), 0u) << "blocks are still listed";
-    reset_library();
-    EXPECT_EQ(live(), before_) << "more or less alive than before the test";
-}
-
 void BareTest::SetUp() {
     reset_library();
     before_ = live();
@@ -86,8 +59,26 @@ void BareTest::SetUp() {
 
 void BareTest::TearDown() {
     EXPECT_EQ(array_list_length(), 0u) << "arrays are listed";
+    EXPECT_EQ(GetAllocListLength(), 0u) << "blocks are listed";
     reset_library();
     EXPECT_EQ(live(), before_) << "more or less alive than before the test";
+}
+
+void HostTest::SetUp() {
+    BareTest::SetUp();
+    install_managers();
+    oxEnterNewArrayListContext(); // both are the first, at index 0
+    oxEnterNewAllocListContext();
+}
+
+void HostTest::TearDown() {
+    oxApplyToAllArraysOnArrayList([](oxArray *a) {
+        EXPECT_STREQ(rule_text(check_header(a, CheckDepth::header)), "well formed");
+    });
+    oxExitArrayListContext(0, nullptr, 0, true);
+    oxFreeAllocListContext();
+    oxRestorePreviousAllocListContext(0);
+    BareTest::TearDown();
 }
 
 } // namespace ox::test

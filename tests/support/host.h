@@ -35,9 +35,9 @@ void install_managers();
 // every warning shown.
 void reset_library();
 
-// The managers are installed and contexts are entered; at the end what is still listed must be well
-// formed, and once the contexts are left nothing may be alive.
-class HostTest : public testing::Test {
+// The state at load, without managers; whatever a test creates it must destroy. At the end nothing
+// may be listed and no more alive than before.
+class BareTest : public testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
@@ -46,14 +46,12 @@ private:
     Live before_{};
 };
 
-// The state at load, without managers; whatever a test creates it must destroy.
-class BareTest : public testing::Test {
+// The managers are installed and contexts are entered; at the end what is still listed must be well
+// formed, and once the contexts are left nothing may be alive.
+class HostTest : public BareTest {
 protected:
     void SetUp() override;
     void TearDown() override;
-
-private:
-    Live before_{};
 };
 
 } // namespace ox::test

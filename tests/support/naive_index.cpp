@@ -1,4 +1,5 @@
 // Reference, assignment and deletion spelled out element by element.
+#include <support/array_text.h>
 #include <support/expect.h>
 #include <support/naive_index.h>
 
@@ -11,20 +12,11 @@ namespace ox::test {
 
 namespace {
 
-using Dims = std::vector<kwSize>;
 using Positions = std::vector<kwSize>; // one-based
-
-kwSize product(const Dims &d) {
-    kwSize n = 1;
-    for (kwSize x : d) n *= x;
-    return n;
-}
 
 void trim(Dims &d) {
     while (d.size() > 2 && d.back() == 1) d.pop_back();
 }
-
-const oxArray *as_double(const oxArray *a) { return oxMustBeFullDouble(const_cast<oxArray *>(a)); }
 
 double slot_value(const oxArray *slot) { return slot ? oxGetScalar(slot) : -1; }
 
@@ -39,9 +31,7 @@ bool is_numeric_class(int cls) { return cls >= oxLOGICAL_CLASS && cls <= oxUINT6
     fail("VELTRO:badsubscript", "Index exceeds matrix dimensions.");
 }
 [[noreturn]] void fail_entry(oxErrorMessage n) {
-    std::string id = oxGetErrorMessageEnumName(n) + 1;
-    for (char &c : id) c = static_cast<char>(std::tolower(c));
-    throw NaiveError{"VELTRO:" + id, oxGetErrorTableEntry(n)};
+    throw NaiveError{entry_id(n), oxGetErrorTableEntry(n)};
 }
 
 bool is_colon(const oxArray *s) {
@@ -68,7 +58,7 @@ Positions read_positions(const oxArray *s, kwSize extent) {
     Positions p;
     const kwSize n = oxGetNumberOfElements(s);
     if (n != 0 && oxIsComplex(s)) fail_bad();
-    const double *values = n ? oxGetPr(as_double(s)) : nullptr;
+    const double *values = n ? oxGetPr(oxMustBeFullDouble(const_cast<oxArray *>(s))) : nullptr;
     for (kwSize k = 0; k < n; ++k) {
         double x = values[k];
         if (oxIsLogical(s)) {
@@ -92,14 +82,16 @@ Dims folded(const Dims &d, kwSize nsubs) {
     return e;
 }
 
+Dims without_ones(Dims d) {
+    std::erase(d, kwSize{1});
+    return d;
+}
+
 std::optional<kwSize> vector_dimension(const Dims &d) {
-    std::optional<kwSize> found;
-    for (kwSize k = 0; k < d.size(); ++k)
-        if (d[k] != 1) {
-            if (found) return {};
-            found = k;
-        }
-    return found;
+    if (without_ones(d).size() != 1) return {};
+    kwSize k = 0;
+    while (d[k] == 1) ++k;
+    return k;
 }
 
 Dims oriented(kwSize nd, kwSize k, kwSize n) {
@@ -122,17 +114,16 @@ Dims linear_shape(const Dims &a, const oxArray *s, kwSize n) {
         if (ka) return oriented(a.size(), *ka, n);
         return ki ? oriented(i.size(), *ki, n) : Dims{n, 1};
     }
-    const auto wide = std::count_if(i.begin(), i.end(), [](kwSize x) { return x != 1; });
-    return wide < 2 && ka ? oriented(a.size(), *ka, n) : i;
+    return without_ones(i).size() < 2 && ka ? oriented(a.size(), *ka, n) : i;
 }
 
 // Calls f(k-th selected, zero-based linear position) over all combinations, first subscript
 // fastest.
 void for_each(const std::vector<Positions> &p, const Dims &extents,
               const std::function<void(kwSize, kwSize)> &f) {
-    kwSize n = 1;
-    for (const Positions &x : p) n *= x.size();
-    for (kwSize i = 0; i < n; ++i) {
+    Dims counts;
+    for (const Positions &x : p) counts.push_back(x.size());
+    for (kwSize i = 0; i < element_count(counts); ++i) {
         kwSize rest = i, at = 0, stride = 1;
         for (kwSize k = 0; k < p.size(); ++k) {
             at += (p[k][rest % p[k].size()] - 1) * stride;
@@ -147,7 +138,7 @@ kwSize largest(const Positions &p) { return p.empty() ? 0 : *std::max_element(p.
 
 // The elements of a in an array of other dimensions, by subscript.
 void regrow(Naive &a, const Dims &dims, const Naive::Element &fill) {
-    std::vector<Naive::Element> grown(product(dims), fill);
+    std::vector<Naive::Element> grown(element_count(dims), fill);
     const kwSize nd = std::max(dims.size(), a.dims.size());
     for (kwSize i = 0; i < a.elements.size(); ++i) {
         kwSize rest = i, at = 0, stride = 1;
@@ -160,12 +151,6 @@ void regrow(Naive &a, const Dims &dims, const Naive::Element &fill) {
     }
     a.dims = dims;
     a.elements = std::move(grown);
-}
-
-Dims without_ones(const Dims &d) {
-    Dims w;
-    std::copy_if(d.begin(), d.end(), std::back_inserter(w), [](kwSize x) { return x != 1; });
-    return w;
 }
 
 void check_counts(const Dims &counts, const Naive &rhs) {
@@ -272,7 +257,7 @@ Naive Naive::read(const oxArray *a) {
     const bool numeric = is_numeric_class(n.cls);
     const int nf = oxIsStruct(a) ? oxGetNumberOfFields(a) : 0;
     for (int f = 0; f < nf; ++f) n.fields.emplace_back(oxGetFieldNameByNumber(a, f));
-    const oxArray *x = numeric ? as_double(a) : nullptr;
+    const oxArray *x = numeric ? oxMustBeFullDouble(const_cast<oxArray *>(a)) : nullptr;
     const double *pr = numeric ? oxGetPr(x) : nullptr, *pi = numeric ? oxGetPi(x) : nullptr;
     for (kwSize k = 0; k < n.numel(); ++k) {
         Element e;
@@ -309,19 +294,7 @@ oxArray *Naive::make() const {
     return a;
 }
 
-std::string Naive::text() const {
-    std::string s = oxArrayClassIDName(static_cast<oxClassID>(cls));
-    for (kwSize d : dims) s += ' ' + std::to_string(d);
-    s += ':';
-    for (const Element &e : elements) {
-        s += " (";
-        for (double x : e) s += std::to_string(x).substr(0, 6) + ' ';
-        s += ')';
-    }
-    return s;
-}
-
-kwSize Naive::numel() const { return product(dims); }
+kwSize Naive::numel() const { return element_count(dims); }
 
 bool Naive::complex() const {
     return std::any_of(elements.begin(), elements.end(),

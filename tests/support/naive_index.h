@@ -1,6 +1,7 @@
 // Reference, assignment and deletion spelled out element by element, to compare the library with.
 #pragma once
 #include <ox.hpp>
+#include <support/array_text.h>
 
 #include <string>
 #include <vector>
@@ -25,7 +26,7 @@ struct Naive {
     static Naive read(const oxArray *a); // expands colon objects, fills sparse arrays
     oxArray *make() const;               // with the library's creators
     bool operator==(const Naive &) const = default;
-    std::string text() const;
+    std::string text() const { return test::text(make()); }
 
     kwSize numel() const;
     bool complex() const; // some imaginary part is not 0
