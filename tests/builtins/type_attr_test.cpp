@@ -1,12 +1,5 @@
 // Arrays made from a class and attributes.
-#include <core/array.h>
-#include <ox.h>
-#include <support/array_text.h>
-#include <support/faults.h>
-#include <support/host.h>
-
-using namespace ox;
-using namespace ox::test;
+#include <support/suite.h>
 
 namespace {
 

@@ -1,18 +1,10 @@
 // The 32-bit level: what it converts, what it refuses, and the dimensions that it keeps.
-#include <core/array.h>
-#include <ox.h>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/fake_layer.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <ut.h>
 
 #include <climits>
 #include <functional>
-
-using namespace ox;
-using namespace ox::test;
 
 namespace {
 

@@ -1,26 +1,26 @@
 // The 32-bit level and the Fortran entry points under failing allocations.
 #include "fortran_names.h"
 
-#include <ox.h>
-#include <support/faults.h>
-#include <support/host.h>
+#include <support/suite.h>
 
-using namespace ox;
 using namespace ox::fortran;
-using namespace ox::test;
 
 namespace {
 
 const int ones[] = {1, 1, 1, 1, 1, 1, 1, 1, 2, 2}, ten = 10, one = 1, two = 2;
 const char names[] = "alphabeta ", *fields[] = {"alpha", "beta"};
 
+using Make = std::function<oxArray *(const Arrays &)>;
+const Make makers[] = {
+    [](auto &) { return oxCreateDoubleMatrix_700(2, 2, oxCOMPLEX); },
+    [](auto &) { return oxCreateNumericArray_700(10, ones, oxINT8_CLASS, oxREAL); },
+    [](auto &) { return oxCreateCellArray_700(10, ones); },
+    [](auto &) { return oxCreateStructArray_700(10, ones, 2, fields); },
+    [](auto &) { return OXCREATESTRUCTARRAY(&ten, ones, &two, names, 5); },
+    [](auto &) { return OXCREATECHARMATRIXFROMSTRINGS(&two, names, 5); },
+};
+
 const Sweep sweeps[] = {
-    {"double matrix", {}, [](auto &) { return oxCreateDoubleMatrix_700(2, 2, oxCOMPLEX); }},
-    {"numeric array of many dimensions",
-     {},
-     [](auto &) { return oxCreateNumericArray_700(10, ones, oxINT8_CLASS, oxREAL); }},
-    {"cell array", {}, [](auto &) { return oxCreateCellArray_700(10, ones); }},
-    {"struct array", {}, [](auto &) { return oxCreateStructArray_700(10, ones, 2, fields); }},
     {.name = "sparse",
      .make = [](auto &) { return oxCreateSparse_700(3, 3, 4, oxREAL); },
      .silent = true},
@@ -45,10 +45,6 @@ const Sweep sweeps[] = {
      {"double 2x2: 1 2; 3 4"},
      nullptr,
      [](auto &in) { return oxCalcSingleSubscript_700(in[0], 10, ones) > 0; }},
-    {.name = "Fortran struct",
-     .make = [](auto &) { return OXCREATESTRUCTARRAY(&ten, ones, &two, names, 5); }},
-    {.name = "Fortran rows",
-     .make = [](auto &) { return OXCREATECHARMATRIXFROMSTRINGS(&two, names, 5); }},
     {.name = "Fortran class name",
      .inputs = {"char 1x1: 'x'"},
      .act = [](auto &in) { return OXISCLASS(&in[0], "char ", 5) == one; }},
@@ -62,6 +58,7 @@ const Sweep sweeps[] = {
 };
 
 TEST(CompatSweep, EveryAllocationFailsOnce) {
+    for (const Make &make : makers) sweep_makes({{}}, make, true);
     for (const Sweep &s : sweeps) sweep(s);
 }
 

@@ -1,14 +1,7 @@
 // The record of the last error: storing texts and stacks, and exchanging records.
-#include <ox.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <string>
-
-using namespace ox::test;
 
 namespace {
 

@@ -1,9 +1,6 @@
 // Raising: identifiers, messages, the prefix, translation, and what a raise cleans up.
 #include <errors/raise.h>
-#include <ox.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <ut.h>
 #include <ut.hpp>
@@ -11,8 +8,6 @@
 #include <cfenv>
 #include <cstring>
 #include <string>
-
-using namespace ox::test;
 
 namespace {
 

@@ -1,15 +1,11 @@
 // Warnings: shown, recorded, raised, with their hint, callbacks and hooks in order.
 #include <errors/raise.h>
 #include <errors/warn.h>
-#include <ox.h>
-#include <support/expect.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <ut.h>
 
 #include <string>
-
-using namespace ox::test;
 
 namespace {
 

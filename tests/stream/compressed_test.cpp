@@ -1,13 +1,11 @@
 // The compressor by itself, and compressed elements in streams.
-#include <support/array_text.h>
-#include <support/host.h>
 #include <support/stream_bytes.h>
+#include <support/suite.h>
 
 #include <zlib.h>
 
 #include <cstring>
 
-namespace ox::test {
 namespace {
 
 class Compressed : public HostTest {
@@ -202,4 +200,3 @@ TEST_F(Compressed, OnlyArraysAndOnlyWhereTheStreamSeeks) {
 }
 
 } // namespace
-} // namespace ox::test

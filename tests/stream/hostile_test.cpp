@@ -1,15 +1,11 @@
 // Bytes that nobody wrote: cut short, changed, and made up. Whatever they are, reading them ends
 // with a status or with an array that holds every rule, and leaves nothing behind.
 #include <containers/check_array.h>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
 #include <support/stream_bytes.h>
+#include <support/suite.h>
 
 #include <cstring>
 
-namespace ox::test {
 namespace {
 
 class Hostile : public HostTest {};
@@ -75,7 +71,7 @@ TEST_F(Hostile, EveryChangedByteAndWordIsHarmless) {
 
 TEST_F(Hostile, MalformedArraysByTheirFault) {
     for (const Carrier carrier : {Carrier::buffer, Carrier::sequential}) {
-        for (const Record &r : records("malformed.txt")) {
+        for (const Record &r : records("stream/malformed.txt")) {
             const std::size_t start = carrier == Carrier::buffer ? 8 : 0;
             const int32_t status = std::stoi(r.fields[0]);
             TestStream s({carrier});
@@ -92,7 +88,7 @@ TEST_F(Hostile, MalformedArraysByTheirFault) {
 
 // What is stored as another type is converted without a word; odd but legal forms are read.
 TEST_F(Hostile, ForeignWritersAreUnderstood) {
-    for (const Record &r : records("foreign.txt")) {
+    for (const Record &r : records("stream/foreign.txt")) {
         TestStream s({});
         s.put(arr(r.fields[0]));
         Bytes bytes = s.contents();
@@ -128,4 +124,3 @@ TEST_F(Hostile, ClaimsAreNotAllocated) {
 }
 
 } // namespace
-} // namespace ox::test

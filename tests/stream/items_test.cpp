@@ -1,18 +1,16 @@
 // Elements that are not arrays: their bytes, reading them back, and every status.
-#include <support/array_text.h>
-#include <support/host.h>
 #include <support/stream_bytes.h>
+#include <support/suite.h>
 
 #include <cstring>
 
-namespace ox::test {
 namespace {
 
 class Items : public HostTest {};
 
 TEST_F(Items, BytesOfEveryFormAndBack) {
     for (const Carrier c : {Carrier::buffer, Carrier::file, Carrier::sequential}) {
-        for (const Record &r : records("items.txt")) {
+        for (const Record &r : records("stream/items.txt")) {
             const StreamForm form = form_of(r.fields[0], c);
             SCOPED_TRACE(name_of(form) + to_hex(r.bytes));
             TestStream s(form);
@@ -39,7 +37,7 @@ TEST_F(Items, BytesOfEveryFormAndBack) {
 
 TEST_F(Items, StatusesOfReading) {
     for (const Carrier c : {Carrier::buffer, Carrier::file, Carrier::sequential}) {
-        for (const Record &r : records("unreadable.txt")) {
+        for (const Record &r : records("stream/unreadable.txt")) {
             const StreamForm form = form_of(r.fields[0], c);
             TestStream s(form, carried(form, r.bytes));
             oiItem_tag item{};
@@ -211,4 +209,3 @@ TEST_F(Items, ReserveIsAskedForTheBareRoom) {
 }
 
 } // namespace
-} // namespace ox::test

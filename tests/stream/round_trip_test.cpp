@@ -1,13 +1,10 @@
 // Arrays through every kind of stream and back.
 #include <containers/check_array.h>
-#include <support/array_text.h>
-#include <support/host.h>
-#include <support/random.h>
 #include <support/stream_bytes.h>
+#include <support/suite.h>
 
 #include <cstring>
 
-namespace ox::test {
 namespace {
 
 class RoundTrip : public HostTest {};
@@ -209,4 +206,3 @@ TEST_F(RoundTrip, DeepestNestingThatIsWrittenIsRead) {
 }
 
 } // namespace
-} // namespace ox::test

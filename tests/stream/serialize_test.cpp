@@ -1,17 +1,12 @@
 // Serialised arrays, and what the class layer adds: subsystem data, objects, handles.
 #include <containers/check_array.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
 #include <support/stream_bytes.h>
+#include <support/suite.h>
 
 #include <ut.h>
 
 #include <cstring>
 
-namespace ox::test {
 namespace {
 
 class Serialize : public HostTest {
@@ -239,4 +234,3 @@ TEST_F(Serialize, FunctionHandlesThroughTheLayer) {
 }
 
 } // namespace
-} // namespace ox::test

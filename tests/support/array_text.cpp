@@ -298,6 +298,7 @@ void print_in_braces(const oxArray *a, std::string &out) {
 }
 
 oxArray *arr(std::string_view text) {
+    if (text == "null") return nullptr;
     Scanner in(text);
     oxArray *a = read_array(in);
     if (in.peek()) in.fail("text goes on");

@@ -22,7 +22,8 @@
 
 namespace ox::test {
 
-// Makes the array with the library's creators; a malformed text throws std::invalid_argument.
+// Makes the array with the library's creators, none of "null"; a malformed text throws
+// std::invalid_argument.
 oxArray *arr(std::string_view text);
 
 // Writes an array so that arr() would make its like; "null" for none. Numbers are the shortest that

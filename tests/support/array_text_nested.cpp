@@ -73,18 +73,38 @@ void print_sparse(const oxArray *a, std::string &out) {
 
 // --- Cells and structs: slots in the order of memory ---------------------------------------------
 
-oxArray *make_container(const Dims &dims, int id, kwSize slots, Scanner &in) {
+std::vector<std::string> read_names(Scanner &in) {
+    std::vector<std::string> names;
+    if (!in.peek() || in.peek() == ':' || in.peek() == '}') return names;
+    do names.emplace_back(in.word());
+    while (in.accept(','));
+    return names;
+}
+
+template<int id> oxArray *make_container(Scanner &in) {
+    const Dims dims = read_dims(in);
+    std::vector<std::string> names;
+    if (id == oxSTRUCT_CLASS) names = read_names(in);
+    std::vector<const char *> pointers;
+    for (const std::string &name : names) pointers.push_back(name.c_str());
+    const kwSize slots = element_count(dims) * (id == oxSTRUCT_CLASS ? names.size() : 1);
     oxArray *a = make_header(id, dims[0], dims[1]);
     store_dimensions(a, dims.size(), dims.data());
     a->cell.slots = static_cast<oxArray **>(oxCallocEx(slots, sizeof(oxArray *)));
     hand_over(a);
-    if (in.accept(':'))
-        for (kwSize k = 0; k < slots; ++k)
-            if (oxArray *element = read_in_braces(in)) a->cell.slots[k] = contained(element);
+    for (kwSize k = 0; k < slots && (k || in.accept(':')); ++k)
+        if (oxArray *element = read_in_braces(in)) a->cell.slots[k] = contained(element);
+    if (slots == 0) in.accept(':');
+    if (!names.empty())
+        a->record.names = make_field_table(static_cast<int32_t>(names.size()), pointers.data());
     return a;
 }
 
-void print_slots(const oxArray *a, kwSize slots, std::string &out) {
+void print_container(const oxArray *a, std::string &out) {
+    print_dims(a, out);
+    const int32_t n = oxIsCell(a) ? 0 : field_count(a);
+    for (int32_t k = 0; k < n; ++k) out += (k ? "," : " ") + std::string(a->record.names->names[k]);
+    const kwSize slots = a->get_number_of_elements() * static_cast<kwSize>(oxIsCell(a) ? 1 : n);
     if (slots && !a->cell.slots) return void(out += ", no data");
     for (kwSize k = 0; k < slots; ++k) {
         out += k == 0 ? ": " : " ";
@@ -92,40 +112,9 @@ void print_slots(const oxArray *a, kwSize slots, std::string &out) {
     }
 }
 
-oxArray *make_cell(Scanner &in) {
-    const Dims dims = read_dims(in);
-    return make_container(dims, oxCELL_CLASS, element_count(dims), in);
-}
-
-void print_cell(const oxArray *a, std::string &out) {
-    print_dims(a, out);
-    print_slots(a, a->get_number_of_elements(), out);
-}
-
-oxArray *make_struct(Scanner &in) {
-    const Dims dims = read_dims(in);
-    std::vector<std::string> names;
-    if (in.peek() && in.peek() != ':' && in.peek() != '}') do
-            names.emplace_back(in.word());
-        while (in.accept(','));
-    std::vector<const char *> pointers;
-    for (const std::string &name : names) pointers.push_back(name.c_str());
-    oxArray *a = make_container(dims, oxSTRUCT_CLASS, element_count(dims) * names.size(), in);
-    if (!names.empty())
-        a->record.names = make_field_table(static_cast<int32_t>(names.size()), pointers.data());
-    return a;
-}
-
-void print_struct(const oxArray *a, std::string &out) {
-    print_dims(a, out);
-    const int32_t n = field_count(a);
-    for (int32_t k = 0; k < n; ++k) out += (k ? "," : " ") + std::string(a->record.names->names[k]);
-    print_slots(a, a->get_number_of_elements() * static_cast<kwSize>(n), out);
-}
-
 oxArray *make_object(Scanner &in) {
     const std::string class_name(in.word());
-    oxArray *a = make_struct(in);
+    oxArray *a = make_container<oxSTRUCT_CLASS>(in);
     oxSetClassName(a, class_name.c_str());
     return a;
 }
@@ -133,14 +122,15 @@ oxArray *make_object(Scanner &in) {
 void print_object(const oxArray *a, std::string &out) {
     out += ' ';
     out += oxGetClassName(a);
-    print_struct(a, out);
+    print_container(a, out);
 }
 
 } // namespace
 
 const TextForm object_form = {"object", oxIsObject, make_object, print_object};
 const TextForm sparse_form = {"sparse", is_sparse, make_sparse_of, print_sparse};
-const TextForm cell_form = {"cell", oxIsCell, make_cell, print_cell};
-const TextForm struct_form = {"struct", oxIsStructClass, make_struct, print_struct};
+const TextForm cell_form = {"cell", oxIsCell, make_container<oxCELL_CLASS>, print_container};
+const TextForm struct_form = {"struct", oxIsStructClass, make_container<oxSTRUCT_CLASS>,
+                              print_container};
 
 } // namespace ox::test

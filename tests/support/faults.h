@@ -37,6 +37,7 @@ struct Sweep {
     bool silent = false;      // with managers, null or false is as good as a raise
     bool may_survive = false; // a failed allocation need not fail the call
     bool changes_inputs = false;
+    bool other_raise = false; // a raise need not be that of lacking memory
     // Arguments that text cannot describe; replaces inputs.
     std::function<Arrays()> setup;
 };

@@ -1,7 +1,6 @@
 // Streams in tests.
 #include <support/stream_bytes.h>
 
-#include <cctype>
 #include <cstring>
 #include <fstream>
 #include <stdexcept>
@@ -31,23 +30,18 @@ int32_t room_or_not(oiStreamRec_tag *, kwSize n, kwSize *offset, kwSize *capacit
 
 } // namespace
 
-Bytes hex(std::string_view text) {
+Bytes hex(const std::string &text) {
     Bytes out;
-    int half = -1;
-    for (std::size_t k = 0; k < text.size(); ++k) {
-        const char c = text[k];
-        if (c == '(') {
-            k = text.find(')', k);
-        } else if (c == 'z') {
-            out.insert(out.end(), std::stoul(std::string(text.substr(k + 1, 2))), 0);
-            k += 2;
-        } else if (std::isxdigit(static_cast<unsigned char>(c))) {
-            const int digit = std::isdigit(c) ? c - '0' : std::tolower(c) - 'a' + 10;
-            if (half >= 0) out.push_back(static_cast<unsigned char>(half * 16 + digit));
-            half = half >= 0 ? -1 : digit;
-        } else if (!std::isspace(static_cast<unsigned char>(c))) {
-            throw std::invalid_argument("not hex: " + std::string(text));
+    for (std::size_t k = 0; (k = text.find_first_not_of(" \n", k)) < text.size();) {
+        const bool zeros = text[k] == 'z', note = text[k] == '(';
+        if (note) {
+            k = text.find(')', k) + 1;
+            continue;
         }
+        const std::string two = text.substr(k + zeros, 2);
+        out.resize(out.size() + (zeros ? std::stoul(two) : 1));
+        if (!zeros) out.back() = static_cast<unsigned char>(std::stoul(two, nullptr, 16));
+        k += zeros ? 3 : 2;
     }
     return out;
 }
@@ -78,7 +72,7 @@ Bytes patched(Bytes bytes, std::size_t at, const Bytes &patch) {
 }
 
 std::vector<Record> records(const char *file) {
-    std::ifstream in(std::string(OX_SOURCE_DIR) + "/tests/stream/" + file);
+    std::ifstream in(std::string(OX_SOURCE_DIR) + "/tests/" + file);
     std::vector<Record> all;
     for (std::string line; std::getline(in, line);) {
         if (line.empty() || line[0] == '#') continue;
@@ -86,13 +80,11 @@ std::vector<Record> records(const char *file) {
             all.back().bytes = joined(all.back().bytes, hex(line));
             continue;
         }
-        Record r;
-        for (std::size_t at = 0, end; at != std::string::npos; at = end) {
-            end = line.find(" | ", at);
+        Record &r = all.emplace_back();
+        for (std::size_t at = 0, end; at <= line.size(); at = end + 3) {
+            end = std::min(line.find(" | ", at), line.size());
             r.fields.push_back(line.substr(at, end - at));
-            if (end != std::string::npos) end += 3;
         }
-        all.push_back(std::move(r));
     }
     if (all.empty()) throw std::invalid_argument(file);
     return all;

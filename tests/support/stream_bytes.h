@@ -13,7 +13,7 @@ namespace ox::test {
 using Bytes = std::vector<unsigned char>;
 
 // "0e 00 (comment) 38" without its comments and spaces; "z08" stands for 8 zero bytes.
-Bytes hex(std::string_view text);
+Bytes hex(const std::string &text);
 std::string to_hex(const Bytes &bytes);
 Bytes joined(Bytes a, const Bytes &b);
 // The bytes from one offset up to another.
@@ -23,8 +23,8 @@ Bytes patched(Bytes bytes, std::size_t at, const Bytes &patch);
 // The bytes of a uint8 array.
 Bytes bytes_of(const oxArray *a);
 
-// A file of records beside the tests: a line of fields parted by " | ", then indented lines of hex.
-// Lines that begin with '#' are notes.
+// A file of records in the tests' folders: a line of fields parted by " | ", then indented lines of
+// hex. Lines that begin with '#' are notes.
 struct Record {
     std::vector<std::string> fields;
     Bytes bytes;
