@@ -116,7 +116,7 @@ TEST(Heap, FreedLargeBlocksAreKeptWithinTheLimitAndGivenBack) {
     heap().free(too_large); // above the limit by itself: goes at once
     EXPECT_EQ(heap().kept_bytes(), 6 * MiB);
     void *again = heap().allocate(5 * MiB / 2); // a fifth larger will do
-    EXPECT_EQ(again, b); // the one freed last, whose pages are warm
+    EXPECT_EQ(again, b);                        // the one freed last, whose pages are warm
     heap().free(again);
     heap().free(c); // the oldest, a, makes room
     EXPECT_EQ(heap().kept_bytes(), 8 * MiB);
