@@ -58,7 +58,7 @@ const Sweep sweeps[] = {
 };
 
 TEST(CompatSweep, EveryAllocationFailsOnce) {
-    for (const Make &make : makers) sweep_makes({{}}, make, true);
+    for (const Make &make : makers) sweep_everywhere({{}}, make);
     for (const Sweep &s : sweeps) sweep(s);
 }
 
