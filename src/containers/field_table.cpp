@@ -130,24 +130,40 @@ void narrow_again(oxArray *a, name_index_info *t) {
         release(t);
 }
 
-} // namespace
-
-name_index_info *make_field_table(int32_t count, const char *const *names) {
+// The table of name_at(0) ... name_at(count - 1). Null without memory.
+template<class NameAt> name_index_info *table_of(int32_t count, NameAt &&name_at) {
     name_index_info *t = new_table(count);
     if (!t) return nullptr;
     for (int32_t k = 0; k < count; ++k) {
-        t->names[k] = ut_symtab_add(names[k]);
+        const char *name = name_at(k);
+        t->names[k] = ut_symtab_add(name);
         if (!t->names[k]) {
             release(t);
             return nullptr;
         }
-        signatures(t, count)[k] = signature_of(names[k]);
+        signatures(t, count)[k] = signature_of(name);
     }
     if (!rebuild_hash(t)) {
         release(t);
         return nullptr;
     }
     return t;
+}
+
+} // namespace
+
+name_index_info *make_field_table(int32_t count, const char *const *names) {
+    return table_of(count, [=](int32_t k) { return names[k]; });
+}
+
+name_index_info *make_field_table(int32_t count, const char *slots, kwSize length) {
+    auto name = RawArray<char>::make(length + 1);
+    if (!name) return nullptr;
+    name[length] = '\0';
+    return table_of(count, [&](int32_t k) {
+        std::memcpy(name.get(), slots + to_size(k) * length, length);
+        return name.get();
+    });
 }
 
 void release_field_table(oxArray *a) {

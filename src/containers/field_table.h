@@ -12,6 +12,8 @@ inline int32_t field_count(const oxArray *a) {
 // A table of these names, interned, with one owner; duplicates are kept. Null without memory.
 // count must be positive.
 name_index_info *make_field_table(int32_t count, const char *const *names);
+// The same of names that lie in slots of `length` bytes, which they may fill up or end before.
+name_index_info *make_field_table(int32_t count, const char *slots, kwSize length);
 
 // Drops the array's reference to its table (the last one frees it) and leaves it without one.
 void release_field_table(oxArray *a);

@@ -37,6 +37,7 @@ public:
 
 private:
     int32_t read_flags(ArrayHead *head);
+    int32_t read_dim_words(SubElement &e, kwSize n);
     int32_t read_dims(ArrayHead *head);
     int32_t read_head(ArrayHead *head, char *name);
     int32_t read_tree(char *name, oxArray **out);
@@ -83,6 +84,24 @@ int32_t ArrayReader::read_flags(ArrayHead *head) {
     return head->complex && !numeric ? oiBAD_ELEMENT : oiSUCCESS;
 }
 
+// n words of dimensions, sign-extended, into the stream's scratch vector.
+int32_t ArrayReader::read_dim_words(SubElement &e, kwSize n) {
+    const auto fetch = [&](unsigned char *dst, kwSize k) -> int32_t {
+        if (in_.form().wide) return in_.take_units(e, dst, k * 8) ? oiSUCCESS : oiSHORT_READ;
+        for (int32_t word; k > 0; --k, dst += sizeof(kwSize)) {
+            if (!in_.take_units(e, &word, 4)) return oiSHORT_READ;
+            ox::store(dst, static_cast<int64_t>(word));
+        }
+        return oiSUCCESS;
+    };
+    if (n <= std::size(s_->dim_inline))
+        return fetch(reinterpret_cast<unsigned char *>(s_->dim_inline), n);
+    void *block;
+    const int32_t status = read_block(in_, n, n, sizeof(kwSize), &block, fetch);
+    if (block) s_->dim_words = static_cast<uint64_t *>(block);
+    return status;
+}
+
 int32_t ArrayReader::read_dims(ArrayHead *head) {
     // What is left bounds the number of words; more than six need a block of their own.
     free_dims();
@@ -92,23 +111,7 @@ int32_t ArrayReader::read_dims(ArrayHead *head) {
     if (e.type != oiINT32 && !(form.wide && e.type == oiINT64)) return oiBAD_ELEMENT;
     if (e.count % form.word() != 0) return oiBAD_ELEMENT;
     const kwSize n = e.count / form.word();
-    const auto fetch = [&](unsigned char *dst, kwSize k) -> int32_t {
-        if (form.wide) return in_.take_units(e, dst, k * 8) ? oiSUCCESS : oiSHORT_READ;
-        for (int32_t word; k > 0; --k, dst += sizeof(kwSize)) {
-            if (!in_.take_units(e, &word, 4)) return oiSHORT_READ;
-            ox::store(dst, static_cast<int64_t>(word));
-        }
-        return oiSUCCESS;
-    };
-    int32_t status;
-    if (n <= std::size(s_->dim_inline)) {
-        status = fetch(reinterpret_cast<unsigned char *>(s_->dim_inline), n);
-    } else {
-        void *block;
-        status = read_block(in_, n, n, sizeof(kwSize), &block, fetch);
-        if (block) s_->dim_words = static_cast<uint64_t *>(block);
-    }
-    if (status != oiSUCCESS) return status;
+    if (const int32_t status = read_dim_words(e, n)) return status;
     if (!in_.close(e)) return oiSHORT_READ;
     kwSize *dims = s_->dim_words;
     for (kwSize k = 0; k < n; ++k)

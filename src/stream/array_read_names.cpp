@@ -19,30 +19,6 @@ int32_t read_slot_length(Input &in, kwSize *length) {
     return value < 0 ? oiBAD_ELEMENT : oiSUCCESS;
 }
 
-// The names in slots, each terminated: where they are if every slot ends in NUL, or copied.
-int32_t intern_slots(const char *slots, kwSize fields, kwSize length, oxArray *a) {
-    auto names = RawArray<const char *>::make(fields);
-    if (!names) return oiREFUSED;
-    bool terminated = true;
-    for (kwSize k = 0; k < fields; ++k) {
-        names[k] = slots + k * length;
-        terminated = terminated && names[k][length - 1] == '\0';
-    }
-    RawArray<char> copies;
-    if (!terminated) {
-        copies = RawArray<char>::make(fields * (length + 1));
-        if (!copies) return oiREFUSED;
-        for (kwSize k = 0; k < fields; ++k) {
-            char *copy = copies.get() + k * (length + 1);
-            std::memcpy(copy, names[k], length);
-            copy[length] = '\0';
-            names[k] = copy;
-        }
-    }
-    a->record.names = make_field_table(static_cast<int32_t>(fields), names.get());
-    return a->record.names ? oiSUCCESS : oiREFUSED;
-}
-
 } // namespace
 
 int32_t read_name(Input &in, char *name) {
@@ -55,6 +31,22 @@ int32_t read_name(Input &in, char *name) {
     return in.close(e) ? oiSUCCESS : oiSHORT_READ;
 }
 
+int32_t read_bytes(Input &in, SubElement &e, RawBlock *copy, const char **bytes) {
+    const void *data = in.view(e);
+    if (!data) {
+        void *block;
+        const int32_t status =
+            read_block(in, e.count, e.count, 1, &block, [&](unsigned char *dst, kwSize k) {
+                return in.take(e, dst, k) ? oiSUCCESS : oiSHORT_READ;
+            });
+        copy->reset(static_cast<unsigned char *>(block));
+        if (status != oiSUCCESS) return status;
+        data = block;
+    }
+    *bytes = static_cast<const char *>(data);
+    return oiSUCCESS;
+}
+
 int32_t read_field_names(Input &in, oxArray *a) {
     kwSize length;
     if (const int32_t status = read_slot_length(in, &length)) return status;
@@ -63,20 +55,13 @@ int32_t read_field_names(Input &in, oxArray *a) {
     if (!is_bytes(e.type)) return oiBAD_ELEMENT;
     const kwSize fields = length > 0 ? e.count / length : 0;
     if (fields * length != e.count || fields > INT32_MAX) return oiBAD_ELEMENT;
-    int32_t status = oiSUCCESS;
     if (fields > 0) {
-        const unsigned char *here = in.view(e);
-        void *copy = nullptr;
-        if (!here)
-            status = read_block(in, e.count, e.count, 1, &copy, [&](unsigned char *dst, kwSize k) {
-                return in.take(e, dst, k) ? oiSUCCESS : oiSHORT_READ;
-            });
-        const RawBlock guard(static_cast<unsigned char *>(copy));
-        const void *slots = here ? here : copy;
-        if (status == oiSUCCESS)
-            status = intern_slots(static_cast<const char *>(slots), fields, length, a);
+        RawBlock copy;
+        const char *slots;
+        if (const int32_t status = read_bytes(in, e, &copy, &slots)) return status;
+        a->record.names = make_field_table(static_cast<int32_t>(fields), slots, length);
+        if (!a->record.names) return oiREFUSED;
     }
-    if (status != oiSUCCESS) return status;
     return in.close(e) ? oiSUCCESS : oiSHORT_READ;
 }
 

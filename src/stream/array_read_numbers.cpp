@@ -113,23 +113,12 @@ int32_t decode_utf8(const char *text, kwSize bytes, kwSize n, void **block) {
 
 // One unit for each byte up to 127; other text is decoded.
 int32_t read_utf8(Input &in, SubElement &e, kwSize n, void **block) {
-    void *copy = nullptr;
-    const unsigned char *text = in.view(e);
-    if (!text) {
-        const int32_t status =
-            read_block(in, e.count, e.count, 1, &copy, [&](unsigned char *dst, kwSize k) {
-                return in.take(e, dst, k) ? oiSUCCESS : oiSHORT_READ;
-            });
-        if (status != oiSUCCESS) {
-            oxFreeEx(copy);
-            return status;
-        }
-        text = static_cast<const unsigned char *>(copy);
-    }
-    const RawBlock guard(static_cast<unsigned char *>(copy));
-    unsigned char above = 0;
-    for (kwSize k = 0; k < e.count; ++k) above |= text[k];
-    if (above > 127) return decode_utf8(reinterpret_cast<const char *>(text), e.count, n, block);
+    RawBlock copy;
+    const char *text;
+    if (const int32_t status = read_bytes(in, e, &copy, &text)) return status;
+    unsigned above = 0;
+    for (kwSize k = 0; k < e.count; ++k) above |= static_cast<unsigned char>(text[k]);
+    if (above > 127) return decode_utf8(text, e.count, n, block);
     if (e.count != n) return oiBAD_ELEMENT;
     if (n == 0) return oiSUCCESS;
     *block = oxMallocEx(n * sizeof(oxChar));

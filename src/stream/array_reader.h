@@ -49,6 +49,8 @@ template<class Fetch> int32_t read_block(const Input &in, kwSize n, kwSize capac
 int32_t read_full(Input &in, const ArrayHead &head, oxArray *a);
 int32_t read_sparse(Input &in, const ArrayHead &head, oxArray *a);
 
+// All data of a sub-element: where they lie if they lie together, else in the copy. A status.
+int32_t read_bytes(Input &in, SubElement &e, RawBlock *copy, const char **bytes);
 // A byte sub-element cut to 63 bytes and terminated. A status.
 int32_t read_name(Input &in, char *name);
 // The field names of a struct, as the array's table. A status.

@@ -6,6 +6,7 @@
 namespace ox {
 
 inline bool is_file(const oiStreamRec_tag *s) { return (s->flags & (oiFILE | oiSEQUENTIAL)) != 0; }
+inline FILE *file_of(const oiStreamRec_tag *s) { return static_cast<FILE *>(s->handle); }
 
 // A zero-filled record of the kind with defaults in place and options and byte order checked and
 // stored. Null without memory or for a bad pair.

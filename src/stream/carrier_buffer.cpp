@@ -10,7 +10,6 @@ namespace {
 
 // After a small element the next tag may begin anywhere, so the room for padding is 7 bytes.
 constexpr kwSize padding_room = 7;
-constexpr kwSize prefix_bytes = 8;
 
 unsigned char *bytes_of(const oiStreamRec_tag *s) {
     return static_cast<unsigned char *>(s->handle);

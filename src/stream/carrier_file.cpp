@@ -10,8 +10,6 @@ namespace {
 
 constexpr kwSize gzip_piece = kwSize{1} << 30; // the compressor's counts are 32-bit
 
-FILE *file_of(const oiStreamRec_tag *s) { return static_cast<FILE *>(s->handle); }
-
 kwSize unpack(oiStreamRec_tag *s, void *dst, kwSize n) {
     kwSize done = 0;
     while (done < n) {

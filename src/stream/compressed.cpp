@@ -9,8 +9,6 @@ constexpr uint64_t nowhere = ~uint64_t{0}; // no position, so that the next move
 
 enum : uint32_t { reading_packed = 1, writing_packed = 2 };
 
-FILE *file_of(const oiStreamRec_tag *s) { return static_cast<FILE *>(s->handle); }
-
 // The tag that encloses what was compressed, at the place kept for it.
 bool write_outer_tag(oiStreamRec_tag *s, uint64_t count) {
     unsigned char bytes[16];

@@ -4,8 +4,6 @@
 namespace ox {
 namespace {
 
-constexpr kwSize prefix_bytes = 8;
-
 // Version, indicator, wide-tag mark and zero, in the stream's byte order.
 bool write_prefix(oiStreamRec_tag *s) {
     const TagForm form = tag_form(s);

@@ -27,6 +27,8 @@ constexpr bool is_item_type(uint32_t type) {
     return (type >= 1 && type <= oiMATRIX) || type == oiUTF8 || type == oiUTF16;
 }
 
+inline constexpr kwSize prefix_bytes = 8; // at the start of a buffer
+
 constexpr kwSize round8(kwSize n) { return (n + 7) & ~kwSize{7}; }
 constexpr kwSize padding(kwSize n) { return -n & 7; }
 
