@@ -31,8 +31,10 @@ public:
         end_ = start_ + tuning::staging_bytes;
         return true;
     }
-    // Everything is with the carrier; false when some of it is not.
+    // Everything is with the carrier; false when some of it is not. What was reserved and not
+    // written holds no old bytes.
     bool finish() {
+        if (direct_ && cursor_ < end_) std::memset(cursor_, 0, available());
         flush();
         return !failed_;
     }
