@@ -7,8 +7,10 @@ function folder_of(path) {
 }
 
 # The file that an include means: beside the includer, or under one of the include roots.
-function resolve(from, name,    i) {
-    if ((folder_of(from) name) in known) return folder_of(from) name
+function resolve(from, name,    i, beside) {
+    beside = folder_of(from) name
+    while (sub(/[^\/]+\/\.\.\//, "", beside)) continue
+    if (beside in known) return beside
     for (i = 1; i <= 3; i++) if ((root[i] name) in known) return root[i] name
     return ""
 }

@@ -22,7 +22,7 @@ typedef int Size;
 typedef kwSize Size;
 #endif
 
-/* A cell of everything; with a second argument its row indices, which the int level refuses. */
+/* A cell of everything; with a second argument row indices, too, which the int level refuses. */
 void vexFunction(int nlhs, oxArray *plhs[], int nrhs, const oxArray *prhs[]) {
     const oxArray *a = prhs[0];
     const Size ndims = oxGetNumberOfDimensions(a), *dims = oxGetDimensions(a);
@@ -41,5 +41,5 @@ void vexFunction(int nlhs, oxArray *plhs[], int nrhs, const oxArray *prhs[]) {
     oxSetCell(plhs[0], 2, s);
     oxSetCell(
         plhs[0], 3,
-        oxCreateDoubleScalar(nrhs > 1 ? (double)*oxGetIr(prhs[1]) : (double)oxGetNzmax(sparse)));
+        oxCreateDoubleScalar(nrhs > 1 ? (double)*oxGetIr(sparse) : (double)oxGetNzmax(sparse)));
 }

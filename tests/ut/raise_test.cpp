@@ -21,30 +21,17 @@ template<class F> ut::simple_exception caught(F &&raise) {
     return {"", ""};
 }
 
-TEST(Messages, BuiltInTextsAreRaisedUnderTheirIdentifiers) {
-    const auto obsolete = caught([] {
-        ut_error(UT_MSG_FUNCTION_OBSOLETE, "compat32", 41, "OXOLD", "OXNEW",
-                 ut_get_message(UT_MSG_OXCREATEFULL_OBSOLETE));
-    });
-    EXPECT_STREQ(obsolete.identifier(), "VELTRO:matrix:ERR_FUNCTION_OBSOLETE");
-    EXPECT_STREQ(obsolete.what(),
-                 "The function OXOLD is obsolete. A vex file or Dravon S-function that calls it "
-                 "must call OXNEW instead. A Fortran Dravon S-function that does not "
-                 "call OXCREATEFULL is to be recompiled in the current release.");
-    const char *file;
-    int line;
-    utGetLastErrorPlace(&file, &line);
-    EXPECT_STREQ(file, "compat32");
-    EXPECT_EQ(line, 41);
-}
-
 TEST(Messages, TablesCanBeAddedAndUnknownCodesHaveATextToo) {
     static const utMessage rows[] = {{77, "vel", "BadPage", "Page %Iu of \"%s\" is missing."},
                                      {0x360001, "vel", "Late", ""}};
     ASSERT_TRUE(ut_mem_add_primary_message_table(rows, 2));
-    const auto error = caught([] { ut_error(77, nullptr, 0, (std::size_t{1} << 32) + 1, "log"); });
+    const auto error = caught([] { ut_error(77, "pages", 41, (std::size_t{1} << 32) + 1, "log"); });
     EXPECT_STREQ(error.identifier(), "VELTRO:vel:BadPage");
     EXPECT_STREQ(error.message(), "Page 4294967297 of \"log\" is missing.");
+    const char *file;
+    int line;
+    utGetLastErrorPlace(&file, &line);
+    EXPECT_EQ(file + std::to_string(line), "pages41");
     EXPECT_STREQ(ut_get_message_component(0x360001), "matrix"); // the first registration wins
     EXPECT_STRNE(ut_get_message(-1), "");
 }
