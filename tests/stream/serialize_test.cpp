@@ -1,5 +1,4 @@
 // Serialised arrays, and what the class layer adds: subsystem data, objects, handles.
-#include <containers/check_array.h>
 #include <support/stream_bytes.h>
 #include <support/suite.h>
 

@@ -1,5 +1,8 @@
 // Streams in tests.
+#include <containers/check_array.h>
 #include <support/stream_bytes.h>
+
+#include <gtest/gtest.h>
 
 #include <cstring>
 #include <fstream>
@@ -88,6 +91,11 @@ std::vector<Record> records(const char *file) {
     }
     if (all.empty()) throw std::invalid_argument(file);
     return all;
+}
+
+void expect_well_formed(const oxArray *a) {
+    const Finding found = a ? check_array(a) : Finding{};
+    EXPECT_FALSE(found) << check_rule_text(found.rule);
 }
 
 Bytes bytes_of(const oxArray *a) {

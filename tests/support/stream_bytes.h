@@ -23,6 +23,9 @@ Bytes patched(Bytes bytes, std::size_t at, const Bytes &patch);
 // The bytes of a uint8 array.
 Bytes bytes_of(const oxArray *a);
 
+// An array that was read, or none, holds every rule.
+void expect_well_formed(const oxArray *a);
+
 // A file of records in the tests' folders: a line of fields parted by " | ", then indented lines of
 // hex. Lines that begin with '#' are notes.
 struct Record {
