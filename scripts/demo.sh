@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the library, the vel tool and the example modules, and runs the modules on real data.
+# Builds the library, the vel tool and the example modules, and runs the modules and the tool on real data.
 . "$(dirname "$0")/common.sh"
 scripts/setup.sh build tool
 
@@ -66,8 +66,25 @@ tool "save: a table and a sparse matrix go into one compressed file" \
     save "$file" --compress iris="$data" west=examples/data/west0067.mtx
 tool "ls: the listing reads headers only; the table shrinks to a sixth" ls "$file"
 tool "check: every element against every rule, then read by the library" check "$file"
-tool "show: the pattern of the sparse matrix as it came back" show "$file" west
+tool "show: the pattern of the sparse matrix as it came back, twelve of its 294 entries" show "$file" west
 show 0 "pagerank: the same ranks as before, from the file; the largest is 0.0287" \
     pagerank "$file:west"
+tool "show --stats, --rows, --cols: the first species only" \
+    show "$file" iris --rows 1:50 --cols 1:4 --stats
+tool "show --hex: tags, counts, data and padding, byte by byte" show "$file" iris --hex
 
-say "demo: done"
+groups=build/demo-groups.vel
+"$vel" call "$(built group_by.vex)" "$data" 5 -o "$groups"
+tool "plot: 150 flowers as a heat map; the three species show as steps in columns 1, 3 and 5" \
+    plot "$file" iris --width 72
+tool "plot: a cell as a tree of sizes" plot "$groups"
+tool "plot -o: the sparse matrix as a PNG file of 469 by 469 dots" \
+    plot "$file" west -o build/demo-west.png
+
+tool "convert: the table for other programs, 6000 bytes of doubles after a header" \
+    convert "$file:iris" build/demo.npy
+tool "convert: both ways through an archive with the members of a sparse matrix" \
+    convert "$file:west" build/demo.npz --compress
+tool "diff: nothing was lost" diff build/demo.npz examples/data/west0067.mtx
+
+say "demo: done; pictures and files are build/demo*"

@@ -13,6 +13,9 @@ struct Case {
 };
 
 TEST_F(Call, PrintsOutputs) {
+    write("t.npy", std::string("\x93NUMPY\x01\x00\x38\x00", 10) +
+                       "{'descr':'<f8','fortran_order':True,'shape':(0,2)}     \n");
+    write("t.mtx", "%%MatrixMarket matrix coordinate pattern general\n0 0 0\n");
     const Case cases[] = {
         {"vel call $MODULES/word_count.vex \"'Add \xC3\xA9t\xC3\xA9 to add'\"", 0,
          "output 1: struct 3x1 with fields word, count\n"
@@ -29,6 +32,10 @@ TEST_F(Call, PrintsOutputs) {
         {"vel call $MODULES/normalize_image.vex '[1 2]' 2>&1", 1,
          "error: VELTRO:normalize_image:input: y = normalize_image(x) takes one real uint8 "
          "image.\n"},
+        {"vel call $MODULES/normalize_image.vex 'uint8([])'", 0, "output 1: uint8 0x0\n"},
+        {"vel call $MODULES/group_by.vex t.npy 2", 0, "output 1: cell 0x1\n"},
+        {"vel call $MODULES/zscore.vex t.npy", 0, "output 1: double 0x2\n"},
+        {"vel call $MODULES/pagerank.vex t.mtx", 0, "output 1: double 0x1\n"},
         {"vel call $MODULES/zscore.vex 'a.csv' 2>&1", 3,
          "vel: a.csv: cannot be read: No such file or directory\n"},
         {"vel call $MODULES/zscore.vex '[1 2;3]' 2>&1", 2,

@@ -60,7 +60,7 @@ through_vel("a.csv")
 same(np.loadtxt("back.csv", delimiter=","), table, "csv")
 
 sparse = scipy.sparse.random(20, 30, 0.1, format="csr", random_state=2)
-for matrix in (sparse, (sparse + 1j * sparse).tocsc(), sparse > 0.5):
+for matrix in (sparse, (sparse + 1j * sparse).tocsc(), sparse > 0.5, sparse.tocoo()):
     scipy.sparse.save_npz("s.npz", matrix)
     through_vel("s.npz")
     back = scipy.sparse.load_npz("back.npz")

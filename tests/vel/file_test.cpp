@@ -52,6 +52,11 @@ TEST_F(File, SaysWhatIsInside) {
         {"vel show f.vel w --json | tr -d ' \\n'", 0,
          "{\"w\":{\"class\":\"logical\",\"entries\":[[2,1,true],[3,2,true]],\"size\":[3,3]}}"},
         {"vel show f.vel k --rows 2 --cols :1", 0, "k: uint8 1x1\n  3\n"},
+        {"vel show f.vel k --head 1", 0, "k: uint8 1x2\n  1  2\n"},
+        {"vel show '[1 nan;inf 0]' --stats", 0,
+         "[1 nan;inf 0]: double 2x2\n  min 0, mean Inf, max Inf\n"
+         "  4 elements: 3 nonzero, 1 zero, 1 NaN, 1 infinite\n"},
+        {"vel show f.vel k --rows 1:3 2>&1", 1, "vel: the range 1:3 does not lie within 1:2\n"},
         {"vel show f.vel w --stats", 0,
          "w: sparse logical 3x3, 2 stored\n  min 0, mean 0.222222, max 1\n"
          "  9 elements: 2 nonzero, 7 zero, 0 NaN, 0 infinite\n"},

@@ -23,18 +23,18 @@ struct CheckOptions {
 class Checker {
 public:
     Checker(const std::string &path, const CheckOptions &options)
-        : path_(path), options_(options), in_(path) {}
+        : path_(path), options_(options) {}
 
     std::vector<std::string> faults() {
-        Form form;
         try {
-            form = read_header(in_.file(), path_);
-            Walker walker(in_, form, options_.limits);
+            const InputFile in(path_);
+            Walker walker(in, read_header(in.file(), path_), options_.limits);
             for (Variable v; (options_.all || faults_.empty()) && walker.next(v); ++variables_)
                 check(walker, v);
         } catch (const Fault &fault) {
             note(fault.sentence());
         } catch (const Failure &failure) {
+            if (failure.status() == Exit::io) throw;
             faults_.push_back(failure.what());
         }
         if (faults_.empty()) read_all();
@@ -66,7 +66,6 @@ private:
 
     const std::string &path_;
     const CheckOptions &options_;
-    InputFile in_;
     std::vector<std::string> faults_;
     size_t variables_ = 0;
 };

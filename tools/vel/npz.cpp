@@ -101,6 +101,7 @@ private:
         names_.push_back(name);
     }
     MemberSource member(const std::string &name) {
+        if (!members_.contains(name)) fail(path_, "the member " + name + " is missing");
         return {zip_.get(), members_.at(name), path_ + ": " + name};
     }
     oxArray *load_member(const std::string &name) {
@@ -110,7 +111,7 @@ private:
 
     // --- Sparse matrices ---
     bool is_sparse() const {
-        for (const char *name : {"format", "shape", "data", "indices", "indptr"})
+        for (const char *name : {"format", "shape", "data"})
             if (!members_.contains(name)) return false;
         return true;
     }
@@ -128,34 +129,51 @@ private:
         });
         return values;
     }
-    const oxArray *load_sparse() {
+    // Where the stored values lie.
+    struct Places {
+        std::vector<size_t> i, j;
+    };
+    // Compressed columns or rows: start says where each begins.
+    std::vector<size_t> unpacked(size_t extent, size_t stored) {
+        const std::vector<size_t> start = sizes("indptr");
+        if (start.size() != extent + 1 || start.front() != 0 || start.back() != stored ||
+            !std::is_sorted(start.begin(), start.end()))
+            misfit();
+        std::vector<size_t> major(stored);
+        for (size_t j = 0; j < extent; ++j)
+            std::fill(major.begin() + start[j], major.begin() + start[j + 1], j);
+        return major;
+    }
+    Places places(const std::vector<size_t> &shape, size_t stored) {
         MemberSource in = member("format");
         const std::string format = read_npy_bytes(in, path_ + ": format");
-        if (format != "csc" && format != "csr")
-            fail(path_, "the sparse format '" + format + "' is not supported");
-        const bool by_columns = format == "csc";
-        const std::vector<size_t> shape = sizes("shape"), minor = sizes("indices"),
-                                  start = sizes("indptr");
+        if (format == "coo") return {sizes("row"), sizes("col")};
+        if (format == "csc") return {sizes("indices"), unpacked(shape[1], stored)};
+        if (format == "csr") return {unpacked(shape[0], stored), sizes("indices")};
+        fail(path_, "the sparse format '" + format + "' is not supported");
+    }
+    const oxArray *load_sparse() {
+        const std::vector<size_t> shape = sizes("shape");
         const oxArray *data = load_member("data");
         const size_t stored = oxGetNumberOfElements(data);
-        if (shape.size() != 2 || minor.size() != stored || start.size() != shape[by_columns] + 1 ||
-            start.front() != 0 || start.back() != stored ||
-            !std::is_sorted(start.begin(), start.end()))
-            fail(path_, "the parts of the sparse matrix do not fit together");
+        if (shape.size() != 2) misfit();
+        const Places at = places(shape, stored);
+        if (at.i.size() != stored || at.j.size() != stored) misfit();
         if (too_many_columns(shape[1]) && !force_) fail(path_, too_many_columns_text(shape[1]));
         Triplets t{shape[0], shape[1], oxIsComplex(data), oxIsLogical(data), {}};
         t.entries.reserve(stored);
         visit_elements(data, [&](auto e) {
-            for (size_t j = 0; j + 1 < start.size(); ++j)
-                for (size_t k = start[j]; k < start[j + 1]; ++k) {
-                    if (minor[k] >= shape[!by_columns])
-                        fail(path_, "an index lies outside of the shape");
-                    t.entries.push_back({by_columns ? minor[k] : j, by_columns ? j : minor[k],
-                                         static_cast<double>(e.re[k]),
-                                         e.im ? static_cast<double>(e.im[k]) : 0});
-                }
+            for (size_t k = 0; k < stored; ++k) {
+                if (at.i[k] >= shape[0] || at.j[k] >= shape[1])
+                    fail(path_, "an index lies outside of the shape");
+                t.entries.push_back({at.i[k], at.j[k], static_cast<double>(e.re[k]),
+                                     e.im ? static_cast<double>(e.im[k]) : 0});
+            }
         });
         return make_sparse(std::move(t));
+    }
+    [[noreturn]] void misfit() const {
+        fail(path_, "the parts of the sparse matrix do not fit together");
     }
 
     std::string path_;
