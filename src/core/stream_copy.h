@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -45,6 +46,29 @@ inline void stream_fence() {
 #endif
 }
 
+// memcpy that spares short runs the call.
+inline void copy_bytes(void *dst, const void *src, kwSize bytes) {
+    auto *d = static_cast<unsigned char *>(dst);
+    auto *s = static_cast<const unsigned char *>(src);
+    const auto both_ends = [=]<kwSize n>(std::integral_constant<kwSize, n>) {
+        unsigned char first[n], last[n];
+        std::memcpy(first, s, n);
+        std::memcpy(last, s + bytes - n, n);
+        std::memcpy(d, first, n);
+        std::memcpy(d + bytes - n, last, n);
+    };
+    if (bytes > 64 || bytes < 4)
+        std::memcpy(dst, src, bytes);
+    else if (bytes > 32)
+        both_ends(std::integral_constant<kwSize, 32>());
+    else if (bytes > 16)
+        both_ends(std::integral_constant<kwSize, 16>());
+    else if (bytes >= 8)
+        both_ends(std::integral_constant<kwSize, 8>());
+    else
+        both_ends(std::integral_constant<kwSize, 4>());
+}
+
 // Copies the runs of one result. Where that is large, long runs go past the caches, each one call
 // late: while a run is copied the start of the next is on its way from memory, which the processor
 // cannot foresee. All are there when this goes.
@@ -61,7 +85,7 @@ public:
 
     void copy(void *dst, const void *src, kwSize bytes) {
         if (!streams_ || bytes < tuning::stream_min_run) {
-            std::memcpy(dst, src, bytes);
+            copy_bytes(dst, src, bytes);
             return;
         }
         auto *from = static_cast<const unsigned char *>(src);

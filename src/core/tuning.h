@@ -16,6 +16,9 @@ inline constexpr kwSize stream_min_bytes = pick(kwSize{8} << 20, 256);
 // Separate runs shorter than this are copied through them all the same.
 inline constexpr kwSize stream_min_run = pick(512, 16);
 
+// Catenated parts are written together until their joint run has so many bytes.
+inline constexpr kwSize join_bytes = pick(2048, 24);
+
 // Bytes of one conversion step. Reading, and streaming past the caches, alternate step by step;
 // short steps overlap better.
 inline constexpr kwSize convert_block = pick(4096, 32);

@@ -44,7 +44,11 @@ public:
         if (!converted) oxErrMsg(FNOMEM);
         if (converted != given) made_[made_count_++] = converted;
         converted_[count_++] = converted;
+        classes_ |= 1U << converted->class_code;
+        any_0_by_0_ = any_0_by_0_ || is_0_by_0(converted);
     }
+    bool any_0_by_0() const { return any_0_by_0_; }
+    bool any_of_class(int id) const { return classes_ >> id & 1; }
     void make_sparse() {
         for (kwSize k = 0; k < count_; ++k) {
             auto *a = const_cast<oxArray *>(converted_[k]);
@@ -74,6 +78,8 @@ private:
     RawArray<const oxArray *> heap_;
     const oxArray **converted_ = local_, **made_ = local_ + few;
     kwSize count_ = 0, made_count_ = 0;
+    uint32_t classes_ = 0; // of the converted operands, a bit each
+    bool any_0_by_0_ = false;
 };
 
 kwSize parse_dimension(const oxArray *d) {
@@ -87,10 +93,12 @@ kwSize parse_dimension(const oxArray *d) {
 oxClassID result_class(oxCatContext *context, int n, const oxArray *args[]) {
     const oxClassID chosen = context->choose_class(context, n, args);
     const bool numeric = chosen >= oxDOUBLE_CLASS && chosen <= oxUINT64_CLASS;
-    return numeric && std::any_of(args, args + n, oxIsChar) ? oxCHAR_CLASS : chosen;
+    const auto is_char = [](const oxArray *a) { return a->is_char(); };
+    return numeric && std::any_of(args, args + n, is_char) ? oxCHAR_CLASS : chosen;
 }
 
 void check_tags(const Operands &operands) {
+    if (!operands.any_of_class(oxOPAQUE_CLASS)) return;
     const oxArray *first = nullptr;
     for (const oxArray *a : operands) {
         if (!oxIsOpaque(a) || oxIsEmpty(a)) continue;
@@ -103,6 +111,7 @@ void check_tags(const Operands &operands) {
 
 // The first struct that is not 0-by-0 names the fields; the others must have the same names.
 void check_fields(const Operands &operands) {
+    if (!operands.any_of_class(oxSTRUCT_CLASS) && !operands.any_of_class(oxOBJECT_CLASS)) return;
     const oxArray *reference = nullptr;
     for (const oxArray *a : operands) {
         if (!is_struct_like(a) || is_0_by_0(a)) continue;
@@ -119,8 +128,10 @@ void check_fields(const Operands &operands) {
 }
 
 bool agrees(const oxArray *a, const oxArray *reference, kwSize dim) {
+    const kwSize *d = a->get_dimensions(), *e = reference->get_dimensions();
+    if ((dim != 0 && d[0] != e[0]) || (dim != 1 && d[1] != e[1])) return false;
     const kwSize most = std::max(a->ndims, reference->ndims);
-    for (kwSize k = 0; k < most; ++k)
+    for (kwSize k = 2; k < most; ++k)
         if (k != dim && extent_along(a, k) != extent_along(reference, k)) return false;
     return true;
 }
@@ -145,7 +156,7 @@ void warn_of_empty(kwSize dim) {
 // Drops what does not count and checks the rest: 0-by-0 operands, and empty ones that disagree
 // (with one warning a call).
 void check_extents(Operands &operands, kwSize dim, bool sparse) {
-    operands.filter([](const oxArray *a) { return !is_0_by_0(a); });
+    if (operands.any_0_by_0()) operands.filter([](const oxArray *a) { return !is_0_by_0(a); });
     if (operands.count() == 0) return;
     const oxArray *reference = *operands.begin();
     for (const oxArray *a : operands)
@@ -186,7 +197,7 @@ oxArray *catenate(kwSize dim, int n, const oxArray *args[], oxCatConvertFcn conv
                   oxCatContext *context) {
     if (n == 0) return make_full(0, 0, oxDOUBLE_CLASS, false);
     const oxClassID id = result_class(context, n, args);
-    const bool sparse = std::any_of(args, args + n, oxIsSparse);
+    const bool sparse = std::any_of(args, args + n, is_sparse);
     Operands operands(static_cast<kwSize>(n));
     for (int k = 0; k < n; ++k) operands.add(args[k], convert(context, id, args[k]));
     if (sparse) operands.make_sparse();

@@ -11,12 +11,6 @@ namespace {
 
 constexpr Axis single{1, 0, nullptr, 0};
 
-// A few elements are copied faster by a loop than by a call.
-template<class T> void copy_run(RunCopier &runs, T *dst, const T *src, kwSize n) {
-    if (n * sizeof(T) >= 64) return runs.copy(dst, src, n * sizeof(T));
-    for (kwSize k = 0; k < n; ++k) dst[k] = src[k];
-}
-
 template<class T> void copy_strided(T *dst, const T *src, int64_t step, kwSize n) {
     if constexpr (sizeof(T) == 8)
         if (step == 2 && n >= tuning::simd_min_elements / 4)
@@ -36,7 +30,7 @@ void gather_plane(T *dst, const T *src, const Axis &x, const Axis &y, RunCopier 
             list.walk(column(j + 1),
                       [dst, from = column(j)](kwSize k, kwSize at) { dst[k] = from[at]; });
     } else if (x.step == 1) {
-        for (kwSize j = 0; j < y.count; ++j, dst += n) copy_run(runs, dst, column(j), n);
+        for (kwSize j = 0; j < y.count; ++j, dst += n) runs.copy(dst, column(j), n * sizeof(T));
     } else {
         for (kwSize j = 0; j < y.count; ++j, dst += n) copy_strided(dst, column(j), x.step, n);
     }
