@@ -1,15 +1,6 @@
 // The array list: contexts, marks, scopes, and what leaving destroys.
 #include <core/array_list.h>
-#include <ox.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/host.h>
-
-#include <string>
-
-using namespace ox;
-using namespace ox::test;
+#include <support/suite.h>
 
 namespace {
 
@@ -100,10 +91,10 @@ TEST_F(ArrayList, FoldingAndExitWithoutDestroyKeepAll) {
         if (way == 1) oxExitArrayListContext(index, &inner, 1, false);
         if (way == 2) exit_array_list_context(index, nullptr, 0, true, true); // suppressed
         EXPECT_EQ(context(), "21") << way;
-        EXPECT_FALSE(inner->has_flag(oxFLAG_LIST_MARK)) << way;
-        EXPECT_FALSE(made_[1]->has_flag(oxFLAG_LIST_MARK)) << way;
-        oxDestroyArray(inner);
-        oxDestroyArray(made_[1]);
+        for (oxArray *a : {inner, made_[1]}) {
+            EXPECT_FALSE(a->has_flag(oxFLAG_LIST_MARK)) << way;
+            oxDestroyArray(a);
+        }
     }
 }
 
@@ -153,12 +144,9 @@ TEST_F(ArrayList, ShutdownForgetsTheArraysButKeepsTheHooks) {
     make(2);
     EXPECT_TRUE(oxIsArrayListInitialized());
     oxShutdownArrayList();
-    EXPECT_FALSE(oxIsArrayListInitialized());
-    EXPECT_EQ(array_list_length(), 0u);
-    oxDestroyArray(made_[1]); // off the list already: silent
-    oxDestroyArray(made_[2]);
-    oxArray *later = oxCreateDoubleScalar(3);
-    EXPECT_TRUE(array_list_contains(later));
+    EXPECT_TRUE(!oxIsArrayListInitialized() && array_list_length() == 0);
+    for (int k : {1, 2}) oxDestroyArray(made_[k]); // off the list already: silent
+    EXPECT_TRUE(array_list_contains(oxCreateDoubleScalar(3)));
 }
 
 } // namespace

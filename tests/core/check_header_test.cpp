@@ -2,23 +2,11 @@
 #include <core/array_list.h>
 #include <core/check_header.h>
 #include <core/name_index.h>
-#include <ox.h>
-#include <support/array_text.h>
-#include <support/host.h>
-
-using namespace ox;
-using namespace ox::test;
+#include <support/suite.h>
 
 namespace {
 
 class CheckHeader : public HostTest {};
-
-// A broken state: the record as it is, with fields replaced; blocks are not written to.
-struct Broken {
-    int rule;
-    const char *array;
-    void (*breaks)(oxArray &a);
-};
 
 kwSize huge[3] = {kwSize{1} << 30, kwSize{1} << 30, 1};
 kwIndex falling[] = {0, 2, 1}, late[] = {1, 1, 2}, plenty[] = {0, 1, 9}, rising[] = {0, 1, 3};
@@ -36,8 +24,13 @@ oxArray &in_ring(oxArray &a) {
     return other;
 }
 
-// a is the array under test, a copy of a sound one; its address matters for rings.
-const Broken broken[] = {
+// A broken state: the record as it is, with fields replaced; blocks are not written to. a is a copy
+// of a sound one; its address matters for rings.
+const struct {
+    int rule;
+    const char *array;
+    void (*breaks)(oxArray &a);
+} broken[] = {
     {rule_class, "5", [](oxArray &a) { a.class_code = 5; }},
     {rule_class, "5", [](oxArray &a) { a.class_code = 19; }},
     {rule_class, "5", [](oxArray &a) { a.class_code = -1; }},
@@ -91,14 +84,13 @@ const Broken broken[] = {
 
 TEST_F(CheckHeader, EveryRuleIsNoticedAndNoOther) {
     bool seen[last_storage_rule + 1] = {};
-    for (const Broken &b : broken) {
-        oxArray a = *arr(b.array);
-        b.breaks(a);
-        EXPECT_EQ(check_header(&a, CheckDepth::storage), b.rule)
-            << rule_text(b.rule) << " in " << b.array;
-        EXPECT_EQ(check_header(&a, CheckDepth::header), b.rule <= last_header_rule ? b.rule : 0)
-            << rule_text(b.rule);
-        seen[b.rule] = true;
+    for (const auto &[rule, array, breaks] : broken) {
+        SCOPED_TRACE(std::string(rule_text(rule)) + " in " + array);
+        oxArray a = *arr(array);
+        breaks(a);
+        EXPECT_EQ(check_header(&a, CheckDepth::storage), rule);
+        EXPECT_EQ(check_header(&a, CheckDepth::header), rule <= last_header_rule ? rule : 0);
+        seen[rule] = true;
     }
     for (int rule = 1; rule <= last_storage_rule; ++rule) EXPECT_TRUE(seen[rule]) << rule;
 }

@@ -1,27 +1,19 @@
 // Classes, queries, attributes, flags, offsets and re-typing in place.
-#include <core/array.h>
 #include <core/imaginary.h>
-#include <ox.h>
-#include <support/array_text.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <cstring>
-#include <string>
 #include <utility>
-
-using namespace ox;
-using namespace ox::test;
 
 namespace {
 
 class Classes : public HostTest {};
 
-struct ClassRow {
+const struct {
     int id;
     const char *name;
     kwSize size;
-};
-const ClassRow class_rows[] = {
+} class_rows[] = {
     {0, "unknown", 0}, {1, "cell", 8},    {2, "struct", 8},  {3, "logical", 1},
     {4, "char", 2},    {6, "double", 8},  {7, "single", 4},  {8, "int8", 1},
     {9, "uint8", 1},   {10, "int16", 2},  {11, "uint16", 2}, {12, "int32", 4},
@@ -30,17 +22,15 @@ const ClassRow class_rows[] = {
 };
 
 TEST_F(Classes, NamesAndSizes) {
-    for (const ClassRow &r : class_rows) {
+    for (const auto &r : class_rows) {
         const auto id = static_cast<oxClassID>(r.id);
         EXPECT_STREQ(oxArrayClassIDName(id), r.name);
         EXPECT_EQ(oxGetElementSizeofClassID(id), r.size) << r.name;
         EXPECT_EQ(oxClassIDFromClassName(r.name), id);
     }
-    EXPECT_EQ(oxClassIDFromClassName("DOUBLE"), oxDOUBLE_CLASS);
     EXPECT_EQ(oxClassIDFromClassName("Function_Handle"), oxFUNCTION_CLASS);
-    for (const char *none : {"", "doubl", "doubles", "void"})
-        EXPECT_EQ(oxClassIDFromClassName(none), oxUNKNOWN_CLASS) << none;
-    EXPECT_EQ(oxClassIDFromClassName(nullptr), oxUNKNOWN_CLASS);
+    for (const char *none : {"", "doubl", "doubles", "void", static_cast<const char *>(nullptr)})
+        EXPECT_EQ(oxClassIDFromClassName(none), oxUNKNOWN_CLASS);
     // The hole at 5 and everything outside the table read as unknown.
     for (const int id : {5, 19, 25, 1 << 30, -1}) {
         const auto c = static_cast<oxClassID>(id);
@@ -57,10 +47,9 @@ TEST_F(Classes, Predicates) {
         nullptr,    oxIsCell,   oxIsStructClass,    oxIsLogical, oxIsChar,   nullptr,   oxIsDouble,
         oxIsSingle, oxIsInt8,   oxIsUint8,          oxIsInt16,   oxIsUint16, oxIsInt32, oxIsUint32,
         oxIsInt64,  oxIsUint64, oxIsFunctionHandle, oxIsOpaque,  oxIsObject};
-    for (const ClassRow &r : class_rows) {
+    for (const auto &r : class_rows) {
         oxArray a{};
         set_class(&a, r.id);
-        a.ndims = 2;
         for (int id = 0; id < 19; ++id)
             EXPECT_EQ(own[id] && own[id](&a), own[id] && id == r.id) << r.name << ' ' << id;
         EXPECT_EQ(oxIsNumeric(&a), r.id >= 6 && r.id <= 15) << r.name;
@@ -72,18 +61,15 @@ TEST_F(Classes, Predicates) {
         EXPECT_EQ(oxGetElementSize(&a), r.size) << r.name;
         const char *name = r.id == 18 ? "" : r.name; // an object without a class name
         EXPECT_STREQ(oxGetClassName(&a), name);
-        EXPECT_TRUE(oxIsClass(&a, name));
-        EXPECT_FALSE(oxIsClass(&a, "DOUBLE"));
+        EXPECT_TRUE(oxIsClass(&a, name) && !oxIsClass(&a, "DOUBLE"));
     }
     oxArray a{};
     set_class(&a, oxOBJECT_CLASS);
     a.set_struct_object_classname("polygon");
     EXPECT_STREQ(oxGetClassName(&a), "polygon");
-    EXPECT_TRUE(oxIsClass(&a, "polygon"));
-    EXPECT_FALSE(oxIsClass(&a, "object"));
+    EXPECT_TRUE(oxIsClass(&a, "polygon") && !oxIsClass(&a, "object"));
     a.set_struct_object_tag(99);
-    EXPECT_EQ(static_cast<int>(oxGetClassID(&a)), 99);
-    EXPECT_EQ(a.get_array_type(), 18);
+    EXPECT_TRUE(static_cast<int>(oxGetClassID(&a)) == 99 && a.get_array_type() == 18);
 }
 
 TEST_F(Classes, Attributes) {
@@ -106,19 +92,18 @@ TEST_F(Classes, Attributes) {
 
 // Complexity and sparsity do not matter; other classes keep what they have.
 TEST_F(Classes, ScalarDoubleFlagUpkeep) {
-    struct Row {
+    const struct {
         const char *array;
         bool before, after;
-    };
-    const Row rows[] = {{"5", false, true},
-                        {"1+2i", false, true},
-                        {"1 2", true, false},
-                        {"double 0x0", true, false},
-                        {"double 1x1x1: 4", false, true},
-                        {"int8 2x1: 1; 2", true, true},
-                        {"logical 1x1: 1", false, false},
-                        {"sparse double 1x1", false, true}};
-    for (const Row &r : rows) {
+    } rows[] = {{"5", false, true},
+                {"1+2i", false, true},
+                {"1 2", true, false},
+                {"double 0x0", true, false},
+                {"double 1x1x1: 4", false, true},
+                {"int8 2x1: 1; 2", true, true},
+                {"logical 1x1: 1", false, false},
+                {"sparse double 1x1", false, true}};
+    for (const auto &r : rows) {
         oxArray *a = arr(r.array);
         r.before ? oxSetScalarDoubleFlag(a) : oxClearScalarDoubleFlag(a);
         oxSetScalarDoubleFlagIfAppropiate(a);
@@ -136,8 +121,7 @@ TEST_F(Classes, FlagsDoNotDisturbEachOther) {
     EXPECT_EQ(oxGetUserBits(a), 0xA5);
     EXPECT_EQ(a->flag_word, 0xA5000000u | oxFLAG_SCALAR_DOUBLE | oxFLAG_NUMERIC | oxFLAG_GLOBAL_WS |
                                 oxFLAG_EMPTY_BRACKET | oxFLAG_PRIVATE_DATA);
-    EXPECT_TRUE(oxIsFromGlobalWS(a));
-    EXPECT_TRUE(oxIsDataPrivate(a));
+    EXPECT_TRUE(oxIsFromGlobalWS(a) && oxIsDataPrivate(a));
     EXPECT_FALSE(oxIsReusable(a) || oxIsCommaList(a) || oxIsSparse(a));
     oxSetFromGlobalWS(a, false);
     oxSetEmptySqrBrktFlag(a, false);
@@ -165,9 +149,7 @@ TEST_F(Classes, ImaginaryMarkCountsAsComplexButIsNoBlock) {
     oxArray *a = arr("1 2");
     EXPECT_FALSE(oxIsComplex(a));
     oxMarkImagData(a);
-    EXPECT_TRUE(oxIsComplex(a));
-    EXPECT_TRUE(a->is_imag_marked());
-    EXPECT_FALSE(has_imag_block(a));
+    EXPECT_TRUE(oxIsComplex(a) && a->is_imag_marked() && !has_imag_block(a));
     oxDestroyArray(a); // must not free the mark
 }
 
@@ -176,17 +158,14 @@ TEST_F(Classes, Dimensions) {
     const kwSize nd[] = {1, 2, 3};
     EXPECT_EQ(oxSetDimensions(a, nd, 3), 0);
     EXPECT_EQ(oxSetDimensions(a, oxGetDimensions(a), 3), 0) << "its own vector";
-    EXPECT_EQ(oxGetM(a), 1u);
-    EXPECT_EQ(oxGetN(a), 6u);
+    EXPECT_TRUE(oxGetM(a) == 1 && oxGetN(a) == 6);
     oxSetM(a, 4);
-    EXPECT_EQ(oxGetNumberOfDimensions(a), 3u);
-    EXPECT_EQ(oxGetNumberOfElements(a), 24u);
+    EXPECT_TRUE(oxGetNumberOfDimensions(a) == 3 && oxGetNumberOfElements(a) == 24);
     const kwIndex subs[] = {1, 1, 2, 5};
     EXPECT_EQ(oxCalcSingleSubscript(a, 3, subs), 1u + 4 + 16);
     EXPECT_EQ(oxCalcSingleSubscript(a, 4, subs), 1u + 4 + 16 + 24 * 5);
     oxSetN(a, 5);
-    EXPECT_EQ(oxGetNumberOfDimensions(a), 2u);
-    EXPECT_EQ(oxGetN(a), 5u);
+    EXPECT_TRUE(oxGetNumberOfDimensions(a) == 2 && oxGetN(a) == 5);
     EXPECT_EQ(oxSetDimensions(a, nullptr, 0), 0);
     EXPECT_TRUE(oxIsEmpty(a));
     EXPECT_EQ(oxSetDimensions(a, nd, 1), 0);
@@ -210,18 +189,17 @@ TEST_F(Classes, FirstElement) {
 
 // Everything goes but scope, count and place.
 TEST_F(Classes, ReTypingInPlace) {
-    struct Row {
+    const struct {
         const char *array;
         oxClassID to;
         uint32_t flags;
-    };
-    const Row rows[] = {{"double 2x2x2: 1 2; 3 4 | 5 6; 7 8", oxDOUBLE_CLASS,
-                         oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE},
-                        {"1+2i", oxINT8_CLASS, oxFLAG_NUMERIC},
-                        {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS, 0},
-                        {"cell 1x2: {1} {char 1x1: 'a'}", oxCELL_CLASS, 0},
-                        {"struct 1x2 a,b: {1} {} {2} {}", oxVOID_CLASS, 0}};
-    for (const Row &r : rows) {
+    } rows[] = {{"double 2x2x2: 1 2; 3 4 | 5 6; 7 8", oxDOUBLE_CLASS,
+                 oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE},
+                {"1+2i", oxINT8_CLASS, oxFLAG_NUMERIC},
+                {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS, 0},
+                {"cell 1x2: {1} {char 1x1: 'a'}", oxCELL_CLASS, 0},
+                {"struct 1x2 a,b: {1} {} {2} {}", oxVOID_CLASS, 0}};
+    for (const auto &r : rows) {
         oxArray *a = arr(r.array), *sharer = oxCreateSharedDataCopy(a);
         const std::string contents = text(sharer);
         oxSetUserBits(a, 3);

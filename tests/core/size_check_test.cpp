@@ -1,16 +1,9 @@
 // The size checks in all their forms.
 #include <core/position.h>
-#include <ox.h>
-#include <ox.hpp>
-#include <support/expect.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <climits>
 #include <cmath>
-#include <vector>
-
-using namespace ox;
-using namespace ox::test;
 
 namespace {
 
@@ -19,13 +12,12 @@ class SizeCheck : public HostTest {};
 constexpr kwSize two24 = kwSize{1} << 24, two47 = kwSize{1} << 47, most = (kwSize{1} << 48) - 1;
 constexpr double nan_ = NAN;
 
-struct WideRow {
+const struct {
     std::vector<kwSize> dims;
     kwSize size;
     bool fits;
     kwSize count;
-};
-const WideRow wide_rows[] = {
+} wide_rows[] = {
     {{}, 8, true, 1},
     {{3, 4, 5}, 8, true, 60},
     {{two24, two24}, 1, false, most},
@@ -41,6 +33,14 @@ const WideRow wide_rows[] = {
     {{kwSize{1} << 32, kwSize{1} << 32, kwSize{1} << 32, kwSize{1} << 32}, 1, false, most},
 };
 
+// A check that gives its count, or raises when the row does not fit.
+template<class Check> void expect_count(bool fits, auto count, Check &&check) {
+    if (fits)
+        EXPECT_EQ(check(), count);
+    else
+        EXPECT_RAISES_ENTRY(FPMAXSIZE, check());
+}
+
 // Every form of check for one row of dimensions.
 template<class Row, class Size> void check_row(const Row &r, Size ndim, decltype(r.count) failed) {
     SCOPED_TRACE(testing::PrintToString(r.dims));
@@ -49,84 +49,68 @@ template<class Row, class Size> void check_row(const Row &r, Size ndim, decltype
     EXPECT_EQ(oxCheckDim_nothrow(dims, ndim, r.size, &count), r.fits);
     EXPECT_EQ(count, r.count);
     EXPECT_EQ(oxCheckDim_nothrow(dims, ndim, r.size), r.fits);
-    if (r.fits)
-        EXPECT_EQ(oxCheckDim(dims, ndim, r.size), r.count);
-    else
-        EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckDim(dims, ndim, r.size));
+    expect_count(r.fits, r.count, [&] { return oxCheckDim(dims, ndim, r.size); });
     if (ndim != 2) return;
     EXPECT_EQ(oxCheckMN_nothrow(dims[0], dims[1], r.size, &count), r.fits);
-    if (r.fits)
-        EXPECT_EQ(oxCheckMN(dims[0], dims[1], r.size), r.count);
-    else
-        EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckMN(dims[0], dims[1], r.size));
+    expect_count(r.fits, r.count, [&] { return oxCheckMN(dims[0], dims[1], r.size); });
 }
 
 TEST_F(SizeCheck, Wide) {
-    for (const WideRow &r : wide_rows) check_row(r, r.dims.size(), most);
+    for (const auto &r : wide_rows) check_row(r, r.dims.size(), most);
 }
 
-struct NarrowRow {
+const struct {
     std::vector<int> dims;
     kwSize size;
     bool fits;
     int count;
-};
-const NarrowRow narrow_rows[] = {{{}, 8, true, 1},
-                                 {{3, 4, 5}, 8, true, 60},
-                                 {{INT_MAX}, 8, true, INT_MAX},
-                                 {{INT_MAX, 2}, 1, false, INT_MAX},
-                                 {{1 << 15, 1 << 16}, 1, false, INT_MAX}, // 2^31
-                                 {{INT_MAX}, kwSize{1} << 17, true, INT_MAX},
-                                 {{INT_MAX}, (kwSize{1} << 17) + 1, false, INT_MAX},
-                                 {{-1, 5}, 8, false, INT_MAX},
-                                 {{-1, 0}, 8, true, 0}};
+} narrow_rows[] = {{{}, 8, true, 1},
+                   {{3, 4, 5}, 8, true, 60},
+                   {{INT_MAX}, 8, true, INT_MAX},
+                   {{INT_MAX, 2}, 1, false, INT_MAX},
+                   {{1 << 15, 1 << 16}, 1, false, INT_MAX}, // 2^31
+                   {{INT_MAX}, kwSize{1} << 17, true, INT_MAX},
+                   {{INT_MAX}, (kwSize{1} << 17) + 1, false, INT_MAX},
+                   {{-1, 5}, 8, false, INT_MAX},
+                   {{-1, 0}, 8, true, 0}};
 
 TEST_F(SizeCheck, Narrow) {
-    for (const NarrowRow &r : narrow_rows) {
+    for (const auto &r : narrow_rows) {
         const int ndim = static_cast<int>(r.dims.size());
         check_row(r, ndim, INT_MAX);
-        if (r.fits)
-            EXPECT_EQ(oxCheckDim_700(r.dims.data(), ndim, r.size), r.count);
-        else
-            EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckDim_700(r.dims.data(), ndim, r.size));
+        expect_count(r.fits, r.count, [&] { return oxCheckDim_700(r.dims.data(), ndim, r.size); });
     }
 }
 
 constexpr int64_t raises_ = -1;
 
-struct DoubleRow {
+const struct {
     double m, n;
     kwSize size;
     int64_t wide, narrow; // the counts, or raises_
-};
-const DoubleRow double_rows[] = {
-    {3.9, 5.0, 8, 15, 15},
-    {-1.0, 5.0, 8, 0, raises_}, // negative is none of them, and huge as an int
-    {-1.0, 0.0, 8, 0, 0},
-    {-0.5, 5.0, 8, 0, 0},
-    {nan_, 1.0, 8, raises_, int64_t{INT_MAX}},
-    {nan_, 1.0, 1, int64_t{most}, int64_t{INT_MAX}},
-    {nan_, 2.0, 1, raises_, raises_},
-    {INFINITY, 1.0, 1, int64_t{most}, int64_t{INT_MAX}},
-    {-INFINITY, 1.0, 1, 0, raises_},
-    {2147483648.0, 1.0, 1, 2147483648, int64_t{INT_MAX}},
-    {65536.0, 32768.0, 1, 2147483648, raises_},
-};
+} double_rows[] = {{3.9, 5.0, 8, 15, 15},
+                   {-1.0, 5.0, 8, 0, raises_}, // negative is none of them, and huge as an int
+                   {-1.0, 0.0, 8, 0, 0},
+                   {-0.5, 5.0, 8, 0, 0},
+                   {nan_, 1.0, 8, raises_, int64_t{INT_MAX}},
+                   {nan_, 1.0, 1, int64_t{most}, int64_t{INT_MAX}},
+                   {nan_, 2.0, 1, raises_, raises_},
+                   {INFINITY, 1.0, 1, int64_t{most}, int64_t{INT_MAX}},
+                   {-INFINITY, 1.0, 1, 0, raises_},
+                   {2147483648.0, 1.0, 1, 2147483648, int64_t{INT_MAX}},
+                   {65536.0, 32768.0, 1, 2147483648, raises_}};
 
 TEST_F(SizeCheck, Doubles) {
-    for (const DoubleRow &r : double_rows) {
+    for (const auto &r : double_rows) {
         SCOPED_TRACE(testing::Message() << r.m << " by " << r.n << " of " << r.size);
+        const bool fits = r.wide != raises_;
+        const kwSize wide = fits ? static_cast<kwSize>(r.wide) : most;
         kwSize count;
-        EXPECT_EQ(oxCheckMN_nothrow(r.m, r.n, r.size, &count), r.wide != raises_);
-        EXPECT_EQ(count, r.wide == raises_ ? most : static_cast<kwSize>(r.wide));
-        if (r.wide == raises_)
-            EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckMN(r.m, r.n, r.size));
-        else
-            EXPECT_EQ(oxCheckMN(r.m, r.n, r.size), static_cast<kwSize>(r.wide));
-        if (r.narrow == raises_)
-            EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCheckMN_700(r.m, r.n, r.size));
-        else
-            EXPECT_EQ(oxCheckMN_700(r.m, r.n, r.size), r.narrow);
+        EXPECT_EQ(oxCheckMN_nothrow(r.m, r.n, r.size, &count), fits);
+        EXPECT_EQ(count, wide);
+        expect_count(fits, wide, [&] { return oxCheckMN(r.m, r.n, r.size); });
+        expect_count(r.narrow != raises_, r.narrow,
+                     [&] { return oxCheckMN_700(r.m, r.n, r.size); });
     }
 }
 

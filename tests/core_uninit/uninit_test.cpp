@@ -2,19 +2,9 @@
 #include <core/alloc.h>
 #include <core/array_list.h>
 #include <core/startup.h>
-#include <ox.h>
-#include <ox.hpp>
-#include <support/array_text.h>
-#include <support/expect.h>
-#include <support/faults.h>
-#include <support/host.h>
+#include <support/suite.h>
 
 #include <fl.hpp>
-
-#include <vector>
-
-using namespace ox;
-using namespace ox::test;
 
 namespace {
 
@@ -29,16 +19,13 @@ const bool created_at_start = [] {
 class Uninit : public BareTest {};
 
 TEST_F(Uninit, ArraysAreUnlisted) {
-    EXPECT_TRUE(created_at_start);
-    EXPECT_FALSE(oxIsArrayListInitialized());
+    EXPECT_TRUE(created_at_start && !oxIsArrayListInitialized());
     oxArray *a = arr("1 2");
-    EXPECT_EQ(oxGetArrayScopeField(a), oxSCOPE_NONE);
-    EXPECT_EQ(array_list_length(), 0u);
+    EXPECT_TRUE(a->scope == oxSCOPE_NONE && array_list_length() == 0);
     oxSetArrayScope(a, oxSCOPE_TEMPORARY); // stored, but nothing would take it off the list again
-    EXPECT_TRUE(oxIsTemp(a));
-    EXPECT_EQ(array_list_length(), 0u);
+    EXPECT_TRUE(oxIsTemp(a) && array_list_length() == 0);
     EXPECT_EQ(oxPreparePropertyValueForContainment(a), a);
-    EXPECT_EQ(oxGetArrayScopeField(a), oxSCOPE_PROPERTY);
+    EXPECT_EQ(a->scope, oxSCOPE_PROPERTY);
     oxDestroyArray(a);
 }
 
