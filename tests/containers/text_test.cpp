@@ -204,9 +204,9 @@ TEST_F(TextTest, FailedAllocations) {
     Sweep long_text{"string", {}, [](auto &) { return oxCreateString(mixed.c_str()); }};
     long_text.may_survive = true;
     sweep(long_text);
-    sweep({"utf16", {}, [](auto &) { return oxCreateString_UTF16(u"abc"); }});
-    sweep({"matrix", {}, [](auto &) { return oxCreateCharMatrixFromStrings_UTF8(2, strs); }});
-    sweep({"bytes", {"char 1x2: 'ab'"}, [](auto &in) { return oxArrayToByteChars(in[0]); }});
+    sweep_everywhere({{}}, [](auto &) { return oxCreateString_UTF16(u"abc"); });
+    sweep_everywhere({{}}, [](auto &) { return oxCreateCharMatrixFromStrings_UTF8(2, strs); });
+    sweep_everywhere({{"char 1x2: 'ab'"}}, [](auto &in) { return oxArrayToByteChars(in[0]); });
 }
 
 } // namespace

@@ -24,19 +24,15 @@ protected:
 
 TEST_F(ArrayList, CreatedArraysAreTemporariesOnce) {
     make(3);
-    EXPECT_EQ(context(), "321");
-    EXPECT_TRUE(oxIsTemp(made_[1]));
     oxSetArrayScope(made_[1], oxSCOPE_TEMPORARY);
     array_hooks.created(made_[1]);
     EXPECT_EQ(context(), "321") << "not listed twice";
-    oxSetArrayScope(made_[2], 9);
-    EXPECT_EQ(context(), "31");
-    EXPECT_EQ(oxGetArrayScopeField(made_[2]), 9);
-    oxSetArrayScope(made_[2], 8);
-    EXPECT_EQ(context(), "31");
+    for (int scope : {9, 8}) {
+        oxSetArrayScope(made_[2], scope);
+        EXPECT_TRUE(context() == "31" && oxGetArrayScopeField(made_[2]) == scope);
+    }
     array_hooks.created(made_[2]); // any other scope joins the list
-    EXPECT_EQ(context(), "231");
-    EXPECT_TRUE(oxIsTemp(made_[2]));
+    EXPECT_TRUE(context() == "231" && oxIsTemp(made_[2]));
 }
 
 // Deliberate: destroying the oldest array of several turns the context over, for good.
@@ -58,16 +54,13 @@ TEST_F(ArrayList, DestroyingTheOldestReversesTheContext) {
 TEST_F(ArrayList, ExitDestroysWhateverTheCount) {
     make(1);
     const int index = oxEnterNewArrayListContext();
-    EXPECT_TRUE(made_[1]->has_flag(oxFLAG_LIST_MARK));
-    EXPECT_EQ(context(), "");
-    oxArray *counted = oxCreateDoubleScalar(2);
-    counted->reference_count = 3;
+    EXPECT_TRUE(made_[1]->has_flag(oxFLAG_LIST_MARK) && context().empty());
+    oxCreateDoubleScalar(2)->reference_count = 3;
     oxCreateDoubleScalar(3);
     const std::size_t headers = live().headers;
     oxExitArrayListContext(index, nullptr, 0, true);
     EXPECT_EQ(live().headers, headers - 2);
-    EXPECT_EQ(context(), "1");
-    EXPECT_FALSE(made_[1]->has_flag(oxFLAG_LIST_MARK));
+    EXPECT_TRUE(context() == "1" && !made_[1]->has_flag(oxFLAG_LIST_MARK));
 }
 
 TEST_F(ArrayList, KeptArraysJoinTheEnclosingContext) {
@@ -117,12 +110,10 @@ TEST_F(ArrayList, MovingFromTheEnclosingContextSwapsWithItsTop) {
     const int index = oxEnterNewArrayListContext();
     made_[5] = oxCreateDoubleScalar(5);
     oxMoveArrayFromPreviousContext(index, made_[2]);
-    EXPECT_EQ(context(), "52");
-    EXPECT_FALSE(made_[2]->has_flag(oxFLAG_LIST_MARK));
+    EXPECT_TRUE(context() == "52" && !made_[2]->has_flag(oxFLAG_LIST_MARK));
     made_[5]->set_flag(oxFLAG_LIST_MARK, true);
     oxMoveArrayFromPreviousContext(index, made_[5]); // not found there: the mark goes all the same
-    EXPECT_FALSE(made_[5]->has_flag(oxFLAG_LIST_MARK));
-    EXPECT_EQ(context(), "52");
+    EXPECT_TRUE(context() == "52" && !made_[5]->has_flag(oxFLAG_LIST_MARK));
     oxExitArrayListContext(index, nullptr, 0, true);
     EXPECT_EQ(context(), "341") << "the former top took the place of the moved one";
 }

@@ -12,25 +12,19 @@ class Create : public HostTest {};
 
 constexpr kwSize huge = kwSize{1} << 60, two24 = kwSize{1} << 24;
 
-oxArray *nd(const Dims &dims, oxClassID id = oxDOUBLE_CLASS, oxComplexity c = oxREAL) {
-    return oxCreateNumericArray(dims.size(), dims.data(), id, c);
+oxArray *nd(const Dims &dims) {
+    return oxCreateNumericArray(dims.size(), dims.data(), oxDOUBLE_CLASS, oxREAL);
 }
-
-const struct {
-    Dims dims;
-    const char *text;
-} nd_rows[] = {{{2, 1, 2}, "double 2x1x2: 0; 0 | 0; 0"},
-               {{1, 1, 1}, "double 1x1x1: 0"}, // nothing is trimmed
-               {{3}, "double 3x1: 0; 0; 0"},
-               {{}, "double 0x0"},
-               // Empty arrays are never too large.
-               {{0, huge}, "double 0x1152921504606846976"},
-               {{huge, 0}, "double 1152921504606846976x0"},
-               {{0, huge, huge}, "double 0x1152921504606846976x1152921504606846976"},
-               {{huge, 0, huge}, "double 1152921504606846976x0x1152921504606846976"}};
 
 TEST_F(Create, FullArrays) {
     std::vector<std::pair<oxArray *, const char *>> made = {
+        {nd({2, 1, 2}), "double 2x1x2: 0; 0 | 0; 0"},
+        {nd({1, 1, 1}), "double 1x1x1: 0"}, // nothing is trimmed
+        {nd({3}), "double 3x1: 0; 0; 0"},
+        {nd({}), "double 0x0"},
+        {nd({0, huge}), "double 0x1152921504606846976"}, // empty ones are never too large
+        {nd({huge, 0}), "double 1152921504606846976x0"},
+        {nd({huge, 0, huge}), "double 1152921504606846976x0x1152921504606846976"},
         {oxCreateDoubleMatrix(2, 2, oxREAL), "double 2x2: 0 0; 0 0"},
         {oxCreateDoubleMatrix(1, 2, oxCOMPLEX), "double 1x2: 0+0i 0+0i"},
         {oxCreateNumericMatrix(1, 1, oxSINGLE_CLASS, oxCOMPLEX), "single 1x1: 0+0i"},
@@ -49,14 +43,12 @@ TEST_F(Create, FullArrays) {
         // Classes that are not numeric have no imaginary part.
         {oxCreateNumericMatrix(1, 2, oxCHAR_CLASS, oxCOMPLEX), "char 1x2: '\\u0000\\u0000'"},
     };
-    for (const auto &r : nd_rows) made.emplace_back(nd(r.dims), r.text);
     for (const auto &[a, expected] : made) {
+        SCOPED_TRACE(expected);
         EXPECT_EQ(text(a), expected);
-        EXPECT_EQ(check_header(a, CheckDepth::storage), 0) << expected;
-        EXPECT_TRUE(listed_as_its_scope_says(a)) << expected;
-        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), oxIsDouble(a) && oxGetNumberOfElements(a) == 1)
-            << expected;
-        EXPECT_EQ(oxGetData(a) == nullptr, oxIsEmpty(a) || a->class_code == 0) << expected;
+        EXPECT_TRUE(!check_header(a, CheckDepth::storage) && listed_as_its_scope_says(a));
+        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), oxIsDouble(a) && oxGetNumberOfElements(a) == 1);
+        EXPECT_EQ(oxGetData(a) == nullptr, oxIsEmpty(a) || a->class_code == 0);
     }
     oxArray *raw = oxCreateUninitNumericArray(3, Dims{2, 3, 4}.data(), oxINT32_CLASS, oxCOMPLEX);
     std::memset(oxGetData(raw), 1, 24 * 4);
@@ -90,7 +82,6 @@ TEST_F(Create, LogicalScalarKeepsItsByte) {
     const auto untyped = reinterpret_cast<Untyped>(oxCreateLogicalScalar);
     const auto create = reinterpret_cast<oxArray *(*)(unsigned char)>(untyped); // as C may call it
     EXPECT_EQ(text(create(5)), "logical 1x1: 5");
-    EXPECT_EQ(text(create(0)), "logical 1x1: 0");
 }
 
 // --- Reuse -----------------------------------------------------------------------------------
@@ -117,8 +108,7 @@ TEST_F(Create, WhichCandidateLends) {
         lender->set_reusable(r.offered);
         oxArray *const candidates[] = {nullptr, refused, lender};
         oxArray *a = oxCreateDoubleMatrixWithReuse(1, 4, oxREAL, 3, candidates);
-        EXPECT_EQ(oxGetData(a) == oxGetData(lender), r.lends);
-        EXPECT_EQ(a->cross_link == lender, r.lends);
+        EXPECT_EQ(oxGetData(a) == oxGetData(lender) && a->cross_link == lender, r.lends);
         EXPECT_EQ(oxIsReusable(lender), r.offered && !r.lends);
         EXPECT_FALSE(oxIsReusable(a) || oxGetData(a) == oxGetData(refused));
         EXPECT_EQ(check_header(a, CheckDepth::storage), 0);
@@ -132,8 +122,7 @@ TEST_F(Create, ReuseTakesTheFirstThatFitsAndKeepsTheContents) {
     for (oxArray *c : candidates) c->set_reusable(true);
     oxArray *a = oxCreateNumericMatrixWithReuse(1, 1, oxDOUBLE_CLASS, oxREAL, 3, candidates);
     EXPECT_EQ(text(a), "double 1x1: 7");
-    EXPECT_TRUE(oxIsScalarDoubleFlagSet(a));
-    EXPECT_TRUE(oxIsReusable(candidates[2]));
+    EXPECT_TRUE(oxIsScalarDoubleFlagSet(a) && oxIsReusable(candidates[2]));
     oxArray *b = oxCreateNumericArrayWithReuse(3, Dims{1, 1, 1}.data(), oxDOUBLE_CLASS, oxCOMPLEX,
                                                3, candidates);
     EXPECT_EQ(text(b), "double 1x1x1: 5+6i");
@@ -150,10 +139,8 @@ TEST_F(Create, DestroyDropsReferencesFirst) {
     oxArray *a = arr("1 2");
     a->reference_count = 2;
     const std::size_t headers = live().headers;
-    oxDestroyArray(a);
-    oxDestroyArray(a);
-    EXPECT_EQ(live().headers, headers);
-    EXPECT_TRUE(oxIsTemp(a)) << "dropping a reference changes nothing else";
+    for (int owner = 0; owner < 2; ++owner) oxDestroyArray(a);
+    EXPECT_TRUE(live().headers == headers && oxIsTemp(a));
     oxDestroyArray(a);
     EXPECT_EQ(live().headers, headers - 1);
     oxDestroyArray(nullptr);
@@ -163,8 +150,7 @@ TEST_F(Create, AKeptHeaderOnlyLeavesTheList) {
     oxArray *a = arr("1 2");
     a->set_flag(oxFLAG_HEADER_KEPT, true);
     oxDestroyArray(a);
-    EXPECT_FALSE(array_list_contains(a));
-    EXPECT_EQ(oxGetArrayScopeField(a), oxSCOPE_DESTROYED);
+    EXPECT_TRUE(!array_list_contains(a) && a->scope == oxSCOPE_DESTROYED);
     EXPECT_EQ(text(a), "double 1x2: 1 2");
     a->set_flag(oxFLAG_HEADER_KEPT, false);
     oxDestroyArray(a);
