@@ -7,9 +7,7 @@
 
 namespace {
 
-class Copies : public HostTest {
-    WithLayer layer_;
-};
+using Copies = LayerTest;
 
 bool shares(const oxArray *a, const oxArray *b) {
     bool found = false;
@@ -94,9 +92,7 @@ TEST_F(Copies, APrivateBlockIsNeverFreedWhoeverUnsharesFirst) {
 
 // A sharer of the array's data that already has the scope.
 oxArray *property_sharer(oxArray *a) {
-    oxArray *sharer = oxCreateSharedDataCopy(a);
-    oxSetArrayScope(sharer, oxSCOPE_PROPERTY);
-    return sharer;
+    return oxPreparePropertyValueForContainment(oxCreateSharedDataCopy(a));
 }
 
 TEST_F(Copies, AnArrayOfItsOwnChangesItsScopeAndLeavesTheList) {
@@ -121,8 +117,7 @@ TEST_F(Copies, ASharerThatHasTheScopeStandsForTheArray) {
         oxArray *a = arr(of), *sharer = property_sharer(a);
         oxClearScalarDoubleFlag(sharer);
         EXPECT_EQ(oxPreparePropertyValueForContainment(a), sharer);
-        EXPECT_EQ(oxGetReferenceCount(sharer), 1u);
-        EXPECT_FALSE(sharer->cross_link);
+        EXPECT_TRUE(sharer->reference_count == 1 && !sharer->cross_link);
         EXPECT_EQ(oxIsScalarDoubleFlagSet(sharer), of[0] == '7');
         for (int owner = 0; owner < 2; ++owner) oxDestroyArray(sharer);
     }
@@ -141,8 +136,7 @@ TEST_F(Copies, ASharerThatDiffersDoesNot) {
         SCOPED_TRACE(name);
         oxArray *a = arr("struct 1x2 a: {1} {2}"), *sharer = property_sharer(a);
         differ(sharer);
-        EXPECT_EQ(oxPreparePropertyValueForContainment(a), a);
-        EXPECT_EQ(a->scope, oxSCOPE_PROPERTY);
+        EXPECT_TRUE(oxPreparePropertyValueForContainment(a) == a && a->scope == oxSCOPE_PROPERTY);
         for (oxArray *p : {a, sharer}) oxDestroyArray(p);
     }
 }
@@ -152,10 +146,8 @@ TEST_F(Copies, AnArrayOfAnEnclosingContextIsMovedBeforeItIsContained) {
     oxArray *a = arr("1"), *b = arr("2");
     const int outer = oxEnterNewArrayListContext();
     oxMoveArrayFromPreviousContext(outer, a);
-    EXPECT_EQ(contained(a), a);
-    EXPECT_FALSE(array_list_contains(a));
-    EXPECT_EQ(contained(b), b);
-    EXPECT_TRUE(array_list_contains(b));
+    EXPECT_TRUE(contained(a) == a && !array_list_contains(a));
+    EXPECT_TRUE(contained(b) == b && array_list_contains(b));
     oxExitArrayListContext(outer, nullptr, 0, true);
     oxSetArrayScope(b, 4); // enters it a second time
     array_list_remove(b);  // and off again; the first entry goes with the context

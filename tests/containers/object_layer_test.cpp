@@ -5,7 +5,7 @@
 
 namespace {
 
-class Layer : public HostTest {};
+using Layer = HostTest;
 
 constexpr const char *missing = "VELTRO:objectLayerMissing";
 
@@ -38,9 +38,7 @@ TEST_F(Layer, EveryCopyOfAnObjectIsAnnouncedOnce) {
     };
     const auto alone_in_brackets = [](const oxArray *p) {
         oxCatContext objects{[](auto...) { return oxOBJECT_CLASS; }, nullptr};
-        const auto as_is = [](oxCatContext *, oxClassID, const oxArray *operand) {
-            return operand;
-        };
+        const auto as_is = [](oxCatContext *, oxClassID, const oxArray *x) { return x; };
         return oxCatenateDispatch(oxCAT_VERTICAL, 1, &p, as_is, &objects);
     };
     for (oxArray *(*copy)(const oxArray *) :

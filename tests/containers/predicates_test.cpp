@@ -75,9 +75,7 @@ const struct {
     {"lazy 2x3: 4", ""},
 };
 
-class Predicates : public HostTest {
-    WithLayer layer_;
-};
+using Predicates = LayerTest;
 
 TEST_F(Predicates, Table) {
     for (const auto &row : rows_of_table) {

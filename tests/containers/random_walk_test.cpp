@@ -102,8 +102,8 @@ private:
         return random_.pick(level.handles.empty() ? current() : level.handles);
     }
     const char *leaf() {
-        const char *const others[] = {"double 0x2", "lazy 2x3: 7"};
-        return random_.chance(0.1) ? random_.pick(others) : random_.pick(one_of_each);
+        if (random_.chance(0.1)) return random_.chance(0.5) ? "double 0x2" : "lazy 2x3: 7";
+        return random_.pick(one_of_each);
     }
     kwSize mine() { return random_.below(current().size()); }
 
@@ -208,8 +208,8 @@ private:
     }
     void element() {
         const Handle h = any();
-        if (!is_container(h.a) || !h.a->cell.slots) return;
-        if (oxArray *e = h.a->cell.slots[0]) add(oxCreateReference(e), text(e), unlisted);
+        oxArray *e = is_container(h.a) && h.a->cell.slots ? h.a->cell.slots[0] : nullptr;
+        if (e) add(oxCreateReference(e), text(e), unlisted);
     }
     void make_property() {
         Handle &h = current()[mine()];
@@ -267,20 +267,17 @@ private:
     }
 
     void verify() {
-        for (const Level &l : levels_) {
+        for (const Level &l : levels_)
             for (const Handle &h : l.handles) {
                 const Finding f = check_array(h.a);
                 ASSERT_FALSE(f) << text(f.array) << ": not so: " << check_rule_text(f.rule);
                 ASSERT_EQ(text(h.a), h.value);
                 ASSERT_EQ(array_list_contains(h.a), h.home != unlisted);
             }
-        }
     }
 };
 
-class RandomWalk : public HostTest {
-    WithLayer layer_;
-};
+using RandomWalk = LayerTest;
 
 // OX_WALK_STEPS makes it longer.
 TEST_F(RandomWalk, EveryHandleShowsItsValueAfterEveryStep) {

@@ -128,7 +128,8 @@ protected:
             if (list) oxFree(list);
             if (count != 1 || r.chance(0.6)) d.push_back(count);
         }
-        while (d.size() < 2) d.insert(d.begin() + static_cast<std::ptrdiff_t>(r.below(d.size() + 1)), 1);
+        while (d.size() < 2)
+            d.insert(d.begin() + static_cast<std::ptrdiff_t>(r.below(d.size() + 1)), 1);
         while (d.size() > 2 && d.back() == 1) d.pop_back();
         return d;
     }

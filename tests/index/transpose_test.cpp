@@ -67,9 +67,7 @@ TEST(TransposeKernels, SquaresAreTransposedWhereTheyAre) {
     });
 }
 
-class Transpose : public HostTest {
-    WithLayer layer_;
-};
+using Transpose = LayerTest;
 
 // clang-format off
 const char *const pairs[][2] = {

@@ -9,5 +9,14 @@
 #include <support/host.h>
 #include <support/random.h>
 
+namespace ox::test {
+
+// With the class layer installed.
+class LayerTest : public HostTest {
+    WithLayer layer_;
+};
+
+} // namespace ox::test
+
 using namespace ox;
 using namespace ox::test;
