@@ -74,59 +74,48 @@ TEST_F(Classes, Predicates) {
 }
 
 TEST_F(Classes, Attributes) {
-    const struct {
-        const char *array;
-        oxArray_attributes shape;
-    } rows[] = {{"1+2i", oxATTR_SCALAR},           {"logical 1x2: 1 1", oxATTR_ROW},
-                {"int8 2x1: 1; 2", oxATTR_COLUMN}, {"sparse double 2x2", oxATTR_MATRIX},
-                {"double 0x5", oxATTR_MATRIX},     {"double 0x1", oxATTR_MATRIX},
-                {"double 1x0", oxATTR_MATRIX},     {"double 1x1x1: 4", oxATTR_3D},
-                {"double 0x1x1", oxATTR_3D},       {"double 1x1x1x1: 4", oxATTR_4D},
-                {"cell 1x1x1x1x1: {}", oxATTR_ND}};
-    for (const auto &r : rows) {
-        const oxArray *a = arr(r.array);
-        EXPECT_EQ(a->get_attributes(), r.shape | (oxIsComplex(a) ? oxATTR_COMPLEX : oxATTR_REAL) |
-                                           (oxIsSparse(a) ? oxATTR_SPARSE : oxATTR_FULL))
-            << r.array;
+    const std::pair<const char *, oxArray_attributes> rows[] = {
+        {"1+2i", oxATTR_SCALAR},           {"logical 1x2: 1 1", oxATTR_ROW},
+        {"int8 2x1: 1; 2", oxATTR_COLUMN}, {"sparse double 2x2", oxATTR_MATRIX},
+        {"double 0x5", oxATTR_MATRIX},     {"double 0x1", oxATTR_MATRIX},
+        {"double 1x0", oxATTR_MATRIX},     {"double 1x1x1: 4", oxATTR_3D},
+        {"double 0x1x1", oxATTR_3D},       {"double 1x1x1x1: 4", oxATTR_4D},
+        {"cell 1x1x1x1x1: {}", oxATTR_ND}};
+    for (const auto &[array, shape] : rows) {
+        const oxArray *a = arr(array);
+        const int parts = oxIsComplex(a) ? oxATTR_COMPLEX : oxATTR_REAL,
+                  storage = oxIsSparse(a) ? oxATTR_SPARSE : oxATTR_FULL;
+        EXPECT_EQ(a->get_attributes(), shape | parts | storage) << array;
     }
 }
 
 // Complexity and sparsity do not matter; other classes keep what they have.
 TEST_F(Classes, ScalarDoubleFlagUpkeep) {
-    const struct {
-        const char *array;
-        bool before, after;
-    } rows[] = {{"5", false, true},
-                {"1+2i", false, true},
-                {"1 2", true, false},
-                {"double 0x0", true, false},
-                {"double 1x1x1: 4", false, true},
-                {"int8 2x1: 1; 2", true, true},
-                {"logical 1x1: 1", false, false},
-                {"sparse double 1x1", false, true}};
-    for (const auto &r : rows) {
-        oxArray *a = arr(r.array);
-        r.before ? oxSetScalarDoubleFlag(a) : oxClearScalarDoubleFlag(a);
+    const auto kept_up = [](const char *array, bool before) {
+        oxArray *a = arr(array);
+        before ? oxSetScalarDoubleFlag(a) : oxClearScalarDoubleFlag(a);
         oxSetScalarDoubleFlagIfAppropiate(a);
-        EXPECT_EQ(oxIsScalarDoubleFlagSet(a), r.after) << r.array;
+        const bool after = oxIsScalarDoubleFlagSet(a);
         oxClearScalarDoubleFlag(a); // the ones kept on purpose are not well formed
-    }
+        return after;
+    };
+    for (const char *scalar : {"5", "1+2i", "double 1x1x1: 4", "sparse double 1x1"})
+        EXPECT_TRUE(kept_up(scalar, false)) << scalar;
+    for (const char *none : {"1 2", "double 0x0"}) EXPECT_FALSE(kept_up(none, true)) << none;
+    EXPECT_TRUE(kept_up("int8 2x1: 1; 2", true) && !kept_up("logical 1x1: 1", false));
 }
 
 TEST_F(Classes, FlagsDoNotDisturbEachOther) {
     oxArray *a = arr("5");
     oxSetUserBits(a, 0x1A5); // one byte of it
-    oxSetFromGlobalWS(a, true);
-    oxSetEmptySqrBrktFlag(a, true);
-    oxSetDataPrivateFlag(a, true);
+    for (auto *set : {oxSetFromGlobalWS, oxSetEmptySqrBrktFlag, oxSetDataPrivateFlag}) set(a, true);
     EXPECT_EQ(oxGetUserBits(a), 0xA5);
     EXPECT_EQ(a->flag_word, 0xA5000000u | oxFLAG_SCALAR_DOUBLE | oxFLAG_NUMERIC | oxFLAG_GLOBAL_WS |
                                 oxFLAG_EMPTY_BRACKET | oxFLAG_PRIVATE_DATA);
     EXPECT_TRUE(oxIsFromGlobalWS(a) && oxIsDataPrivate(a));
     EXPECT_FALSE(oxIsReusable(a) || oxIsCommaList(a) || oxIsSparse(a));
-    oxSetFromGlobalWS(a, false);
-    oxSetEmptySqrBrktFlag(a, false);
-    oxSetDataPrivateFlag(a, false);
+    for (auto *set : {oxSetFromGlobalWS, oxSetEmptySqrBrktFlag, oxSetDataPrivateFlag})
+        set(a, false);
     oxSetUserBits(a, -1);
     EXPECT_EQ(a->flag_word, 0xFF000000u | oxFLAG_SCALAR_DOUBLE | oxFLAG_NUMERIC);
 }
@@ -137,11 +126,10 @@ TEST_F(Classes, OffsetsReachTheFields) {
     const auto holds = [&](kwSize offset, auto value) {
         return std::memcmp(base + offset, &value, sizeof value) == 0;
     };
-    EXPECT_TRUE(holds(oxGetPdataOffset(), oxGetData(a)));
-    EXPECT_TRUE(holds(oxGetCellsOffset(), oxGetData(a)));
+    a->reference_count = 7;
+    EXPECT_TRUE(holds(oxGetPdataOffset(), oxGetData(a)) && holds(oxGetCellsOffset(), oxGetData(a)));
     EXPECT_TRUE(holds(oxGetScopeOffset(), int32_t{oxSCOPE_TEMPORARY}));
     EXPECT_TRUE(holds(oxGetLinkOffset(), sharer));
-    a->reference_count = 7;
     EXPECT_TRUE(holds(oxGetReferenceCountOffset(), uint32_t{7}));
     a->reference_count = 0;
     oxArray *marked = arr("1 2");
@@ -163,10 +151,8 @@ TEST_F(Classes, Dimensions) {
     EXPECT_EQ(oxCalcSingleSubscript(a, 4, subs), 1u + 4 + 16 + 24 * 5);
     oxSetN(a, 5);
     EXPECT_TRUE(oxGetNumberOfDimensions(a) == 2 && oxGetN(a) == 5);
-    EXPECT_EQ(oxSetDimensions(a, nullptr, 0), 0);
-    EXPECT_TRUE(oxIsEmpty(a));
-    EXPECT_EQ(oxSetDimensions(a, nd, 1), 0);
-    EXPECT_TRUE(oxIsScalarDoubleFlagSet(a)) << "1-by-1";
+    EXPECT_TRUE(oxSetDimensions(a, nullptr, 0) == 0 && oxIsEmpty(a));
+    EXPECT_TRUE(oxSetDimensions(a, nd, 1) == 0 && oxIsScalarDoubleFlagSet(a)) << "1-by-1";
     oxSetM(a, 0);
     EXPECT_FALSE(oxIsScalarDoubleFlagSet(a));
 }
@@ -204,8 +190,8 @@ TEST_F(Classes, ReTypingInPlace) {
         oxReInitArray2Type(a, r.to);
         EXPECT_EQ(a->flag_word, r.flags) << r.array;
         EXPECT_EQ(a->class_code, r.to == oxVOID_CLASS ? 0 : r.to);
-        EXPECT_EQ(a->get_shape_attr(), oxATTR_SCALAR) << r.array;
-        for (const void *word : a->words) EXPECT_EQ(word, nullptr) << r.array;
+        EXPECT_EQ(a->get_shape_attr(), oxATTR_SCALAR);
+        for (const void *word : a->words) EXPECT_EQ(word, nullptr);
         EXPECT_TRUE(a->scope == oxSCOPE_TEMPORARY && a->reference_count == 2);
         a->reference_count = 0;
         oxReInitArray2ScalarDouble(a);
