@@ -146,7 +146,8 @@ UT_API bool utRegisterSetWarningStatusCallback(utWarnCtx *context,
 UT_API void utSetLastWarningMsg(utWarnCtx *context, const char *identifier, const char *message);
 /** The recorded texts, valid until the next recording; outputs may be null. */
 UT_API void utGetLastWarningMsg(utWarnCtx *context, const char **identifier, const char **message);
-/** Records and reads the identifier of the last warning shown. */
+/** Records and reads the identifier of the last warning shown: "" where there is none, never null.
+ */
 UT_API void utSetLastPrintedWarningId(utWarnCtx *context, const char *identifier);
 UT_API const char *utGetLastPrintedWarningId(utWarnCtx *context);
 /** Installs the function that utCallRegisteredWarningCallback calls (null: none); returns the
@@ -201,9 +202,9 @@ UT_API size_t utNarrowAscii(char *dst, const utChar16 *src, size_t n);
  *  short. A local code page unknown to ICU is served as UTF-8. */
 struct UConverter;
 UT_API struct UConverter *utGetConverter(const char *encoding);
-/** Name of the local code page: the pinned one, else the process locale's. A thread's conversions
- * look at it once, at their first use and after each pinning. The "C" locale's ASCII is served as
- * UTF-8, which reads every ASCII text the same. */
+/** Name of the local code page, never null: the pinned one, else the process locale's. A thread's
+ * conversions look at it once, at their first use and after each pinning. The "C" locale's ASCII is
+ * served as UTF-8, which reads every ASCII text the same. */
 UT_API const char *utGetLocalCodePage(void);
 /** Pins the local code page (null: the process locale's again). False, nothing changed, if ICU does
  *  not know it or memory is short. For tests and hosts, before other threads convert. */

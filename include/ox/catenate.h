@@ -28,8 +28,9 @@ typedef const oxArray *(*oxCatConvertFcn)(oxCatContext *context, oxClassID id,
    char; one sparse operand makes the result sparse. 0-by-0 operands are skipped; an empty operand
    of another height (width) is skipped with the warning VELTRO:catenate:DimensionMismatch. Struct
    fields match by name. Returns a temporary of the current array-list context; cells and structs
-   share their elements with the operands. Raises VELTRO:catenate:invalidDimension,
-   sparseDimensionBad, incompatibleType, structFieldBad, dimensionMismatch, and errors 2, 18, 19. */
+   share their elements with the operands. Never null once the array-list manager is installed.
+   Raises VELTRO:catenate:invalidDimension, sparseDimensionBad, incompatibleType, structFieldBad,
+   dimensionMismatch, and errors 2, 18, 19. */
 OX_API oxArray *oxCatenateDispatch(int form, int nargs, const oxArray *args[],
                                    oxCatConvertFcn convert, oxCatContext *context);
 

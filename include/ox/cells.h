@@ -24,11 +24,12 @@ OX_API oxArray *oxCreateCellArray_730(kwSize ndim, const kwSize *dims);
 /* The array in cell i, null when the cell is empty; it stays the cell's. */
 OX_API oxArray *oxGetCell_730(const oxArray *a, kwSize i);
 /* Gives v (may be null) to cell i: v is no temporary any more. What is stored may be another array
-   that shares v's data. The previous array is not released: destroy it first if it must go. */
+   that shares v's data; raises error 18 when that must be made and no memory is left. The previous
+   array is not released: destroy it first if it must go. */
 OX_API void oxSetCell_730(oxArray *a, kwSize i, oxArray *v);
 /* The same, but the caller keeps v: the cell gets a reference of its own. */
 OX_API void oxSetCopyInCell(oxArray *a, kwSize i, oxArray *v);
-/* All cells, one pointer per element; the block stays the array's. */
+/* All cells, one pointer per element; the block stays the array's. Null for an empty array. */
 OX_API oxArray **oxGetCells(const oxArray *a);
 /* The array takes the block over from the caller (it leaves the current allocation-list context)
    unless its data are private. The previous block is not freed. */

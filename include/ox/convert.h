@@ -25,6 +25,9 @@ OX_API void oxConvertBufferToType(void *dst, oxClassID dst_class, const void *sr
    Byte-sized elements that are all 0 or 1 become logical without copying: the arrays share. */
 OX_API oxArray *oxCreateConvertedCopy(const oxArray *a, oxClassID to);
 
+/* The functions below never answer null once the array-list manager is installed: they raise error
+   18 where it is not said otherwise. */
+
 /* a itself when it has the class, else a converted copy, which the caller owns as a temporary.
    Raises VELTRO:invalidConversion when there is no conversion or no memory; complex to char
    raises VELTRO:noConversionComplexToChar, and floating elements outside 0 to 65535 warn

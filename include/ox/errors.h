@@ -101,10 +101,12 @@ typedef struct oxErrorState_tag {
 /* Writes a prefix for the message that fmt begins into buffer (size bytes, NUL-terminated). */
 typedef void (*oxErrmsgPrefixFcn)(const char *fmt, char *buffer, kwSize size);
 
-/* Raising. None of these returns: the error is recorded (prefix and message), the current
-   allocation-list context is freed, and an exception with identifier and message (without the
-   prefix) is thrown. Formats are those of utVSNprintf, %Iu included. Arguments may point into
-   listed blocks. */
+/* --- Raising ------------------------------------------------------------------------------- */
+
+/* None of these returns: the error is recorded (prefix and message), the current allocation-list
+   context is freed, and an exception with identifier and message (without the prefix) is thrown:
+   they raise. Formats are those of utVSNprintf, %Iu included. Arguments may point into listed
+   blocks. */
 
 /* Raises an entry of the error table; its identifier is VELTRO: and the entry's name without F. */
 OX_API OX_NORETURN void oxErrMsg(oxErrorMessage number);
@@ -117,9 +119,14 @@ OX_API OX_NORETURN void oxSimpleErrStackAndMsgIdAndTxt(const oxArray *stack, con
                                                        const char *fmt, ...);
 /* Raises without identifier; a period is appended to the message. */
 OX_API OX_NORETURN void oxErrMsgTxt(const char *fmt, ...);
+/* Raises VELTRO:UndefinedFunction, naming both. */
 OX_API OX_NORETURN void oxFcnUndefinedForClass(const char *function, const char *class_name);
 
-/* The enumerator name, and the message, of a table entry; the number is not checked. */
+/* --- The table, and the record of the last error -------------------------------------------- */
+
+/* None of these raises. */
+
+/* The enumerator name, and the message, of a table entry, never null; the number is not checked. */
 OX_API const char *oxGetErrorMessageEnumName(oxErrorMessage number);
 OX_API const char *oxGetErrorTableEntry(oxErrorMessage number);
 
@@ -143,12 +150,15 @@ OX_API void oxInitErrorState(oxErrorState *state);
 /* Frees what a record, or the current one, owns; the mode stays. */
 OX_API void oxClearErrorState(oxErrorState *state);
 OX_API void oxErrorCleanup(void);
-/* The current record: read, replace, exchange. The caller owns the records it puts in. */
+/* The current record, never null: read, replace, exchange. The caller owns the records it puts in
+   and keeps them alive. */
 OX_API oxErrorState *oxGetErrorState(void);
 OX_API void oxSetErrorState(oxErrorState *state);
 OX_API void oxSwapErrorState(oxErrorState **state);
 
-/* Installs a prefix function (null: none) and returns the previous one. */
+/* --- For hosts ------------------------------------------------------------------------------ */
+
+/* Installs a prefix function (null: none) and returns the previous one, null at start. */
 OX_API oxErrmsgPrefixFcn oxSetErrmsgPrefixFcn(oxErrmsgPrefixFcn fn);
 /* What every raise does before it throws: resets the floating-point unit, frees the current
    allocation-list context, runs the utility library's protected clean-ups. */

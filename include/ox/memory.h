@@ -16,20 +16,25 @@ OX_API void *oxReallocEx(void *block, kwSize size);
 OX_API void oxFreeEx(void *block); /* null is ignored */
 
 /* Checked layer: as raw, but a failed request for a non-zero size calls the out-of-memory
-   listener, which raises error 18 once the allocation-list manager is installed. */
+   listener, which raises error 18 once the allocation-list manager is installed; before, they
+   answer null. */
 OX_API void *oxMallocExCheck(kwSize size);
 OX_API void *oxCallocExCheck(kwSize count, kwSize size);
 OX_API void *oxReallocExCheck(void *block, kwSize size);
 
-/* Listed layer: checked, and the block is entered on the allocation list, so that leaving the
-   context frees what the caller left behind. oxMalloc and its kin are these functions. */
+/* Listed layer: checked (null for a zero size, error 18), and the block is entered on the
+   allocation list, so that leaving the context frees what the caller left behind. oxMalloc and its
+   kin are these functions. */
 OX_API void *oxMallocExAllocList(kwSize size);
 OX_API void *oxCallocExAllocList(kwSize count, kwSize size);
-/* The old block leaves the list and the new one enters it; an unmoved block keeps its entry. */
+/* The old block leaves the list and the new one enters it; an unmoved block keeps its entry. Size
+   0 frees and gives null. When error 18 is raised the old block is freed with its context. */
 OX_API void *oxReallocExAllocList(void *block, kwSize size);
 /* The block leaves the current context and is freed. A block of an enclosing context is freed
    too, but its entry stays: that is the caller's fault. */
 OX_API void oxFreeExAllocList(void *block);
+/* The same four under the names that extension modules use: null for a zero size, otherwise error
+   18 when no memory is left. */
 OX_API void *oxMalloc(kwSize size);
 OX_API void *oxCalloc(kwSize count, kwSize size);
 OX_API void *oxRealloc(void *block, kwSize size);

@@ -111,6 +111,7 @@ OX_API const ox_object_layer *ox_register_object_layer(const ox_object_layer *la
 
 // Creators that go through the layer. Their results are temporaries of the current array-list
 // context; without memory they raise error 18 (before oxInitArrayListManager: return null).
+
 extern "C" {
 // The 0-by-0 array of a class; raises "VELTRO:objectLayerMissing" without class information.
 OX_API oxArray *oxCreateOpaqueGiblet(xxInfo *info);

@@ -7,7 +7,7 @@
 OX_BEGIN_C
 
 /* Returned arrays are new temporaries of the current array-list context; raises error 18 when no
-   memory is left. */
+   memory is left. Before oxInitArrayListManager the arrays are the caller's, and null then. */
 
 /* The transpose of a matrix, without conjugation; a real vector shares a's data. When a is square
    and reusable its block is transposed in place and shared. Raises
@@ -43,8 +43,8 @@ OX_API bool oxIsPermutationTrivial(int nlhs, oxArray *plhs[], int nrhs, const ox
 
 /* The dimensions of reshape(a, args...): one size vector (size_as_vector), or nargs scalars of
    which one may be empty, to be computed. Returns *ndims sizes, at least two and without trailing
-   ones beyond, in a block for the caller to oxFree. Raises VELTRO:getReshapeDims:..., or
-   VELTRO:checkDimCommon:..., checkDimRow:... and checkDimScalar:... for arguments that are no
+   ones beyond, in a block for the caller to oxFree, never null. Raises VELTRO:getReshapeDims:...,
+   or VELTRO:checkDimCommon:..., checkDimRow:... and checkDimScalar:... for arguments that are no
    sizes. */
 OX_API kwSize *oxGetReshapeDims(bool size_as_vector, const oxArray *args[], int nargs,
                                 const oxArray *a, kwSize *ndims);

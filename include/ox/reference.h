@@ -13,13 +13,15 @@ OX_BEGIN_C
    shape of the subscript; with several their counts are its dimensions. An imaginary part that is
    all zero is dropped. Elements of cells and structs are shared by reference. Without subscripts
    the result is a shared copy of a. Raises "VELTRO:badsubscript" for positions that are no positive
-   integers or lie outside, error 19 for a result above the size limits, error 18 without memory. */
+   integers or lie outside, error 19 for a result above the size limits, error 18 without memory
+   (before oxInitArrayListManager null). */
 OX_API oxArray *oxSubscriptedReference(const oxArray *a, kwSize nsubs, const oxArray *subs[]);
 /* The same for a struct or object array a: elements with all their fields. */
 OX_API oxArray *oxStructureReference(const oxArray *a, kwSize nsubs, const oxArray *subs[]);
 
 /* How many positions subscript k (one-based) of nsubs selects, where that can be told without
-   converting it; false and 0 for a real numeric subscript. */
+   converting it: for ':', colon objects (raising as oxCountIntColonObj does), masks and text; of a
+   sparse mask all elements count. False, and *count 0, for a real numeric subscript. */
 OX_API bool oxSubsCount(const oxArray *a, const oxArray *sub, kwSize k, kwSize nsubs,
                         kwSize *count);
 

@@ -25,8 +25,8 @@ OX_API oxArray *oxDeserialize(const void *bytes, kwSize length);
 /* The struct that describes a function handle, for saving. Null, after the warning
    "VELTRO:saveNestedFunctionHandle", for a handle to a nested function. */
 OX_API oxArray *oxFunctionHandleToSavedStruct(const oxArray *handle);
-/* The handle in such a struct; an empty 1-by-1 handle for a null struct; null when no function
-   handles are registered. */
+/* The handle in such a struct, a temporary; an empty 1-by-1 handle for a null struct (error 18
+   without memory); null when no function handles are registered. */
 OX_API oxArray *oxSavedStructToFunctionHandle(const oxArray *saved);
 
 OX_END_C

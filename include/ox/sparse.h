@@ -44,13 +44,14 @@ OX_API void ox_inResizeSparseArray(oxArray *dst, oxArray *src);
    VELTRO:badsubscript for a position beyond A, and error 18. */
 OX_API oxArray *oxSparseReference(const oxArray *a, const kwIndex *rows, kwSize nrows,
                                   const kwIndex *cols, kwSize ncols);
-/* A(:): all elements as one column. Raises error 19 when they are more than an array can have. */
+/* A(:): all elements as one column, a new temporary. Raises error 19 when they are more than an
+   array can have, and error 18 (before oxInitArrayListManager null). */
 OX_API oxArray *oxSparseColonReference(const oxArray *a);
 
 /* A(i, j, ...) with as many subscript arrays (one-based numbers, masks, ':' or colon objects) as
    the name says; those beyond the second may hold ones only. On success *result is a new temporary;
    otherwise it is left alone and the status says why. The Scalar forms take the one-based positions
-   themselves. */
+   themselves. They raise error 18, and for colon objects what oxCountIntColonObj raises. */
 OX_API spStatus spRef2(const oxArray *a, const oxArray *const *subs, oxArray **result);
 OX_API spStatus spRef3(const oxArray *a, const oxArray *const *subs, oxArray **result);
 OX_API spStatus spRef4(const oxArray *a, const oxArray *const *subs, oxArray **result);

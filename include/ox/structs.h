@@ -21,7 +21,8 @@ OX_BEGIN_C
 OX_API oxArray *oxCreateStructMatrix_730(kwSize m, kwSize n, int nfields, const char **names);
 OX_API oxArray *oxCreateStructArray_730(kwSize ndim, const kwSize *dims, int nfields,
                                         const char **names);
-/* n-by-1 with the fields file, name (char) and line (double): the stack of an error. */
+/* n-by-1 with the fields file, name (char) and line (double) from the three lists of n: the stack
+   of an error. A temporary; without memory error 18, or null as above. */
 OX_API oxArray *oxCreateStackStruct(kwSize n, const char *const *file, const char *const *name,
                                     const double *line);
 
@@ -41,8 +42,9 @@ OX_API int oxGetFieldNumber(const oxArray *a, const char *name);    /* -1 when t
    is no field. */
 OX_API oxArray *oxGetFieldByNumber_730(const oxArray *a, kwSize i, int n);
 OX_API oxArray *oxGetField_730(const oxArray *a, kwSize i, const char *name);
-/* The struct takes v over, or another array that shares its data and is then stored instead. The
-   previous value is not released: destroy it first. oxSetField does not notice a name that is no
+/* The struct takes v over, or another array that shares its data and is then stored instead; raises
+   error 18 when that must be made and no memory is left. The previous value is not released:
+   destroy it first. oxSetField does not notice a name that is no
    field and overwrites the last field of the element before: add the field first. */
 OX_API void oxSetFieldByNumber_730(oxArray *a, kwSize i, int n, oxArray *v);
 OX_API void oxSetField_730(oxArray *a, kwSize i, const char *name, oxArray *v);
@@ -55,8 +57,8 @@ OX_API void oxSetField_730(oxArray *a, kwSize i, const char *name, oxArray *v);
 OX_API int oxAddField(oxArray *a, const char *name);
 /* The same with a checked name: raises VELTRO:AddField:InvalidFieldName, or error 18 for -1. */
 OX_API void oxAddFieldToStruct(oxArray *a, const char *name);
-/* Removes field n; its values become temporaries of the current array-list context. Nothing happens
-   for other classes and numbers out of range. */
+/* Removes field n; its values become temporaries of the current array-list context (error 18 when
+   that cannot grow). Nothing happens for other classes and numbers out of range. */
 OX_API void oxRemoveField(oxArray *a, int n);
 
 /* The name table and the slots, for code that walks them. Slot i * fields + n is field n of element
@@ -91,10 +93,15 @@ OX_API void oxSetPropertyShared(oxArray *a, kwSize index, const char *name, cons
 
 /* --- Builtins ----------------------------------------------------------------------------- */
 
-/* plhs[0] = struct2cell(prhs[0]): a cell of size [fields, dimensions], sharing the values. */
+/* plhs[0] = struct2cell(prhs[0]): a cell of size [fields, dimensions], sharing the values; a
+   temporary. Raises errors 3, 1 and 2 for wrong counts of arguments,
+   VELTRO:UndefinedFunction for what is no struct, and error 18. */
 OX_API void oxStruct2cell(int nlhs, oxArray *plhs[], int nrhs, const oxArray *prhs[]);
 /* plhs[0] = cell2struct(cell, names, d): dimension d (1 when not given) of the cell becomes the
-   fields; names are a cell of strings or the rows of a char matrix. */
+   fields; names are a cell of strings or the rows of a char matrix. A temporary that shares the
+   values. Raises errors 3, 2 and 1 for wrong counts of arguments, 15 for wrong classes,
+   VELTRO:Cell2Struct:DimensionNumber, NumberOfNamesMismatch, NonStringFieldNames, NonStringVector,
+   Non2DCharArray and InvalidFieldName, VELTRO:DuplicateFieldName, and error 18. */
 OX_API void oxCell2struct(int nlhs, oxArray *plhs[], int nrhs, const oxArray *prhs[]);
 
 OX_END_C

@@ -37,11 +37,12 @@ OX_API OX_NORETURN void oxHandleAmbiguousArrayGrowth(const char *arrayName);
    Raises and warns under "VELTRO:colon:...". */
 OX_API oxClassID oxGetColonArgs(int nargs, const oxArray *args[], double out[4]);
 /* Checks operand values against the class of the range and completes them in place: two values
-   first, last become first, 1, last (so values has room for three). */
+   first, last become first, 1, last (so values has room for three). Raises
+   "VELTRO:colon:scalarDoubleMustBeIntegerValued" and "VELTRO:colon:OutOfRange". */
 OX_API void oxGetColonArgValues(int nargs, double values[], oxClassID cls);
 /* A new colon object; classes char to uint32 hold first and last cut towards zero, for int64 and
-   uint64 the caller writes the record. oxCreateColonObj makes one of class double. Null without
-   memory, or for a class that has no colon objects, before the array-list manager is there. */
+   uint64 the caller writes the record. oxCreateColonObj makes one of class double. Null for a class
+   that has no colon objects; without memory error 18, or null before oxInitArrayListManager. */
 OX_API oxArray *oxCreateColonObject(double first, double step, double last, oxClassID cls);
 OX_API oxArray *oxCreateColonObj(double first, double step, double last);
 /* Stores first, step, last. */
@@ -58,13 +59,15 @@ OX_API double oxColonop_size(double first, double step, double last, oxClassID c
 OX_API void oxColonop_fill_with_doubles(double *dst, kwSize n, double first, double step,
                                         double last);
 /* The range as a new 1-by-n array of the class; oxIntColonop for char and the integer classes.
-   Raises error 19 above the size limits and 18 without memory. */
+   Null for a class that has no ranges. Raises error 19 above the size limits and 18 without memory.
+ */
 OX_API oxArray *oxColonop(double first, double step, double last, oxClassID cls);
 OX_API oxArray *oxIntColonop(double first, double step, double last, oxClassID cls);
-/* The range as positions in a block from oxMalloc that the caller frees; null when *count is 0. */
+/* The range as positions in a block from oxMalloc that the caller frees; null when *count is 0.
+   Raises "VELTRO:colon:nonFiniteEndpoint", and error 18. */
 OX_API int64_t *oxSignedIndexColonop(double first, double step, double last, kwSize *count);
 /* Replaces a colon object by the array that it stands for, in the same header, and returns it;
-   other arrays are returned as they are. */
+   other arrays are returned as they are; never null. Raises errors 19 and 18. */
 OX_API oxArray *oxExpandColonObj(oxArray *a);
 
 OX_END_C

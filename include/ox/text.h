@@ -77,7 +77,8 @@ OX_API oxChar *oxCreateUTF16CStrFromArray(const oxArray *a, void *(*alloc)(kwSiz
 OX_API char **oxCharMatrixToStrings(const oxArray *a);
 OX_API char **oxCharMatrixToStrings_UTF8(const oxArray *a);
 OX_API oxChar **oxCharMatrixToStrings_UTF16(const oxArray *a);
-/* The same with list and rows from alloc; release frees what alloc gave. */
+/* The same with list and rows from alloc; release frees what alloc gave. Null as above, and when
+   alloc answers null for the list. */
 OX_API char **oxCreateCStrArrayFromMatrix(const oxArray *a, void *(*alloc)(kwSize),
                                           void (*release)(void *));
 OX_API char **oxCreateUTF8CStrArrayFromMatrix(const oxArray *a, void *(*alloc)(kwSize),
