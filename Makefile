@@ -1,16 +1,17 @@
 # Words for the everyday work; each is a script under scripts/, and CMake with its presets does the rest.
-.PHONY: help demo check bench fuzz format setup clean
+.PHONY: help demo check bench docs fuzz format setup clean
 
 help:
 	@echo "make demo     build the library and the vel tool, run the example modules on real data"
 	@echo "make check    format, layers, headers, and every test, plain and under the sanitizers"
 	@echo "make bench    the benchmarks, as one table of ratios to the practical limit"
+	@echo "make docs     the reference of the public headers, as pages"
 	@echo "make fuzz     each fuzz target for FUZZ_SECONDS seconds (60)"
 	@echo "make format   lay the sources out as .clang-format says"
 	@echo "make setup    install the Debian packages that are missing (the words above do it themselves)"
 	@echo "make clean    remove what was built"
 
-demo check bench fuzz format:
+demo check bench docs fuzz format:
 	@scripts/$@.sh
 
 setup:

@@ -47,5 +47,7 @@ if(TARGET vel)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/vel.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/ox COMPONENT tools)
 endif()
 
+# The pages of the reference (`make docs`) go with the texts if they have been made.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
-  FILES_MATCHING PATTERN "*.md")
+  FILES_MATCHING PATTERN "*.md" PATTERN doxygen EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc OPTIONAL)

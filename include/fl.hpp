@@ -8,6 +8,7 @@
 
 #include <cstddef>
 
+/// Marks what the library exports.
 #if defined(_WIN32)
 #if defined(FL_BUILDING)
 #define FL_API __declspec(dllexport)

@@ -11,6 +11,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* Marks what the library exports. */
 #if defined(_WIN32)
 #if defined(UT_BUILDING)
 #define UT_API __declspec(dllexport)
@@ -21,6 +22,7 @@
 #define UT_API __attribute__((visibility("default")))
 #endif
 
+/* Marks functions that always raise. */
 #ifdef __cplusplus
 #define UT_NORETURN [[noreturn]]
 typedef char16_t utChar16; /* a UTF-16 code unit */
@@ -56,6 +58,7 @@ UT_API size_t utLiveBlocks(void);
 
 /* ---- Error context: clean-ups that a raise runs ---- */
 
+/** The registered clean-ups. */
 typedef struct utErrorContext utErrorContext;
 /** The process-wide context; never null. */
 UT_API utErrorContext *utGetErrorContext(void);
@@ -110,6 +113,7 @@ UT_API void utResetFPU(void);
 
 /* ---- Warning manager ---- */
 
+/** The warning manager: statuses by identifier, modes, the last warning. */
 typedef struct utWarnCtx utWarnCtx;
 enum { UT_WARNING_RECORDED = 0, UT_WARNING_SHOWN = 1, UT_WARNING_ERROR = 2 };
 enum {

@@ -22,6 +22,7 @@ public:
     simple_exception &operator=(const simple_exception &other) noexcept;
     ~simple_exception() override;
 
+    /// The texts, never null; what() is the message.
     const char *identifier() const noexcept;
     const char *message() const noexcept;
     const char *what() const noexcept override { return message(); }

@@ -34,9 +34,9 @@ function end_comment() {
     pending = bare(comment)
     in_comment = 0
     if (pending ~ /---/) {
-        gsub(/-{2,} *| *-{2,}/, "", pending)
+        gsub(/--+ *| *--+/, "", pending)
         if (named) show("/** @} */")
-        show("/** @name " quoted(pending) " @{ */")
+        show("/** @name " quoted(pending) "\n@{ */")
         named = 1
         if (!headed) filewide = filewide " " family
         headed = 1
@@ -95,17 +95,24 @@ statement == "" && /^[ \t]*$/ {
     show("")
     next
 }
-statement == "" && /^[ \t]*#/ {
+in_macro || statement == "" && /^[ \t]*#/ {
+    if (in_macro) show($0)
+    continued = in_macro
+    in_macro = /\\$/
+    if (continued) next
     if (!started && pending != "") { # The file's first comment stands right above its first line.
         filewide = pending
         pending = ""
     }
     started = started || /^#include|^#define/
-    if (/^#define/ && pending != "") own = pending
-    if (/^#define/ && own != "") doc(own)
+    if (pending != "") own = pending
     pending = ""
-    show($0)
-    if (/\\$/) in_macro = 1
+    text = $0
+    if (/^#define/) {
+        if (own != "") doc(own)
+        sub(/[ \t]*\/\*[^*<]/, " /**< ", text)
+    }
+    show(text)
     next
 }
 
@@ -116,15 +123,14 @@ statement == "" && /^[ \t]*#/ {
         pending = trailing = ""
         line = FNR
         exported = /(^|[ \t(])(OX|UT|FL)_API[ \t]/ && !/class|struct [A-Za-z_]* \{/
-        scope = /^[ \t]*(typedef )?(class|struct|enum|union|namespace|extern "C").*\{[^}]*$/
+        scope = /^[ \t]*(typedef |template<.*> )?(class|struct|enum|union|namespace|extern "C").*\{[^}]*$/
         closes = /^[ \t]*\}/
         if (!closes && !/^[ \t]*(public|private|protected):/ && !/^(OX_BEGIN_C|OX_END_C|extern|namespace)/ &&
             !($0 ~ /^[ \t]*\/\//))
             doc(own)
-        if (/^OX_END_C/ && named) { show("/** @} */"); named = 0 }
     }
     text = $0
-    if (match($0, /(;|,|\{|[A-Za-z0-9_])[ \t]*(\/\*[^*]|\/\/ )/) && $0 !~ /^[ \t]*\/\//) {
+    if (match($0, /(;|,|\{|\}|[A-Za-z0-9_])[ \t]*(\/\*[^*]|\/\/ )/) && $0 !~ /^[ \t]*\/\//) {
         behind = substr($0, RSTART + RLENGTH)
         trailing = behind
         if (index($0, "/*") && !/\*\//) in_trailing = 1
@@ -156,3 +162,5 @@ statement == "" && /^[ \t]*#/ {
         end_statement()
     }
 }
+
+END { if (named) show("/** @} */") }

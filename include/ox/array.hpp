@@ -73,6 +73,7 @@ struct oxArray_tag {
     OX_API static void *operator new(std::size_t size) noexcept;
     OX_API static void operator delete(void *header) noexcept;
 
+    // The stored code.
     oxArrayType get_array_type() const { return class_code; }
     oxArrayType get_type() const { return class_code; }
     // The class id: the stored code, or the answer of the class layer for opaque and object.
@@ -81,7 +82,7 @@ struct oxArray_tag {
     }
     OX_API oxClassID _get_class_id_non_trivial() const;
 
-    kwSize get_number_of_dims() const { return ndims; }
+    kwSize get_number_of_dims() const { return ndims; } // at least 2
     // One size per dimension; the pointer holds until the dimensions change.
     const kwSize *get_dimensions() const {
         if (is_indexing_opaque()) _complete_opaque_dimensions(const_cast<oxArray_tag *>(this));
@@ -94,6 +95,7 @@ struct oxArray_tag {
         return count;
     }
 
+    // The words of the record, read and stored as they are.
     void *get_pdata() const { return num.pdata; }
     void set_pdata(void *p) { num.pdata = p; }
     void *get_pimag_data() const { return num.pimag; }
@@ -139,6 +141,7 @@ struct oxArray_tag {
     OX_API std::string to_string() const;
     OX_API std::string to_utf8_string() const;
 
+    // Flags, and what they and the links say.
     bool has_flag(uint32_t flag) const { return (flag_word & flag) != 0; }
     void set_flag(uint32_t flag, bool on) { flag_word = on ? flag_word | flag : flag_word & ~flag; }
     void set_private_data(bool on) { set_flag(oxFLAG_PRIVATE_DATA, on); }
@@ -150,6 +153,7 @@ struct oxArray_tag {
     // The imaginary part was announced by oxMarkImagData but has no block yet.
     OX_API bool is_imag_marked() const;
 
+    // One bit for each of shape, complexity and density; the last one gives all three.
     oxArray_attributes get_shape_attr() const;
     oxArray_attributes get_complexity_attr() const {
         return has_flag(oxFLAG_NUMERIC) && num.pimag ? oxATTR_COMPLEX : oxATTR_REAL;

@@ -90,7 +90,7 @@ typedef int32_t oxErrorMode;
 
 /* The record of the last error; one is current at a time. oxInitErrorState makes one ready. */
 typedef struct oxErrorState_tag {
-    oxErrorMode mode;
+    oxErrorMode mode;           /* 0: raising leaves this record alone */
     char *message;              /* owned, NUL-terminated, or null */
     kwSize message_capacity;    /* bytes */
     char *identifier;           /* owned, NUL-terminated, or null */

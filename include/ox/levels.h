@@ -8,6 +8,7 @@
 
 #include <ox/types.h>
 
+/* The level of this module: 730 or 700. */
 #if !defined(OX_API_LEVEL)
 #define OX_API_LEVEL 730
 #endif

@@ -4,18 +4,20 @@
 
 #include <ox/types.h>
 
+/* Exports the entry point, whatever else the module hides. */
+#if defined(_WIN32)
+#define OX_MODULE_ENTRY __declspec(dllexport)
+#else
+#define OX_MODULE_ENTRY __attribute__((visibility("default")))
+#endif
+
 OX_BEGIN_C
 
 /* Every extension module defines this function; the interpreter calls it. prhs holds the nrhs
    inputs, which belong to the caller and must not be changed; plhs takes the outputs: nlhs were
    asked for, and plhs[0] may be set even when none was. The interpreter keeps the outputs; every
    other array and every listed block that the call made and left behind is reclaimed. */
-#if defined(_WIN32)
-__declspec(dllexport)
-#else
-__attribute__((visibility("default")))
-#endif
-    void vexFunction(int nlhs, oxArray *plhs[], int nrhs, const oxArray *prhs[]);
+OX_MODULE_ENTRY void vexFunction(int nlhs, oxArray *plhs[], int nrhs, const oxArray *prhs[]);
 
 OX_END_C
 

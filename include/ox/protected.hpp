@@ -8,6 +8,7 @@
 // static void free(T *) for an owner's end.
 template<class T, class Policy> class Protected_cptr {
 public:
+    // Null; p, owned or not; as o.
     Protected_cptr() = default;
     Protected_cptr(T *p, bool owns) : owns_(owns), p_(p) {}
     Protected_cptr(const Protected_cptr &o) : owns_(o.owns_), p_(o.duplicate()) {}
@@ -31,6 +32,7 @@ public:
         return *this;
     }
 
+    // The pointer, which stays here.
     T *get() const { return p_; }
     operator T *() const { return p_; }
     T *operator->() const { return p_; }
@@ -50,6 +52,7 @@ public:
     }
 
 protected:
+    // For classes that are made from this one.
     bool owns() const { return owns_; }
     void replace(T *p) { p_ = p; } // the owner's pointer became another one
 
@@ -63,6 +66,7 @@ private:
 // Copies are references; the end of an owner drops one.
 class OX_API Protected_oxArray_helper {
 public:
+    // One reference more; one less.
     static oxArray *copy(oxArray *a);
     static void free(oxArray *a);
 };
@@ -70,6 +74,7 @@ public:
 // Holds an array; one that it owns is no temporary any more (its scope becomes 0).
 class OX_API Protected_oxArray : public Protected_cptr<oxArray_tag, Protected_oxArray_helper> {
 public:
+    // As Protected_cptr's; an owner ends the array's life as a temporary.
     Protected_oxArray() = default;
     Protected_oxArray(oxArray *a, bool owns);
     Protected_oxArray(const Protected_oxArray &o);

@@ -87,31 +87,31 @@ typedef int64_t (*oiFtellFcn)(FILE *f);
 
 /* One stream. Callers read it; they change it through the functions below. */
 typedef struct oiStreamRec_tag {
-    uint16_t indicator; /* oiNATIVE_INDICATOR or oiSWAPPED_INDICATOR */
-    uint16_t version;   /* oiNATIVE_VERSION or oiSWAPPED_VERSION */
-    uint64_t offset;    /* current byte position in the carrier */
-    uint64_t capacity;  /* buffer streams: bytes in the buffer */
-    uint32_t flags;
-    uint64_t size; /* as given at creation: bytes of the buffer, or the caller's word */
-    void *handle;  /* the FILE, or the buffer */
-    oiReserveFcn reserve;
-    oiReadFcn read;
-    oiWriteFcn write;
-    oiFwriteFcn fwrite_fcn; /* file streams: the primitives; null otherwise */
-    oiFreadFcn fread_fcn;
-    oiFtellFcn ftell_fcn;
-    oiFseekFcn fseek_fcn;
+    uint16_t indicator;      /* oiNATIVE_INDICATOR or oiSWAPPED_INDICATOR */
+    uint16_t version;        /* oiNATIVE_VERSION or oiSWAPPED_VERSION */
+    uint64_t offset;         /* current byte position in the carrier */
+    uint64_t capacity;       /* buffer streams: bytes in the buffer */
+    uint32_t flags;          /* oiFILE ... */
+    uint64_t size;           /* as given at creation: bytes of the buffer, or the caller's word */
+    void *handle;            /* the FILE, or the buffer */
+    oiReserveFcn reserve;    /* makes room */
+    oiReadFcn read;          /* moves bytes out of the carrier */
+    oiWriteFcn write;        /* moves bytes into it */
+    oiFwriteFcn fwrite_fcn;  /* file streams: the primitives; null otherwise */
+    oiFreadFcn fread_fcn;    /* reads */
+    oiFtellFcn ftell_fcn;    /* tells the position */
+    oiFseekFcn fseek_fcn;    /* moves to one */
     uint32_t last_operation; /* file streams: 1 after a read, 2 after a write, 0 after a seek */
     void *(*allocate)(kwSize count, kwSize size); /* for item data; zero-filled */
-    void (*free)(void *block);
-    uint64_t *flag_words; /* array flags of the element being read */
-    uint64_t flag_inline[2];
-    uint64_t *dim_words; /* its dimensions: dim_inline, or a block freed after the element */
-    uint64_t dim_inline[6];
-    char *name; /* its name */
-    char name_inline[64];
-    oxArray *subsystem; /* see oiSetSubsystemData */
-    struct gzipString_tag *gzip;
+    void (*free)(void *block);                    /* frees what allocate gave */
+    uint64_t *flag_words;                         /* array flags of the element being read */
+    uint64_t flag_inline[2];                      /* room for them */
+    uint64_t *dim_words;    /* its dimensions: dim_inline, or a block freed after the element */
+    uint64_t dim_inline[6]; /* room for most */
+    char *name;             /* its name */
+    char name_inline[64];   /* room for it */
+    oxArray *subsystem;     /* see oiSetSubsystemData */
+    struct gzipString_tag *gzip; /* the compressor; null for buffer streams */
     /* The library's own. */
     uint64_t position;      /* file streams: where the carrier stands */
     uint64_t physical;      /* default reserve: bytes allocated */

@@ -8,6 +8,7 @@
 #include <stdint.h>
 #include <stdio.h>
 
+/* Marks what the library exports; OX_STATIC is for programs that link its objects. */
 #if defined(_WIN32)
 #if defined(OX_BUILDING)
 #define OX_API __declspec(dllexport)
@@ -20,12 +21,14 @@
 #define OX_API __attribute__((visibility("default")))
 #endif
 
+/* Marks functions that always raise. */
 #if defined(__GNUC__)
 #define OX_NORETURN __attribute__((noreturn))
 #else
 #define OX_NORETURN
 #endif
 
+/* Enclose declarations with C linkage. */
 #if defined(__cplusplus)
 #define OX_BEGIN_C extern "C" {
 #define OX_END_C }
