@@ -20,8 +20,9 @@ typedef enum {
 
 /* New m-by-n sparse arrays without stored elements and with room for nzmax (at least 1): a
    temporary of the current array-list context. Unlike the other creators these return null when
-   no memory is left, and raise nothing. The class of oxCreateSparseNumericMatrix is not checked;
-   classes that are not numeric get no imaginary part. */
+   no memory is left; only an array list that cannot grow raises error 18. The class of
+   oxCreateSparseNumericMatrix is not checked; classes that are not numeric get no imaginary part.
+ */
 OX_API oxArray *oxCreateSparse_730(kwSize m, kwSize n, kwSize nzmax, oxComplexity c);
 OX_API oxArray *oxCreateSparseNumericMatrix(kwSize m, kwSize n, kwSize nzmax, oxClassID id,
                                             oxComplexity c);
