@@ -47,7 +47,11 @@ if(TARGET vel)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/vel.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/ox COMPONENT tools)
 endif()
 
-# The pages of the reference (`make docs`) go with the texts if they have been made.
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
-  FILES_MATCHING PATTERN "*.md" PATTERN doxygen EXCLUDE)
+# What users read: the guide and the formats, the examples, and the pages of the reference (`make docs`)
+# if they have been made. The other texts are about the source tree.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/guide DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+install(FILES ${PROJECT_SOURCE_DIR}/docs/element-format.md ${PROJECT_SOURCE_DIR}/docs/vel-file.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
+  PATTERN CMakeLists.txt EXCLUDE)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc OPTIONAL)

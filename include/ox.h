@@ -1,4 +1,4 @@
-/* The array library: everything with C linkage. C99 and C++17. */
+/* The array library: everything with C linkage. C99 and C++17. One thread calls it, no other. */
 #ifndef OX_H
 #define OX_H
 
