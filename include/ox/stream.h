@@ -117,7 +117,6 @@ typedef struct oiStreamRec_tag {
     uint64_t physical;      /* default reserve: bytes allocated */
     unsigned char *staging; /* gathers small pieces; null until needed */
     uint32_t compact;       /* doubles are stored in the smallest integer type that holds them */
-    uint32_t packed;        /* reads and writes go through the compressor */
 } oiStreamRec_tag;
 
 /* --- Creation and disposal ----------------------------------------------------------------- */
@@ -195,7 +194,8 @@ typedef struct gzipString_tag gzipString_tag;
 /* Made idle (null without memory), and freed; null is ignored. */
 OX_API gzipString_tag *oiNewGzipString(void);
 OX_API void oiDeallocateGzipString(gzipString_tag *g);
-/* The compressor of a stream; null for buffer streams. */
+/* The compressor of a stream; null for buffer streams. While it is at work, also when a caller
+   started it, the stream's bytes go through it and its offset stays. */
 OX_API gzipString_tag *oiGetGzipString(const oiStreamRec_tag *s);
 
 /* Starts compressing at the file's position: -1, or 0 on failure. */

@@ -1,11 +1,17 @@
 // Moving bytes between a stream and its carrier, whatever that is.
 #pragma once
 #include <ox/stream.h>
+#include <stream/gzip_string.h>
 #include <stream/tag.h>
 
 namespace ox {
 
 inline bool is_file(const oiStreamRec_tag *s) { return (s->flags & (oiFILE | oiSEQUENTIAL)) != 0; }
+// Whether the compressor stands between the stream and its file: for an element of the stream's own
+// or because the caller started it.
+inline bool is_packed(const oiStreamRec_tag *s) {
+    return is_compressing(s->gzip) || is_decompressing(s->gzip);
+}
 inline FILE *file_of(const oiStreamRec_tag *s) { return static_cast<FILE *>(s->handle); }
 
 // A zero-filled record of the kind with defaults in place and options and byte order checked and

@@ -1,7 +1,6 @@
 // The stdio carrier that can seek: positions, the turn between reading and writing, length.
 #include <core/tuning.h>
 #include <stream/carrier.h>
-#include <stream/gzip_string.h>
 
 #include <algorithm>
 
@@ -34,7 +33,7 @@ kwSize pack(oiStreamRec_tag *s, const void *src, kwSize n) {
 }
 
 kwSize file_read(oiStreamRec_tag *s, void *dst, kwSize n) {
-    if (s->packed) return unpack(s, dst, n);
+    if (is_packed(s)) return unpack(s, dst, n);
     if (!turn_to(s, Operation::read)) return 0;
     const kwSize moved = s->fread_fcn(dst, 1, n, file_of(s));
     s->position += moved;
@@ -42,7 +41,7 @@ kwSize file_read(oiStreamRec_tag *s, void *dst, kwSize n) {
 }
 
 kwSize file_write(oiStreamRec_tag *s, const void *src, kwSize n) {
-    if (s->packed) return pack(s, src, n);
+    if (is_packed(s)) return pack(s, src, n);
     if (!turn_to(s, Operation::write)) return 0;
     const kwSize moved = s->fwrite_fcn(src, 1, n, file_of(s));
     s->position += moved;
@@ -66,7 +65,7 @@ bool turn_to(oiStreamRec_tag *s, Operation operation) {
 }
 
 bool carrier_settle(oiStreamRec_tag *s) {
-    if (!(s->flags & oiFILE) || s->packed || s->offset == s->position) return true;
+    if (!(s->flags & oiFILE) || is_packed(s) || s->offset == s->position) return true;
     if (s->offset > INT64_MAX || !seek_to(s, static_cast<int64_t>(s->offset), SEEK_SET))
         return false;
     s->position = s->offset;
@@ -78,7 +77,7 @@ Backing carrier_backing(oiStreamRec_tag *s, kwSize n) {
         const kwSize left = s->offset < s->capacity ? s->capacity - s->offset : 0;
         return n <= left ? Backing::enough : Backing::too_few;
     }
-    if (!(s->flags & oiFILE) || s->packed || n < tuning::ask_length_bytes) return Backing::none;
+    if (!(s->flags & oiFILE) || is_packed(s) || n < tuning::ask_length_bytes) return Backing::none;
     if (!turn_to(s, Operation::read) || !seek_to(s, 0, SEEK_END)) return Backing::none;
     const int64_t end = s->ftell_fcn(file_of(s));
     if (!seek_to(s, static_cast<int64_t>(s->position), SEEK_SET)) return Backing::too_few;

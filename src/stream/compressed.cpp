@@ -1,13 +1,10 @@
 // Elements inside compressed ones: the way in and out of the compressor.
-#include <stream/gzip_string.h>
 #include <stream/items.h>
 
 namespace ox {
 namespace {
 
 constexpr uint64_t nowhere = ~uint64_t{0}; // no position, so that the next move seeks
-
-enum : uint32_t { reading_packed = 1, writing_packed = 2 };
 
 // The tag that encloses what was compressed, at the place kept for it.
 bool write_outer_tag(oiStreamRec_tag *s, uint64_t count) {
@@ -24,9 +21,7 @@ int32_t pack_item(oiStreamRec_tag *s, const Outgoing &o, int32_t *length) {
     if (tag_form(s).wide && !carrier_write(s, zeros, sizeof zeros)) return oiSHORT_WRITE;
     if (!turn_to(s, Operation::write)) return oiSHORT_WRITE;
     if (gzipStringWriteInit(s->gzip, file_of(s)) == 0) return oiREFUSED;
-    s->packed = writing_packed;
     const int32_t status = write_item(s, o, s->offset);
-    s->packed = 0;
     *length = gzipStringWriteClose(s->gzip);
     if (status != oiSUCCESS) return status;
     return *length < 0 ? oiBAD_ELEMENT : oiSUCCESS;
@@ -51,12 +46,11 @@ int32_t put_packed(oiStreamRec_tag *s, const oiItem_tag *item, kwSize offset) {
 } // namespace
 
 int32_t begin_unpacking(oiStreamRec_tag *s, uint64_t length) {
-    if (!s->gzip) return oiREFUSED;
+    if (!s->gzip || is_packed(s)) return oiREFUSED;
     if (length > INT32_MAX) return oiBAD_ELEMENT;
     if (!turn_to(s, Operation::read)) return oiSHORT_READ;
     if (gzipStringReadInit(s->gzip, file_of(s), static_cast<int32_t>(length)) == 0)
         return oiREFUSED;
-    s->packed = reading_packed;
     return oiSUCCESS;
 }
 
@@ -64,7 +58,6 @@ int32_t begin_unpacking(oiStreamRec_tag *s, uint64_t length) {
 int32_t end_unpacking(oiStreamRec_tag *s) {
     const uint64_t consumed = s->gzip->consumed, left = s->gzip->byte_count - consumed;
     gzipStringReadClose(s->gzip);
-    s->packed = 0;
     s->offset += consumed;
     s->position += consumed;
     return carrier_skip(s, left) ? oiSUCCESS : oiSHORT_READ;
@@ -81,7 +74,8 @@ int32_t oiPutItemAtCurrentOffsetWrapper(oiStreamRec_tag *s, const oiItem_tag *it
 }
 
 int32_t oiPutItemAtOffsetWrapper(oiStreamRec_tag *s, const oiItem_tag *item, kwSize offset) {
-    const bool packs = (s->flags & oiCOMPRESS) && (s->flags & oiFILE) && item->type == oiMATRIX;
+    const bool packs =
+        (s->flags & oiCOMPRESS) && (s->flags & oiFILE) && item->type == oiMATRIX && !is_packed(s);
     return packs ? put_packed(s, item, offset) : oiPutItem(s, item, &offset);
 }
 

@@ -59,7 +59,7 @@ int32_t write_item(oiStreamRec_tag *s, const Outgoing &o, kwSize offset) {
     Output out(s);
     if (!out.begin(form.element_size(o.bytes))) return oiREFUSED;
     const int32_t status = write_data(s, out, o);
-    if (!out.finish()) return s->packed ? oiBAD_ELEMENT : oiSHORT_WRITE;
+    if (!out.finish()) return is_packed(s) ? oiBAD_ELEMENT : oiSHORT_WRITE;
     return status;
 }
 

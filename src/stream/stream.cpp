@@ -12,7 +12,7 @@ namespace {
 
 // Whether the offset moves with the bytes: those of a compressed element are not the carrier's.
 void advance(oiStreamRec_tag *s, kwSize n) {
-    if (!s->packed) s->offset += n;
+    if (!is_packed(s)) s->offset += n;
 }
 
 } // namespace
@@ -74,7 +74,7 @@ bool carrier_skip(oiStreamRec_tag *s, kwSize n) {
         s->offset = n > ~s->offset ? ~uint64_t{0} : s->offset + n;
         return true;
     }
-    if ((s->flags & oiFILE) && !s->packed)
+    if ((s->flags & oiFILE) && !is_packed(s))
         return n <= INT64_MAX - std::min<uint64_t>(s->offset, INT64_MAX) &&
                carrier_move(s, s->offset + n);
     unsigned char *room = staging_of(s);

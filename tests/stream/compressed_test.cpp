@@ -185,6 +185,18 @@ TEST_F(Compressed, OnlyArraysAndOnlyWhereTheStreamSeeks) {
     moved = 0;
     EXPECT_EQ(oiGetItem(counted, &array, 0), oiSUCCESS);
     EXPECT_EQ(moved, counted->offset);
+    // They go through its compressor also when the caller starts that.
+    gzipString_tag *g = oiGetGzipString(counted);
+    rewind(file_);
+    gzipStringWriteInit(g, file_);
+    array.data = const_cast<oxArray *>(a);
+    EXPECT_EQ(oiPutItem(counted, &array, nullptr), oiSUCCESS);
+    const int32_t length = gzipStringWriteClose(g);
+    EXPECT_EQ(ftell(file_), length + 8);
+    fseek(file_, 8, SEEK_SET);
+    gzipStringReadInit(g, file_, length);
+    EXPECT_EQ(oiGetCurrentItem(counted, &array), oiSUCCESS);
+    EXPECT_EQ(gzipStringReadSoFar(g), 64u);
     oiDisposeFileStream(counted);
 
     TestStream s({Carrier::file, false, oiCOMPRESS});
