@@ -9,6 +9,8 @@ namespace {
 
 constexpr size_t picture_rows = 24 * 4, picture_columns = 40 * 2; // dots
 
+constexpr size_t least_width = 8; // dots
+
 // Dots of one character, four rows by two columns: their bits, and the shade each needs to be lit.
 constexpr unsigned bit_of[4][2] = {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}};
 constexpr double threshold[4][2] = {
@@ -56,11 +58,18 @@ Counts count_pattern(const oxArray *a, size_t most_rows, size_t most_columns) {
     const size_t m = oxGetM(a), n = oxGetN(a);
     const kwIndex *ir = oxGetIr(a), *jc = oxGetJc(a);
     const auto bins = [](size_t size, size_t bin) { return size / bin + (size % bin != 0); };
-    const size_t bin = std::max({size_t{1}, bins(m, most_rows), bins(n, most_columns)});
-    Counts counts{bins(m, bin), bins(n, bin), bin, {}};
+    const size_t rows = std::max<size_t>(1, bins(m, most_rows)),
+                 columns = std::max<size_t>(1, bins(n, most_columns)),
+                 square = std::max(rows, columns);
+    const auto narrow = [&](size_t size) { return bins(size, square) < least_width; };
+    Counts counts;
+    counts.block_rows = narrow(m) ? rows : square;
+    counts.block_columns = narrow(n) ? columns : square;
+    counts.m = bins(m, counts.block_rows), counts.n = bins(n, counts.block_columns);
     counts.of.resize(counts.m * counts.n);
     for (size_t j = 0; j < n; ++j)
-        for (size_t k = jc[j]; k < jc[j + 1]; ++k) ++counts.of[ir[k] / bin * counts.n + j / bin];
+        for (size_t k = jc[j]; k < jc[j + 1]; ++k)
+            ++counts.of[ir[k] / counts.block_rows * counts.n + j / counts.block_columns];
     return counts;
 }
 
@@ -100,7 +109,9 @@ Json to_json(const Counts &counts) {
         rows.push_back(Json::array());
         for (size_t j = 0; j < counts.n; ++j) rows.back().push_back(counts.of[i * counts.n + j]);
     }
-    return {{"kind", "pattern"}, {"block", {counts.block, counts.block}}, {"counts", rows}};
+    return {{"kind", "pattern"},
+            {"block", {json_integer(counts.block_rows), json_integer(counts.block_columns)}},
+            {"counts", rows}};
 }
 
 std::vector<std::string> picture_of_pattern(const oxArray *a) {

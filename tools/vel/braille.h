@@ -13,12 +13,12 @@ namespace vel {
 // Counts of something in the bins of an m-by-n grid, stored by rows.
 struct Counts {
     size_t m = 0, n = 0;
-    size_t block = 1; // rows and columns in a bin
+    size_t block_rows = 1, block_columns = 1; // in a bin
     std::vector<size_t> of;
 };
 
-// Stored entries of a sparse array, binned alike in both directions into most_rows by most_columns
-// bins at most. Nothing is expanded.
+// Stored entries of a sparse array in most_rows by most_columns bins at most, square ones unless
+// the array is so long that they would leave a mere line of it. Nothing is expanded.
 Counts count_pattern(const oxArray *a, size_t most_rows, size_t most_columns);
 
 // A line of text for every four rows. The share of lit dots follows the logarithm of the count, so

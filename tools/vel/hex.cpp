@@ -35,6 +35,7 @@ public:
         tag(t, tags.tag_size(), level);
         if (t.small) return;
         if (t.type == oiMATRIX) {
+            if (level > Limits().depth) tags.fail(t.offset, "", "nested too deep to be shown");
             const uint64_t outer = tags.end(), end = tags.at() + t.count;
             tags.set_end(end);
             while (tags.at() < end) element(in, tags, level + 1);
