@@ -50,6 +50,37 @@ TEST_F(Pictures, LookAsDrawn) {
     }
 }
 
+// Nothing is expanded, whatever the size; what cannot be drawn is said.
+TEST_F(Pictures, UnusualArrays) {
+    const std::string head = "%%MatrixMarket matrix coordinate real general\n";
+    write("huge.mtx", head + "1000000000000 1000000 2\n1 1 1\n1000000000000 1000000 1\n");
+    write("none.mtx", head + "9 9 0\n");
+    ASSERT_EQ(run("vel save t.vel \"t='abc'\"").status, 0);
+    write("cut.vel", bytes_of("t.vel").substr(0, 90));
+    const std::string dot = "\xE2\xA0\x81", corner = "\xE2\xA2\x80", none = "\xE2\xA0\x80";
+    const struct {
+        const char *line;
+        int status;
+        std::string out;
+    } cases[] = {
+        {"vel plot huge.mtx --width 20 | sed -n '2p;$p' | cut -c 1-3,58-60", 0,
+         dot + none + "\n" + none + corner + "\n"},
+        {"vel plot huge.mtx -o huge.png && vel plot none.mtx -o none.png", 0, ""},
+        {"vel plot none.mtx | tail -1", 0, none + none + none + none + none + "\n"},
+        {"vel plot '[nan inf]' | sed -n 2p", 0, "????????????????\n"},
+        {"vel plot \"''\" 2>&1", 1, "vel: '': there is nothing to draw: char 0x0\n"},
+        {"vel plot t.vel:t -o t.png --color=pink 2>/dev/null", 2, ""},
+        {"vel show cut.vel --hex 2>&1", 1,
+         "vel: cut.vel: offset 64: expected at most 18 bytes of data, found a count of 48\n"},
+        {"vel show t.vel z --hex 2>&1", 1, "vel: t.vel: there is no 'z'\n"},
+    };
+    for (const auto &c : cases) {
+        const Outcome o = run(std::string("export LC_ALL=C; ") + c.line);
+        EXPECT_EQ(o.status, c.status) << c.line;
+        EXPECT_EQ(o.out, c.out) << c.line;
+    }
+}
+
 TEST_F(Pictures, PngHoldsTheSameDots) {
     ASSERT_EQ(run("vel plot '[0 1;2 3]' -o m.png && vel plot $DATA/west0067.mtx -o w.png && "
                   "vel plot '[0 1;2 3]' -o no/x.png 2>/dev/null")
