@@ -79,6 +79,7 @@ const char *const rows_of_classes[][3] = {
     {"sparse double 2x2: (0,1)=3", "2 1 3", "sparse double 2x2: (1,0)=3"},
     {"1 2; 3 4", "sparse double 1x2: (0,0)=2 (0,1)=1", "1 3; 2 4"},
     {"1 2", "1.4 2.2", "1 2"}, // rounded: the identity
+    {"1 2; 3 4", "1.5 0.5", "1 3; 2 4"},
     {"int64 1x2: 1 2", "1 2", "int64 1x2: 1 2"}, // the identity comes before the class
     {"opaque 1x2: 1 2", "1 2 3", "opaque 1x2: 1 2"},
 };

@@ -132,16 +132,19 @@ TEST_F(SparseReference, KernelsAnswerWithAStatus) {
 
 // Both ways of reshaping give the same answer; the second never forms m * n.
 TEST_F(SparseReference, ReshapeOfHugeShapesAgreesWithTheDirectWay) {
-    kwIndex jc[] = {0, 1, 2}, ir[] = {3, 0}, new_jc[5] = {0, 9, 9, 9, 9};
-    oxReshapeSparse(4, 2, jc, ir, 2, 4, new_jc);
+    kwIndex jc[] = {0, 1, 2}, ir[] = {3, 0};
+    Positions starts = {0, 9, 9, 9, 9, 9}; // one more than there are
+    oxReshapeSparse(4, 2, jc, ir, 2, 4, starts.data());
     EXPECT_EQ(Positions(ir, ir + 2), (Positions{1, 0}));
-    EXPECT_EQ(Positions(new_jc, new_jc + 5), (Positions{0, 0, 1, 2, 2}));
+    EXPECT_EQ(starts, (Positions{0, 0, 1, 2, 2, 9}));
 
     const kwSize m = kwSize{1} << 60;
-    kwIndex huge_jc[] = {0, 2, 3}, huge_ir[] = {5, m - 1, 7}, out[9] = {0, 9, 9, 9, 9, 9, 9, 9, 9};
-    oxReshapeSparse(m, 2, huge_jc, huge_ir, m / 4, 8, out);
+    kwIndex huge_jc[] = {0, 2, 3}, huge_ir[] = {5, m - 1, 7};
+    starts.assign(10, 9);
+    starts[0] = 0;
+    oxReshapeSparse(m, 2, huge_jc, huge_ir, m / 4, 8, starts.data());
     EXPECT_EQ(Positions(huge_ir, huge_ir + 3), (Positions{5, m / 4 - 1, 7}));
-    EXPECT_EQ(Positions(out, out + 9), (Positions{0, 1, 1, 1, 2, 3, 3, 3, 3}));
+    EXPECT_EQ(starts, (Positions{0, 1, 1, 1, 2, 3, 3, 3, 3, 9}));
 }
 
 TEST_F(SparseReference, ResizeTakesTemporariesAndCopiesTheRest) {
