@@ -130,8 +130,8 @@ OX_API bool oxIsFinite(double x);
 
 /* --- Re-typing in place ----------------------------------------------------------------- */
 
-/* Releases what the header holds and makes it 1-by-1 of the class without data; all flags are
-   cleared, scope and reference count stay. */
+/* Releases what the header holds and makes it 1-by-1 of the class without data, with the flags that
+   go with that and no others; scope and reference count stay. */
 OX_API void oxReInitArray2Type(oxArray *a, oxClassID id);
 OX_API void oxReInitArray2ScalarDouble(oxArray *a);
 

@@ -69,11 +69,11 @@ OX_API oxArray *oxUnshareEx(oxArray *a);
    each with one owner more. */
 OX_API oxArray *oxUnshareShallow(oxArray *a);
 OX_API oxArray *oxUnshareShallowEx(oxArray *a);
-/* Unshares a whose header the caller knows to stay the same. Deliberate: true means that it failed.
- */
+/* Unshares a whose header the caller knows to stay the same. Deliberate: true means that it failed,
+   which is seen before oxInitArrayListManager only, as failures raise afterwards. */
 OX_API bool oxUnshareArray(oxArray *a, int shallow);
-/* Leaves the storage to a alone; the former sharers get one common copy. Returns 0, or 1 when no
-   memory is left. */
+/* Leaves the storage to a alone; the former sharers get one common copy. Returns 0, or where no
+   memory is left 1 before oxInitArrayListManager. */
 OX_API int oxUnshareOtherArrays(oxArray *a);
 /* Leaves the storage to a alone; the former sharers become empty (no data, no rows). Returns the
    header that followed a in the ring, null when there was none. */

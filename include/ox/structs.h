@@ -57,8 +57,10 @@ OX_API void oxSetField_730(oxArray *a, kwSize i, const char *name, oxArray *v);
 OX_API int oxAddField(oxArray *a, const char *name);
 /* The same with a checked name: raises VELTRO:AddField:InvalidFieldName, or error 18 for -1. */
 OX_API void oxAddFieldToStruct(oxArray *a, const char *name);
-/* Removes field n; its values become temporaries of the current array-list context (error 18 when
-   that cannot grow). Nothing happens for other classes and numbers out of range. */
+/* Removes field n; its values become temporaries of the current array-list context, except that one
+   which another container counts as its own loses a reference. Nothing happens for other classes
+   and numbers out of range. Raises error 18 when the list cannot grow, or when the names are shared
+   and no memory is left for others; nothing has changed in the latter case. */
 OX_API void oxRemoveField(oxArray *a, int n);
 
 /* The name table and the slots, for code that walks them. Slot i * fields + n is field n of element
@@ -71,7 +73,7 @@ OX_API void oxSetFields(oxArray *a, oxArray **slots);
 /* --- Object data -------------------------------------------------------------------------- */
 
 /* Makes a struct an object of the named class and clears its checksum: 0. Refused for other
-   classes and where the object tag is set: 1. */
+   classes, where the object tag is set, and without memory for the name: 1. */
 OX_API int oxSetClassName(oxArray *a, const char *name);
 /* Plain access. The setter stores the pointer: the name must live as long as the process. */
 OX_API const char *oxGetObjectClassName(const oxArray *a);

@@ -15,7 +15,8 @@ OX_BEGIN_C
    indices null), -1 for ':' over an extent of 0. *indices is a block from oxMalloc with *count
    entries, each the one-based position minus one plus base, which the caller frees; for ':' it is
    null. *maxPosition is one-based whatever base. Positions are not compared with the extent.
-   Raises "VELTRO:badsubscript" for what is not a positive integer. *subscript is not changed.
+   Raises "VELTRO:badsubscript" for what is not a positive integer, for colon objects as
+   oxCountIntColonObj does, and error 18. *subscript is not changed.
    Signed integer classes are read as unsigned bit patterns: int8(-1) is position 255. */
 OX_API int oxConvertToIndex(const oxArray **subscript, kwSize extent, int base, kwSize *count,
                             kwSize *maxPosition, kwIndex **indices);

@@ -47,14 +47,15 @@ OX_API int oxGetString_730(const oxArray *a, char *buf, kwSize buflen);
 OX_API int oxGetString_UTF8(const oxArray *a, char *buf, kwSize buflen);
 /* All n units are copied, whatever buflen says: the buffer must have room for them. Then a NUL unit
    follows at n, or at buflen - 1 when n >= buflen. Returns 1 when n < buflen, else 0: the opposite
-   sense of the byte forms. An array that is null or not char: nothing is written, 1 unless buflen
-   is 0. */
+   sense of the byte forms. A null buffer or buflen 0: nothing is written, 0. An array that is null
+   or not char: nothing is written, 1 unless buflen is 0. */
 OX_API int oxGetString_UTF16(const oxArray *a, oxChar *buf, kwSize buflen);
 /* The string as at most buflen bytes, and a NUL if there is room left. Nothing happens for a null
    buffer, buflen 0, or an array that is null or not char. */
 OX_API void oxGetNChars_730(const oxArray *a, char *buf, kwSize buflen);
 OX_API void oxGetNChars_UTF8(const oxArray *a, char *buf, kwSize buflen);
-/* All n units are copied, whatever buflen says, and a NUL unit at n when n < buflen. */
+/* All n units are copied, whatever buflen says, and a NUL unit at n when n < buflen. Nothing
+   happens for a null buffer, or an array that is null or not char. */
 OX_API void oxGetNChars_UTF16(const oxArray *a, oxChar *buf, kwSize buflen);
 
 /* --- Reading into new blocks -------------------------------------------------------------- */
@@ -89,8 +90,8 @@ OX_API oxChar **oxCreateUTF16CStrArrayFromMatrix(const oxArray *a, void *(*alloc
 /* --- Other forms -------------------------------------------------------------------------- */
 
 /* All elements as local bytes in a new uint8 array: 1-by-L for a row; for any other array L rows
-   by its second dimension, only the first L elements filled. Null for an array that is null, not
-   char or empty. */
+   by its second dimension, only the first L elements filled. A temporary; without memory error 18.
+   Null for an array that is null, not char or empty. */
 OX_API oxArray *oxArrayToByteChars(const oxArray *a);
 /* Overwrites the first units of a with a local text, without terminator; the dimensions stay. The
    number of units that the text takes: when that is more than a has, a is unchanged. 0 when str is
