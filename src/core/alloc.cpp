@@ -16,15 +16,13 @@ using Listener = void (*)();
 constinit Listener out_of_memory_listener = nullptr;
 
 // A manager that raises leaves the choice open, so that the next call asks again.
-[[gnu::noinline]] void choose() {
-    heap = fl::manager::instance().mode() == utility_mode ? nullptr : &fl::aligned_heap::instance();
+[[gnu::noinline]] fl::aligned_heap *choose() {
+    if (!asked && fl::manager::instance().mode() != utility_mode)
+        heap = &fl::aligned_heap::instance();
     asked = true;
-}
-inline fl::aligned_heap *chosen_heap() {
-    if (!asked) [[unlikely]]
-        choose();
     return heap;
 }
+inline fl::aligned_heap *chosen_heap() { return heap ? heap : choose(); }
 
 [[gnu::cold]] void report_out_of_memory() {
     if (out_of_memory_listener) out_of_memory_listener();
@@ -33,7 +31,10 @@ inline fl::aligned_heap *chosen_heap() {
 } // namespace
 
 bool uses_utility_allocator() { return chosen_heap() == nullptr; }
-void reset_allocator_choice() { asked = false; }
+void reset_allocator_choice() {
+    heap = nullptr;
+    asked = false;
+}
 void check_block(void *block) {
     if (fl::aligned_heap *h = chosen_heap()) h->check(block);
 }

@@ -8,6 +8,11 @@ namespace ox {
 // Deliberate: a size of 0 anywhere forgives every overflow before it; an empty array fits.
 bool check_size(const kwSize *dims, kwSize ndim, kwSize element_size, kwSize *count);
 inline bool check_size(kwSize m, kwSize n, kwSize element_size, kwSize *count) {
+    constexpr kwSize small = kwSize{1} << 19;
+    if ((m | n) < small && element_size <= 256) { // far from every limit: scalars come this way
+        *count = m * n;
+        return true;
+    }
     const kwSize dims[2] = {m, n};
     return check_size(dims, 2, element_size, count);
 }
