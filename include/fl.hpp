@@ -53,8 +53,8 @@ private:
 /// is null. Sizes are in bytes and never 0; a request above 2^40 bytes answers null at once.
 ///
 /// Three ranges: up to 1 KiB from size-class free lists, then the C library's malloc, and from
-/// 1 MiB on page blocks that are kept when freed. Kept memory is bounded (`set_kept_limit`) and is
-/// given back before any allocation is refused. In sanitizer builds every block is one malloc.
+/// 128 KiB on page blocks that are kept when freed. Kept memory is bounded (`set_kept_limit`) and
+/// is given back before any allocation is refused. In sanitizer builds every block is one malloc.
 class FL_API aligned_heap {
 public:
     /// The process-wide heap. Never fails; usable before and after static initialisation.

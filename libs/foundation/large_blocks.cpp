@@ -2,12 +2,11 @@
 #include "foundation/large_blocks.h"
 #include "foundation/pages.h"
 
-#include <bit>
 #include <cstdlib>
 
 namespace fl {
 
-// Class c holds capacities of 2^(20 + c / 8) * (1 + (c % 8) / 8).
+// Class c holds capacities of smallest * 2^(c / 8) * (1 + (c % 8) / 8).
 std::size_t LargeBlocks::capacity_of(std::size_t cls) {
     return (smallest / steps * (steps + cls % steps)) << cls / steps;
 }
@@ -17,7 +16,8 @@ std::size_t LargeBlocks::class_for(std::size_t size) {
     const auto doubling =
         static_cast<std::size_t>(std::bit_width(size - 1)) - 1; // 2^doubling < size
     const std::size_t step = (std::size_t{1} << doubling) / steps;
-    return (doubling - 20) * steps + (size - (std::size_t{1} << doubling) + step - 1) / step;
+    return (doubling - first_doubling) * steps +
+           (size - (std::size_t{1} << doubling) + step - 1) / step;
 }
 
 LargeBlocks::Block *&LargeBlocks::bucket(const void *start) const {

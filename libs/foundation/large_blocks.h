@@ -1,6 +1,7 @@
-// Large blocks: mappings of 1 MiB and more that are kept when freed, because the first touch of
+// Large blocks: mappings of 128 KiB and more that are kept when freed, because the first touch of
 // fresh pages costs several times the work that is usually done on them.
 #pragma once
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -8,8 +9,9 @@ namespace fl {
 
 class LargeBlocks {
 public:
-    static constexpr std::size_t smallest = std::size_t{1}
-                                            << 20; // bytes of the smallest large block
+    // Bytes of the smallest large block. From here on the C library maps and unmaps blocks too, or
+    // trims its heap behind them, and pays for their first touch again and again.
+    static constexpr std::size_t smallest = std::size_t{128} << 10;
 
     // What is known of one block, used or kept.
     struct Block {
@@ -45,7 +47,8 @@ public:
 private:
     static constexpr std::size_t bucket_count = 4096;
     static constexpr std::size_t steps = 8; // size classes per doubling: at most an eighth is slack
-    static constexpr std::size_t class_count = (41 - 20) * steps + 1;
+    static constexpr std::size_t first_doubling = std::bit_width(smallest) - 1;
+    static constexpr std::size_t class_count = (41 - first_doubling) * steps + 1;
     static constexpr std::size_t unknown_limit = SIZE_MAX;
 
     struct Kept {
