@@ -3,6 +3,7 @@
 #include <core/dispatch.h>
 #include <core/imaginary.h>
 #include <errors/raise.h>
+#include <sparse/row_filter.h>
 #include <sparse/row_reference.h>
 #include <sparse/scratch.h>
 #include <sparse/storage/csc.h>
@@ -14,16 +15,12 @@
 namespace ox {
 namespace {
 
-// The distinct rows of a request, increasing, with the positions that ask for each. Nearly every
-// other row is turned away by one bit of a small table.
+// The distinct rows of a request, increasing, with the positions that ask for each.
 class WantedRows {
 public:
     explicit WantedRows(const RowChoice &rows)
         : order_(scratch<kwIndex>(3 * rows.count)), rows_(order_.get() + rows.count),
-          runs_(rows_ + rows.count),
-          shift_(64 - std::max(least_bits, 4 + static_cast<int>(std::bit_width(rows.count | 1)))),
-          filter_(RawArray<uint8_t>::zeroed(kwSize{1} << (64 - shift_))) {
-        if (!filter_) raise_out_of_memory();
+          runs_(rows_ + rows.count), filter_(rows.count) {
         for (kwSize i = 0; i < rows.count; ++i) order_[i] = i;
         if (!rows.increasing)
             std::sort(order_.get(), rows_, [&](kwIndex x, kwIndex y) {
@@ -38,14 +35,10 @@ public:
     // Calls f(position, k) for each position that asks for the row of a stored element
     // k0 <= k < k1, in the order of the elements.
     template<class F> void scan(const kwIndex *ir, kwIndex k0, kwIndex k1, F &&f) const {
-        kwIndex k = k0;
-        for (; k + 8 <= k1; k += 8) {
-            uint8_t any = 0;
-            for (kwIndex i = 0; i < 8; ++i) any |= maybe(ir[k + i]);
-            if (any) [[unlikely]]
-                for (kwIndex i = 0; i < 8; ++i) emit_if_wanted(ir, k + i, f);
+        for (kwIndex k = filter_.find(ir, k0, k1); k < k1; k = filter_.find(ir, k + 1, k1)) {
+            const kwIndex *at = std::lower_bound(rows_, rows_ + count_, ir[k]);
+            if (at != rows_ + count_ && *at == ir[k]) emit(static_cast<kwSize>(at - rows_), k, f);
         }
-        for (; k < k1; ++k) emit_if_wanted(ir, k, f);
     }
 
     // The same for one column, by looking every wanted row up in it.
@@ -61,31 +54,20 @@ public:
     }
 
 private:
-    static constexpr int least_bits = 14;
-
     void add(kwIndex row, kwSize i) {
         if (count_ && rows_[count_ - 1] == row) return;
         rows_[count_] = row;
         runs_[count_++] = i;
-        filter_[hash(row)] = 1;
+        filter_.add(row);
     }
-    kwSize hash(kwIndex row) const { return row * 0x9e3779b97f4a7c15 >> shift_; }
-    uint8_t maybe(kwIndex row) const { return filter_[hash(row)]; }
 
     template<class F> void emit(kwSize u, kwIndex k, F &&f) const {
         for (kwIndex i = runs_[u]; i < runs_[u + 1]; ++i) f(order_[i], k);
     }
-    template<class F> void emit_if_wanted(const kwIndex *ir, kwIndex k, F &&f) const {
-        if (!maybe(ir[k])) return;
-        const kwIndex *at = std::lower_bound(rows_, rows_ + count_, ir[k]);
-        if (at != rows_ + count_ && *at == ir[k]) emit(static_cast<kwSize>(at - rows_), k, f);
-    }
-
     RawArray<kwIndex> order_; // positions by row, then by position; rows_ and runs_ stand behind
     kwIndex *rows_, *runs_;   // the positions of rows_[u]: order_[runs_[u] .. runs_[u+1]-1]
     kwSize count_ = 0;
-    int shift_;
-    RawArray<uint8_t> filter_;
+    RowFilter filter_;
 };
 
 // An element of B: its column, its row, and which element of A it is.
