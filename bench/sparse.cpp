@@ -1,91 +1,14 @@
 // Sparse reference, assignment and transpose beside memcpy of the result's row indices and values.
-//
-// grid: the 5-point pattern on a 1000-by-1000 grid, five neighbouring elements a column of 1e6.
-// r1e6, r1e7: random 1e6-by-1e5 with that many elements. They are made when a case first needs one.
 #include <benchmark/benchmark.h>
 #include <ox.h>
+#include <sparse_cases.h>
 
-#include <algorithm>
-#include <cstdint>
 #include <cstring>
-#include <functional>
-#include <memory>
 #include <numeric>
-#include <string>
-#include <vector>
 
 namespace {
 
-using List = std::vector<kwIndex>;
-
-uint64_t random_bits() {
-    static uint64_t x = 88172645463325252u;
-    x ^= x << 13;
-    x ^= x >> 7;
-    return x ^= x << 17;
-}
-
-oxArray *make(kwSize m, kwSize n, const List &jc, const List &ir) {
-    oxArray *a = oxCreateSparse(m, n, ir.size(), oxREAL);
-    std::copy(jc.begin(), jc.end(), oxGetJc(a));
-    std::copy(ir.begin(), ir.end(), oxGetIr(a));
-    for (std::size_t k = 0; k < ir.size(); ++k) oxGetPr(a)[k] = 1 + static_cast<double>(k % 7);
-    return a;
-}
-
-oxArray *make_grid(kwSize side) {
-    const kwSize n = side * side;
-    List jc{0}, ir;
-    for (kwSize j = 0; j < n; ++j) {
-        const kwSize x = j % side, y = j / side;
-        if (y > 0) ir.push_back(j - side);
-        if (x > 0) ir.push_back(j - 1);
-        ir.push_back(j);
-        if (x + 1 < side) ir.push_back(j + 1);
-        if (y + 1 < side) ir.push_back(j + side);
-        jc.push_back(ir.size());
-    }
-    return make(n, n, jc, ir);
-}
-
-List random_column(kwSize m, std::size_t count) {
-    List rows(count);
-    for (kwIndex &r : rows) r = random_bits() % m;
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    return rows;
-}
-
-oxArray *make_random(kwSize m, kwSize n, std::size_t nnz) {
-    List jc{0}, ir;
-    for (kwSize j = 0; j < n; ++j) {
-        const List rows = random_column(m, nnz / n);
-        ir.insert(ir.end(), rows.begin(), rows.end());
-        jc.push_back(ir.size());
-    }
-    return make(m, n, jc, ir);
-}
-
-const oxArray *matrix(const std::string &name) {
-    static oxArray *grid = nullptr, *r1e6 = nullptr, *r1e7 = nullptr;
-    oxArray *&a = name == "grid" ? grid : name == "r1e6" ? r1e6 : r1e7;
-    if (!a)
-        a = name == "grid" ? make_grid(1000)
-                           : make_random(1000000, 100000, name == "r1e6" ? 1000000 : 10000000);
-    return a;
-}
-
-List range(kwIndex first, std::size_t count) {
-    List list(count);
-    std::iota(list.begin(), list.end(), first);
-    return list;
-}
-
-List permutation(std::size_t count) {
-    List list = range(0, count);
-    for (std::size_t k = count; k > 1; --k) std::swap(list[k - 1], list[random_bits() % k]);
-    return list;
-}
+using namespace sparse_cases;
 
 kwSize stored(const oxArray *a) { return oxGetNumNonZeroEl(a); }
 
@@ -97,32 +20,25 @@ void copy_limit(benchmark::State &state, std::size_t bytes) {
     }
 }
 
-// One reference; empty lists mean all rows or all columns.
-struct Request {
-    List rows, columns;
+oxArray *reference(const oxArray *a, const Request &r) {
+    return oxSparseReference(a, r.rows.empty() ? nullptr : r.rows.data(), r.rows.size(),
+                             r.columns.empty() ? nullptr : r.columns.data(), r.columns.size());
+}
 
-    oxArray *of(const oxArray *a) const {
-        return oxSparseReference(a, rows.empty() ? nullptr : rows.data(), rows.size(),
-                                 columns.empty() ? nullptr : columns.data(), columns.size());
-    }
-};
-
-using MakeRequest = std::function<Request(kwSize m, kwSize n)>;
-
-void reference(benchmark::State &state, const std::string &name, const MakeRequest &request) {
+void run_reference(benchmark::State &state, const std::string &name, const Case &c) {
     const oxArray *a = matrix(name);
-    const Request r = request(oxGetM(a), oxGetN(a));
+    const Request r = c.of(oxGetM(a), oxGetN(a));
     for (auto _ : state) {
-        oxArray *b = r.of(a);
+        oxArray *b = reference(a, r);
         benchmark::DoNotOptimize(b);
         oxDestroyArray(b);
     }
 }
 
 // Copies as many bytes as the result stores.
-void reference_limit(benchmark::State &state, const std::string &name, const MakeRequest &request) {
+void reference_limit(benchmark::State &state, const std::string &name, const Case &c) {
     const oxArray *a = matrix(name);
-    oxArray *b = request(oxGetM(a), oxGetN(a)).of(a);
+    oxArray *b = reference(a, c.of(oxGetM(a), oxGetN(a)));
     const kwSize nnz = stored(b);
     oxDestroyArray(b);
     copy_limit(state, nnz * 16);
@@ -169,7 +85,8 @@ void append(benchmark::State &state, kwSize n) {
 // Twenty columns all over r1e6 become longer, and in the next round shorter: the tails move.
 void replace(benchmark::State &state) {
     oxArray *s = oxCreateDeepCopy(matrix("r1e6")), *at = oxCreateDoubleScalar(1);
-    oxArray *content[] = {column(1000000, range(0, 12)), column(1000000, range(0, 10))};
+    oxArray *content[] = {column(1000000, range(0, replaced[0])),
+                          column(1000000, range(0, replaced[1]))};
     int64_t round = 0;
     for (auto _ : state) {
         for (int k = 0; k < 20; ++k) {
@@ -185,54 +102,17 @@ const bool registered = [] {
     const auto add = [](const std::string &name, auto run) {
         benchmark::RegisterBenchmark(("sparse_" + name).c_str(), run);
     };
-    const MakeRequest all = [](kwSize, kwSize) { return Request{}; };
-    const std::pair<const char *, MakeRequest> requests[] = {
-        {"columns_range",
-         [](kwSize, kwSize n) {
-             return Request{{}, range(n / 3, n / 10)};
-         }},
-        {"columns_random",
-         [](kwSize, kwSize n) {
-             List columns = permutation(n);
-             columns.resize(n / 10);
-             return Request{{}, columns};
-         }},
-        {"block_100x100",
-         [](kwSize m, kwSize n) {
-             List rows = range(0, 100);
-             for (kwIndex &r : rows) r = r * 9973 % m;
-             std::sort(rows.begin(), rows.end());
-             return Request{rows, range(n / 2, 100)};
-         }},
-        {"rows_permuted",
-         [](kwSize m, kwSize) {
-             return Request{permutation(m), {}};
-         }},
-        {"rows_repeated",
-         [](kwSize m, kwSize) {
-             List rows = permutation(m);
-             rows.resize(m / 2);
-             for (std::size_t k = 0; k + 1 < rows.size(); k += 2) rows[k] = rows[k + 1];
-             return Request{rows, {}};
-         }},
-    };
-    for (const std::string name : {"grid", "r1e6", "r1e7"}) {
-        for (const auto &[operation, request] : requests) {
-            const std::string path = operation + ("/" + name);
-            add(path + "/limit_memcpy",
-                [=, r = request](benchmark::State &s) { reference_limit(s, name, r); });
-            add(path + "/ox", [=, r = request](benchmark::State &s) { reference(s, name, r); });
+    for (const std::string name : names) {
+        for (const Case &c : references()) {
+            const std::string path = std::string(c.name) + "/" + name;
+            if (c.name == std::string("rows_100"))
+                add(path + "/limit_read", [=](auto &s) { reading_limit(s, name); });
+            else
+                add(path + "/limit_memcpy", [=](auto &s) { reference_limit(s, name, c); });
+            add(path + "/ox", [=](auto &s) { run_reference(s, name, c); });
         }
-        add("rows_100/" + name + "/limit_read", [=](auto &s) { reading_limit(s, name); });
-        add("rows_100/" + name + "/ox", [=](auto &s) {
-            reference(s, name, [](kwSize m, kwSize) {
-                List rows = range(0, 100);
-                for (kwIndex &r : rows) r = r * 9973 % m;
-                std::sort(rows.begin(), rows.end());
-                return Request{rows, {}};
-            });
-        });
-        add("transpose/" + name + "/limit_memcpy", [=](auto &s) { reference_limit(s, name, all); });
+        add("transpose/" + name + "/limit_memcpy",
+            [=](auto &s) { copy_limit(s, stored(matrix(name)) * 16); });
         add("transpose/" + name + "/ox", [=](auto &s) { transpose(s, name); });
     }
     for (const kwSize n : {1000, 10000}) {
