@@ -11,6 +11,7 @@
 #include <sparse/storage/csc.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace ox {
 namespace {
@@ -29,33 +30,50 @@ ColumnChoice choose_columns(const kwIndex *list, kwSize count) {
     return differs ? ColumnChoice{list, count} : ColumnChoice{nullptr, count, list[0]};
 }
 
-// Copies count values; a few of them faster than a call would.
-template<class T> void copy(const T *from, kwSize count, T *to) {
-    if (count > 16)
-        std::copy_n(from, count, to);
-    else
-        for (kwSize i = 0; i < count; ++i) to[i] = from[i];
+// Neighbouring columns are one block.
+template<class T> void copy_block(const oxArray *a, const ColumnChoice &columns, oxArray *b) {
+    const kwIndex *start = a->num.jc + columns.first, k = *start, nnz = start[columns.count] - k;
+    std::copy_n(a->num.ir + k, nnz, b->num.ir);
+    std::copy_n(data<T>(a) + k, nnz, data<T>(b));
+    if (has_imag_block(a)) std::copy_n(imag<T>(a) + k, nnz, imag<T>(b));
+    for (kwSize c = 1; c <= columns.count; ++c) b->num.jc[c] = start[c] - k;
 }
 
-// Neighbouring columns are block copies.
+// Column by column, element by element where they are few: so that the memory is asked for many
+// columns at a time.
 template<class T> void copy_columns(const oxArray *a, const ColumnChoice &columns, oxArray *b) {
-    const kwIndex *jc = a->num.jc;
+    constexpr kwSize few = 16, ahead = 12;
     const bool complex = has_imag_block(a);
-    kwIndex at = 0;
-    columns.for_each_run([&](kwSize c, kwSize end) {
-        const kwIndex *start = jc + columns[c], k = *start, count = start[end - c] - k;
-        copy(a->num.ir + k, count, b->num.ir + at);
-        copy(data<T>(a) + k, count, data<T>(b) + at);
-        if (complex) copy(imag<T>(a) + k, count, imag<T>(b) + at);
-        for (; c < end; ++c) b->num.jc[c + 1] = at + *++start - k;
-        at += count;
-    });
+    const kwIndex *jc = a->num.jc, *ir = a->num.ir;
+    const T *re = data<T>(a), *im = complex ? imag<T>(a) : nullptr;
+    kwIndex *b_ir = b->num.ir, *b_jc = b->num.jc, at = 0;
+    T *b_re = data<T>(b), *b_im = complex ? imag<T>(b) : nullptr;
+    for (kwSize c = 0; c < columns.count; ++c) {
+        if (c + ahead < columns.count) {
+            const kwIndex k = jc[columns.list[c + ahead]];
+            __builtin_prefetch(ir + k);
+            __builtin_prefetch(re + k);
+        }
+        const kwIndex k = jc[columns.list[c]], count = jc[columns.list[c] + 1] - k;
+        if (count > few) {
+            std::memcpy(b_ir + at, ir + k, count * sizeof *ir);
+            std::memcpy(b_re + at, re + k, count * sizeof *re);
+        } else {
+            for (kwIndex i = 0; i < count; ++i) {
+                b_ir[at + i] = ir[k + i];
+                b_re[at + i] = re[k + i];
+            }
+        }
+        if (complex) std::copy_n(im + k, count, b_im + at);
+        b_jc[c + 1] = at += count;
+    }
 }
 
 oxArray *reference_columns(const oxArray *a, const ColumnChoice &columns) {
     oxArray *b = make_reference(a, rows(a), columns.count, stored(a, columns));
-    visit_width(class_info(a->class_code).element_size,
-                [&]<class T>(std::type_identity<T>) { copy_columns<T>(a, columns, b); });
+    visit_width(class_info(a->class_code).element_size, [&]<class T>(std::type_identity<T>) {
+        columns.list ? copy_columns<T>(a, columns, b) : copy_block<T>(a, columns, b);
+    });
     return b;
 }
 
