@@ -50,11 +50,18 @@ fortran)
     sed -nE 's/.*bind\(C, name="([^"]*)"\).*/\1/p' "$root"/fortran/ox_*.inc | sort >"$bound"
     grep -vx OXCREATEFULL "$names" | missing "names without an explicit interface" "$bound" || status=1
     missing "explicit interfaces of no entry point" "$names" <"$bound" || status=1
-    awk '$1 == "external" { print $2 }' "$root/fortran/oxfort.inc" | sort >"$typed"
-    missing "types of no entry point" "$names" <"$typed" || status=1
-    sed -nE 's/^ENTRY\((OX[A-Z0-9]+), [a-z0-9]+, ([^v]|void \*).*/\1/p
-        s/^SIZED\((OX[A-Z0-9]+), [a-z0-9]+, ([^v]|void \*).*/\1\n\1700\n\1730/p' "$def" |
-        grep -vx OXCREATEFULL | missing "functions without a type in oxfort.inc" "$typed" || status=1
+    sed -nE 's/^(ENTRY|SIZED)\((OX[A-Z0-9]+), [a-z0-9]+, ([^,]*), \(/\1|\2|\3|/p' "$def" | awk -F'|' '
+        function say(name, wide) {
+            if ($3 ~ /\*|kwSize/ || ($3 == "Size" && wide)) print "integer*8 " name
+            else if ($3 == "int" || $3 == "Size") print "integer*4 " name
+            else if ($3 == "double") print "real*8 " name
+            else if ($4 ~ /^char \*result/) print "character*64 " name
+        }
+        $2 == "OXCREATEFULL" { next }
+        { say($2, 0) }
+        $1 == "SIZED" { say($2 "700", 0); say($2 "730", 1) }' | sort >"$typed"
+    awk '$2 ~ /^OX/ && $1 != "external" { print $1, $2 }' "$root/fortran/oxfort.inc" | sort |
+        diff "$typed" - || { echo "result types (>) that oxfort.inc should not declare so" && status=1; }
     ;;
 documented)
     # Every function has a comment; one that returns a pointer says when that is null, and one that a
