@@ -10,18 +10,12 @@ namespace {
 
 class Compressed : public HostTest {
 protected:
-    void SetUp() override {
-        HostTest::SetUp();
-        file_ = std::tmpfile();
-        g_ = oiNewGzipString();
-    }
-    void TearDown() override {
+    ~Compressed() override {
         oiDeallocateGzipString(g_);
         fclose(file_);
-        HostTest::TearDown();
     }
-    FILE *file_;
-    gzipString_tag *g_;
+    FILE *file_ = std::tmpfile();
+    gzipString_tag *g_ = oiNewGzipString();
 };
 
 Bytes counting(std::size_t n) {

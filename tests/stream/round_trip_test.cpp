@@ -52,13 +52,13 @@ oxArray *random_sparse(Random &r) {
 oxArray *random_array(Random &r, int depth) {
     std::vector<kwSize> dims(r.chance(0.7) ? 2 : 3 + r.below(5));
     for (kwSize &d : dims) d = r.below(dims.size() > 3 ? 3 : 5);
-    const uint64_t kind = r.below(depth > 0 ? 9 : 6);
+    const uint64_t kind = r.below(depth > 0 ? 11 : 6);
     oxArray *a;
     if (kind == 0) {
         a = random_sparse(r);
     } else if (kind < 6) {
         a = random_full(r, dims.size(), dims.data());
-    } else if (kind == 6) {
+    } else if (kind < 8) {
         const char *names[5] = {"x", "second", "a_very_long_name_of_a_field", "y1", "x"};
         const int fields = static_cast<int>(r.below(6));
         a = oxCreateStructArray(dims.size(), dims.data(), fields, names);
@@ -66,7 +66,7 @@ oxArray *random_array(Random &r, int depth) {
             for (int f = 0; f < fields; ++f)
                 if (r.chance(0.4)) oxSetFieldByNumber(a, k, f, random_array(r, depth - 1));
         if (r.chance(0.3)) oxSetClassName(a, "thing");
-    } else if (kind == 7) {
+    } else if (kind < 10) {
         a = oxCreateCellArray(dims.size(), dims.data());
         for (kwSize k = 0; k < oxGetNumberOfElements(a); ++k)
             if (r.chance(0.5)) oxSetCell(a, k, random_array(r, depth - 1));
