@@ -139,6 +139,10 @@ TEST_F(Convert, SaysWhatIsWrong) {
         {"vel convert wide.npz x.vel", 1,
          "vel: wide.npz: 1000000000 columns take 8000000008 bytes for their starts alone; --force "
          "reads the file nevertheless\n"},
+        {"vel convert t.vel:t x.vel --name 1x", 2,
+         "vel: '1x' is no name for a variable: at most 63 letters, digits and underscores, a "
+         "letter "
+         "first\n"},
         {"vel convert . x.vel", 2, "vel: .: the end of the name says no format that can be read\n"},
         {"vel convert t.vel x.doc", 2,
          "vel: x.doc: the end of the name says no format that can be written\n"},

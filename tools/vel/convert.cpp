@@ -29,7 +29,9 @@ public:
             file_ = open_input(options.in, {.force = options.force});
             names_ = file_->names();
         }
-        if (!options.name.empty() && names_.size() == 1) names_ = {options.name};
+        if (options.name.empty()) return;
+        check_name(options.name);
+        if (names_.size() == 1) names_ = {options.name};
     }
     const oxArray *load(size_t k) override { return value_ ? value_ : file_->load(k); }
 

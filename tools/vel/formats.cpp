@@ -68,7 +68,7 @@ const oxArray *only(Input &in, const std::string &path) {
 void write_vel(Input &in, const std::string &path, const WriteOptions &options) {
     VelWriter writer(path, options.form, options.compress);
     for (size_t k = 0; k < in.names().size(); ++k) {
-        check_name(in.names()[k]);
+        check_name(in.names()[k], Exit::data);
         const Context one;
         writer.put(in.names()[k], in.load(k));
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <cstdio>
 #include <map>
 #include <mutex>
@@ -61,6 +62,9 @@ public:
 
 private:
     void run() {
+        sigset_t all; // they are for the main thread, which may hold them back
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, nullptr);
         std::unique_lock lock(mutex_);
         auto wait = patience;
         bool shown = false;

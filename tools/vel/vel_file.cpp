@@ -1,7 +1,6 @@
 // VEL files through the library's streams.
 #include "vel_file.h"
 
-#include "failure.h"
 #include "paths.h"
 
 #include <algorithm>
@@ -92,11 +91,10 @@ const oxArray *read_place(const std::string &file, const std::string &place) {
                   std::string_view(place).substr(end));
 }
 
-void check_name(const std::string &name) {
+void check_name(const std::string &name, Exit status) {
     if (!oxIsValidVelName(name.c_str()))
-        throw Failure(Exit::usage, "'" + name +
-                                       "' is no name for a variable: at most 63 letters, " +
-                                       "digits and underscores, a letter first");
+        throw Failure(status, "'" + name + "' is no name for a variable: at most 63 letters, " +
+                                  "digits and underscores, a letter first");
 }
 
 } // namespace vel

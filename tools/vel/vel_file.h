@@ -1,5 +1,6 @@
 // VEL files through the library's streams.
 #pragma once
+#include "failure.h"
 #include "output_file.h"
 #include "vel_header.h"
 #include "walk.h"
@@ -50,6 +51,6 @@ private:
 const oxArray *read_place(const std::string &file, const std::string &place);
 
 // Names of variables are at most 63 letters, digits and underscores, a letter first.
-void check_name(const std::string &name);
+void check_name(const std::string &name, Exit status = Exit::usage); // throws Failure
 
 } // namespace vel
