@@ -58,7 +58,9 @@ void release_contents(oxArray *a) {
     if (a->cross_link) leave_ring(a);
     free_dim32(a);
     const bool known = a->class_code > 0 && a->class_code < class_count;
-    if (known && class_ops[a->class_code].release) class_ops[a->class_code].release(a);
+    // Compressed columns own no more than their blocks, whatever class they were given.
+    const auto release = known && !is_sparse(a) ? class_ops[a->class_code].release : nullptr;
+    if (release) release(a);
     if (a->ndims > 2) {
         oxFreeEx(a->dim_vector);
         a->ndims = 2;
