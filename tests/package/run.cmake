@@ -1,5 +1,5 @@
 # Installs into a fresh prefix, builds a module and a program from outside, runs them, moves the prefix, runs again.
-# Variables: BUILD (the build tree to install), SOURCE (this folder), WORK (a scratch folder), CC, CXX, and FC, which may be
+# Variables: BUILD (the build tree to install) or PREFIX (an installed tree to copy), SOURCE (this folder), WORK (a scratch folder), CC, CXX, and FC, which may be
 # empty.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
@@ -11,7 +11,11 @@ function(run)
 endfunction()
 
 file(REMOVE_RECURSE ${WORK})
-run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)
+if(PREFIX)
+  file(COPY ${PREFIX}/ DESTINATION ${WORK}/prefix)
+else()
+  run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)
+endif()
 
 foreach(prefix prefix moved)
   if(prefix STREQUAL moved)
