@@ -75,8 +75,7 @@ int check_owners(const oxArray *a) {
 
 int check_kind(const oxArray *a) {
     const bool chars = a->class_code == oxCHAR_CLASS;
-    if (is_sparse(a) && (a->ndims != 2 || !holds_values(a->class_code) || chars))
-        return rule_sparse;
+    if (is_sparse(a) && a->ndims != 2) return rule_sparse;
     if (a->has_flag(oxFLAG_COLON) && !is_numeric(a) && !chars) return rule_colon;
     if (a->is_indexing_opaque() && a->class_code != oxOPAQUE_CLASS) return rule_indexing_opaque;
     if (a->dim32 && (a->dim32->length < 0 || (a->dim32->length > 0 && !a->dim32->dims)))
@@ -87,6 +86,7 @@ int check_kind(const oxArray *a) {
 // A sparse array that was emptied beside its ring has no data, and vectors that are not its own.
 int check_csc(const oxArray *a) {
     const kwSize m = a->mn[0], n = a->mn[1];
+    if (!holds_values(a->class_code) || a->class_code == oxCHAR_CLASS) return rule_csc_class;
     if (!a->num.pdata) return m == 0 ? rule_none : rule_data;
     if (!a->num.ir || !a->num.jc) return rule_csc_vectors;
     const int broken = broken_csc_rule(m, n, a->num.nzmax, a->num.jc, a->num.ir);
@@ -125,12 +125,13 @@ constexpr const char *texts[] = {
     "the ring leads back to the array",
     "members of a ring hold the same blocks",
     "reusable data have one owner",
-    "sparse arrays are 2-D and hold numbers or truth values",
+    "sparse arrays are 2-D",
     "colon objects hold numbers or characters",
     "only opaque arrays compute their dimensions",
     "the 32-bit dimension cache has its vector",
     "logical and char arrays have no imaginary part",
     "elements have a data block",
+    "sparse arrays hold numbers or truth values",
     "sparse data have index vectors",
     "column starts rise from 0",
     "stored elements fit the capacity",

@@ -18,7 +18,7 @@ enum HeaderRule : int {
     rule_ring,            // the ring leads back to the array, and is not the array alone
     rule_ring_data,       // members of a ring hold the same blocks
     rule_reusable,        // reusable data belong to this header alone, which is not counted
-    rule_sparse,          // sparse: two dimensions, a class that holds numbers or truth values
+    rule_sparse,          // sparse: two dimensions
     rule_colon,           // colon object: a class that holds numbers or characters
     rule_indexing_opaque, // dimensions computed on demand only in class opaque
     rule_dim32,           // the 32-bit dimension cache has the vector that its length promises
@@ -26,6 +26,7 @@ enum HeaderRule : int {
     // Storage.
     rule_no_imaginary, // logical and char arrays have no second word
     rule_data,         // elements have a block
+    rule_csc_class,    // sparse: a class that holds numbers or truth values; creators take any
     rule_csc_vectors,  // sparse data come with row indices and column starts
     rule_csc_starts,   // column starts rise from 0
     rule_csc_count,    // stored elements fit the capacity

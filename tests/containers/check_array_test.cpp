@@ -125,6 +125,7 @@ const struct {
     {rule_no_imaginary, "logical 1x1: 1", [](oxArray &a) { a.num.pimag = &other; }},
     {rule_data, "1 2", [](oxArray &a) { a.num.pdata = nullptr; }},
     {rule_data, "sparse double 3x2: (0,0)=1", [](oxArray &a) { a.num.pdata = nullptr; }},
+    {rule_csc_class, "struct 1x1 a: {}", [](oxArray &a) { a.flag_word |= oxFLAG_SPARSE; }},
     {rule_csc_vectors, "sparse double 3x2: (0,0)=1", [](oxArray &a) { a.num.ir = nullptr; }},
     {rule_csc_vectors, "sparse double 3x2: (0,0)=1", [](oxArray &a) { a.num.jc = nullptr; }},
     {rule_csc_starts, "sparse double 3x2 nzmax 9", [](oxArray &a) { a.num.jc = falling; }},

@@ -1,4 +1,5 @@
 // Sparse references against a full model, and the storage operations under them.
+#include <core/class_table.h>
 #include <core/create.h>
 #include <sparse/reference.h>
 #include <sparse/row_reference.h>
@@ -229,6 +230,24 @@ TEST_F(SparseReference, WholeArraysAgreeWithTheFullModel) {
     }
 }
 
+// Deliberate: the numeric creator takes any class; only one without elements has no sparse form.
+TEST_F(SparseReference, CreatorsTakeEveryClassThatHasElements) {
+    for (int id = oxUNKNOWN_CLASS; id <= oxOBJECT_CLASS; ++id) {
+        oxArray *a = oxCreateSparseNumericMatrix(1, 1, 0, static_cast<oxClassID>(id), oxCOMPLEX);
+        ASSERT_EQ(a != nullptr, ox::class_info(id).element_size > 0) << id;
+        if (!a) continue;
+        EXPECT_TRUE(oxIsSparse(a)) << id;
+        EXPECT_EQ(oxIsComplex(a), oxIsNumeric(a)) << id;
+        EXPECT_EQ(oxGetNzmax(a), 1u);
+        EXPECT_EQ(oxGetJc(a)[1], 0u);
+        EXPECT_FALSE(a->has_flag(oxFLAG_SCALAR_DOUBLE));
+        oxDestroyArray(a);
+    }
+    EXPECT_EQ(oxCreateSparse(1, kwSize{1} << 61, 1, oxREAL), nullptr);
+    EXPECT_EQ(oxCreateSparse(1, ~kwSize{0}, 1, oxREAL), nullptr);
+    EXPECT_EQ(oxCreateSparseLogicalMatrix(1, 1, ~kwSize{0}), nullptr);
+}
+
 TEST_F(SparseReference, FailingAllocations) {
     static const kwIndex r[] = {3, 0, 3}, c[] = {1, 0};
     const std::function<oxArray *(const Arrays &)> calls[] = {
@@ -253,8 +272,12 @@ TEST_F(SparseReference, FailingAllocations) {
         sweep_makes(
             {{"sparse double 5x2: (0,0)=1 (3,1)=5+1i", "sparse double 100x2: (3,1)=5", "2 1", "1"}},
             make);
-    const auto create = [](const Arrays &) { return oxCreateSparse(3, 3, 4, oxCOMPLEX); };
-    sweep({.name = "create", .make = create, .silent = true});
+    const std::function<oxArray *(const Arrays &)> creators[] = {
+        [](const Arrays &) { return oxCreateSparse(3, 3, 4, oxCOMPLEX); },
+        [](const Arrays &) { return oxCreateSparseNumericMatrix(3, 3, 0, oxINT8_CLASS, oxREAL); },
+        [](const Arrays &) { return oxCreateSparseLogicalMatrix(0, 3, 1); },
+    };
+    for (const auto &create : creators) sweep({.name = "create", .make = create, .silent = true});
     sweep_changes({{"sparse double 2x4", "sparse double 4x2: (0,0)=1 (3,1)=5+1i"}},
                   [](auto &in) { ox_inResizeSparseArray(in[0], oxCreateSharedDataCopy(in[1])); });
 }
