@@ -1,99 +1,76 @@
 // Arrays of far more elements than any memory holds: nothing as long as m times n is ever formed.
-#include "support/array_text.h"
-#include "support/expect.h"
-#include "support/host.h"
-#include "support/random.h"
-
-#include <core/array.h>
-#include <ox.hpp>
 #include <sparse/storage/csc.h>
+#include <support/suite.h>
 
 #include <algorithm>
 #include <fstream>
-#include <vector>
 
 #if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
 #include <sys/resource.h>
 #include <unistd.h>
 #endif
 
-namespace ox::test {
 namespace {
 
-// While it lives, the process gets no more than so many further bytes of address space. The
-// sanitizers' own needs are not to be told from the library's, so that it does nothing there.
-class MemoryLimit {
-public:
+// From here on the process gets no more than so many further bytes of address space, until the
+// answer goes. The sanitizers' own needs are not to be told from the library's: not under them.
+std::shared_ptr<void> memory_limit([[maybe_unused]] kwSize bytes) {
 #if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
-    explicit MemoryLimit(kwSize bytes) {
-        kwSize pages = 0;
-        std::ifstream("/proc/self/statm") >> pages;
-        getrlimit(RLIMIT_AS, &old_);
-        rlimit limit = old_;
-        limit.rlim_cur = pages * static_cast<kwSize>(sysconf(_SC_PAGESIZE)) + bytes;
-        EXPECT_TRUE(pages > 0 && setrlimit(RLIMIT_AS, &limit) == 0);
-    }
-    ~MemoryLimit() { setrlimit(RLIMIT_AS, &old_); }
-    MemoryLimit(const MemoryLimit &) = delete;
-    MemoryLimit &operator=(const MemoryLimit &) = delete;
-
-private:
-    rlimit old_{};
+    kwSize pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit old;
+    getrlimit(RLIMIT_AS, &old);
+    rlimit limit = old;
+    limit.rlim_cur = pages * static_cast<kwSize>(sysconf(_SC_PAGESIZE)) + bytes;
+    EXPECT_TRUE(pages > 0 && setrlimit(RLIMIT_AS, &limit) == 0);
+    return {nullptr, [old](void *) { setrlimit(RLIMIT_AS, &old); }};
 #else
-    explicit MemoryLimit(kwSize) {}
+    return nullptr;
 #endif
-};
-
-constexpr kwSize MiB = kwSize{1} << 20;
-
-class HugeSparseTest : public HostTest {
-protected:
-    // `count` elements 1, 2, ... at random places in storage order.
-    oxArray *scattered(kwSize m, kwSize n, kwSize count) {
-        oxArray *a = oxCreateSparse(m, n, count, oxREAL);
-        std::vector<std::pair<kwIndex, kwIndex>> places(count); // column, row
-        for (auto &[j, i] : places) j = random.below(n), i = random.below(m);
-        std::sort(places.begin(), places.end());
-        for (kwSize k = 0; k < count; ++k) {
-            oxGetIr(a)[k] = places[k].second;
-            oxGetPr(a)[k] = static_cast<double>(k + 1);
-            ++oxGetJc(a)[places[k].first + 1];
-        }
-        for (kwSize j = 0; j < n; ++j) oxGetJc(a)[j + 1] += oxGetJc(a)[j];
-        return a;
-    }
-    static void expect_well_formed(const oxArray *a) {
-        EXPECT_EQ(broken_csc_rule(rows(a), cols(a), oxGetNzmax(a), oxGetJc(a), oxGetIr(a)), 0);
-    }
-    static kwIndex column_of(const oxArray *a, kwIndex k) {
-        const kwIndex *jc = oxGetJc(a), *end = jc + cols(a) + 1;
-        return static_cast<kwIndex>(std::upper_bound(jc, end, k) - jc) - 1;
-    }
-    static double element(const oxArray *a, kwIndex i, kwIndex j) {
-        const oxArray *b = oxSparseReference(a, &i, 1, &j, 1);
-        return oxGetNumNonZeroEl(b) ? oxGetPr(b)[0] : 0;
-    }
-    Random random{31};
-};
+}
 
 constexpr kwSize m = 1000000000000, n = 1000000, nnz = 1000; // m * n is beyond 2^48
 
-TEST_F(HugeSparseTest, WorksInMemoryForItsColumnsAndElements) {
+// Elements 1, 2, ... at random places in storage order.
+oxArray *scattered() {
+    Random random{31};
+    oxArray *a = oxCreateSparse(m, n, nnz, oxREAL);
+    std::vector<std::pair<kwIndex, kwIndex>> places(nnz); // column, row
+    for (auto &[j, i] : places) j = random.below(n), i = random.below(m);
+    std::sort(places.begin(), places.end());
+    for (kwSize k = 0; k < nnz; ++k) {
+        oxGetIr(a)[k] = places[k].second;
+        oxGetPr(a)[k] = static_cast<double>(k + 1);
+        ++oxGetJc(a)[places[k].first + 1];
+    }
+    for (kwSize j = 0; j < n; ++j) oxGetJc(a)[j + 1] += oxGetJc(a)[j];
+    return a;
+}
+void expect_well_formed(const oxArray *a) {
+    EXPECT_EQ(broken_csc_rule(rows(a), cols(a), oxGetNzmax(a), oxGetJc(a), oxGetIr(a)), 0);
+}
+double element(const oxArray *a, kwIndex i, kwIndex j) {
+    const oxArray *b = oxSparseReference(a, &i, 1, &j, 1);
+    return oxGetNumNonZeroEl(b) ? oxGetPr(b)[0] : 0;
+}
+
+TEST_F(HostTest, HugeSparseArraysWorkInMemoryForTheirColumnsAndElements) {
     // Beside the column starts of two arrays and the elements of a full row.
-    const MemoryLimit limit(2 * n * 8 + n * 16 + 64 * MiB);
-    oxArray *a = scattered(m, n, nnz);
-    expect_well_formed(a);
+    const auto limit = memory_limit(2 * n * 8 + n * 16 + (kwSize{64} << 20));
+    oxArray *a = scattered();
 
     // References: the columns of some elements, their rows in two orders, their crossings.
     std::vector<kwIndex> i(10), j(10);
-    for (kwSize k = 0; k < 10; ++k) i[k] = oxGetIr(a)[k * 97], j[k] = column_of(a, k * 97);
+    for (kwSize k = 0; k < 10; ++k) {
+        i[k] = oxGetIr(a)[k * 97];
+        const kwIndex *jc = oxGetJc(a);
+        j[k] = static_cast<kwIndex>(std::upper_bound(jc, jc + n + 1, k * 97) - jc) - 1;
+    }
     oxArray *columns = oxSparseReference(a, nullptr, 0, j.data(), 10);
     oxArray *crossings = oxSparseReference(a, i.data(), 10, j.data(), 10);
-    EXPECT_EQ(rows(columns), m);
     std::reverse(i.begin(), i.end());
     oxArray *all_columns = oxSparseReference(a, i.data(), 10, nullptr, 0);
-    EXPECT_EQ(cols(all_columns), n);
-    EXPECT_EQ(oxGetNumNonZeroEl(all_columns), 10u);
+    EXPECT_TRUE(rows(columns) == m && cols(all_columns) == n);
     for (kwIndex k = 0; k < 10; ++k) {
         EXPECT_EQ(element(crossings, k, k), static_cast<double>(k * 97 + 1));
         EXPECT_EQ(element(all_columns, 9 - k, j[k]), static_cast<double>(k * 97 + 1));
@@ -101,14 +78,13 @@ TEST_F(HugeSparseTest, WorksInMemoryForItsColumnsAndElements) {
     EXPECT_RAISES_ENTRY(FPMAXSIZE, oxSparseColonReference(a));
     for (oxArray *x : {columns, crossings, all_columns}) oxDestroyArray(x);
 
-    // The same array on its side, half as tall and twice as wide, and back.
+    // The same array half as tall and twice as wide, and back.
     oxArray *reshaped = oxCreateSparse(0, 0, 1, oxREAL), *back = oxCreateSparse(0, 0, 1, oxREAL);
     const kwSize half[] = {m / 2, 2 * n}, whole[] = {m, n};
     oxSetDimensions(reshaped, half, 2);
     oxSetArrayScope(a, 0); // no temporary, which would be taken apart
     ox_inResizeSparseArray(reshaped, a);
     expect_well_formed(reshaped);
-    EXPECT_EQ(oxGetNumNonZeroEl(reshaped), nnz);
     EXPECT_FALSE(oxAreMatricesEqual(a, reshaped));
     oxSetDimensions(back, whole, 2);
     ox_inResizeSparseArray(back, reshaped);
@@ -123,48 +99,15 @@ TEST_F(HugeSparseTest, WorksInMemoryForItsColumnsAndElements) {
     EXPECT_EQ(set(spAss5, "7", "5"), spOK);
     EXPECT_EQ(set(spAss4, "0", wide), spOK);
     EXPECT_EQ(set(spAss6, "9", "281474976710655"), spOK);
-    expect_well_formed(back);
-    EXPECT_FALSE(oxAreMatricesEqual(a, back));
     EXPECT_EQ(element(back, 4, 0) + element(back, 4, 1) + element(back, 4, n - 2), 14);
     EXPECT_EQ(element(back, 281474976710654 % m, 281474976710654 / m), 9);
     EXPECT_EQ(spAss5(back, nullptr, arr("5")), spOK);
     EXPECT_EQ(spAss4(back, nullptr, arr(wide)), spOK);
     EXPECT_EQ(spAss6(back, nullptr, arr("1")), spTooLarge);
     expect_well_formed(back);
-    EXPECT_EQ(rows(back), m - 1);
-    EXPECT_EQ(cols(back), n - 2);
+    EXPECT_TRUE(rows(back) == m - 1 && cols(back) == n - 2);
     EXPECT_RAISES_ENTRY(FNOMEM, oxMustBeFull(back));
     oxSetArrayScope(a, 4);
 }
 
-TEST_F(HugeSparseTest, TransposesAndJoins) {
-    const kwSize tall = 1000000, wide = 10 * tall;
-    const MemoryLimit limit((wide + 2 * wide) * 8 + 64 * MiB); // array, the widest result
-    oxArray *a = scattered(tall, wide, nnz);
-    oxArray *t = oxTranspose(a), *tt = oxTranspose(t);
-    expect_well_formed(t);
-    EXPECT_EQ(rows(t), wide);
-    EXPECT_TRUE(oxAreMatricesEqual(a, tt));
-    oxDestroyArray(t);
-    oxDestroyArray(tt);
-
-    oxCatContext context{[](oxCatContext *, int, const oxArray **) { return oxDOUBLE_CLASS; },
-                         nullptr};
-    const auto same = [](oxCatContext *, oxClassID, const oxArray *x) { return x; };
-    for (const int form : {oxCAT_VERTICAL, oxCAT_HORIZONTAL}) {
-        const oxArray *both[] = {a, a};
-        oxArray *c = oxCatenateDispatch(form, 2, both, same, &context);
-        expect_well_formed(c);
-        EXPECT_EQ(rows(c), form == oxCAT_VERTICAL ? 2 * tall : tall);
-        EXPECT_EQ(cols(c), form == oxCAT_VERTICAL ? wide : 2 * wide);
-        EXPECT_EQ(oxGetNumNonZeroEl(c), 2 * nnz);
-        const kwIndex down = form == oxCAT_VERTICAL ? tall : 0, right = tall == down ? 0 : wide;
-        for (kwIndex k = 0; k < nnz; k += 111)
-            EXPECT_EQ(element(c, oxGetIr(a)[k] + down, column_of(a, k) + right),
-                      static_cast<double>(k + 1));
-        oxDestroyArray(c);
-    }
-}
-
 } // namespace
-} // namespace ox::test
