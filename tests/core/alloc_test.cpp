@@ -1,6 +1,5 @@
 // The three layers of allocation and the list of blocks.
 #include <core/alloc.h>
-#include <core/context_list.h>
 #include <support/suite.h>
 
 #include <algorithm>
@@ -30,8 +29,6 @@ TEST_F(Alloc, OverflowingProductsAreRefused) {
     EXPECT_FALSE(oxCallocEx(kwSize{1} << 33, kwSize{1} << 33) || oxCallocEx(2, all / 2 + 1) ||
                  oxMallocEx(all));
     EXPECT_RAISES_ENTRY(FNOMEM, oxCalloc(kwSize{1} << 33, kwSize{1} << 33));
-    EXPECT_RAISES_ENTRY(FNOMEM, oxCallocExCheck(3, all / 2));
-    EXPECT_RAISES_ENTRY(FNOMEM, oxMalloc(all));
     EXPECT_RAISES_ENTRY(FNOMEM, oxMallocExCheck(kwSize{1} << 60));
 }
 
@@ -122,28 +119,6 @@ TEST_F(Alloc, Listeners) {
     EXPECT_EQ(heard, expected);
     EXPECT_FALSE(oxMalloc(all) || oxCallocExCheck(all, 2) || oxMallocEx(all));
     EXPECT_EQ(refusals, 2) << "the raw layer is silent";
-}
-
-// The mechanism of both lists, with a vector that starts at two entries.
-TEST_F(Alloc, ContextListKeepsOrder) {
-    int items[9];
-    ContextList<int, 2> list;
-    const auto order = [&] {
-        std::string digits;
-        for (kwSize k = 0; k < list.length(); ++k) digits += std::to_string(list[k] - items);
-        return digits;
-    };
-    for (int k = 0; k < 5; ++k) ASSERT_TRUE(list.append(items + k));
-    EXPECT_TRUE(list.remove(items + 1) && order() == "0234");
-    const int index = list.enter();
-    for (const int k : {3, 7, 3, 8}) list.append(items + k);
-    EXPECT_TRUE(list.remove(items + 3) && order() == "0234378") << "the most recent entry";
-    EXPECT_TRUE(list.remove(items + 3));
-    EXPECT_FALSE(list.remove(items + 3)) << "not those of the enclosing context";
-    EXPECT_EQ(list.pop(), items + 8);
-    list.restore(index);
-    EXPECT_TRUE(list.remove(items) && order() == "2347");
-    list.shutdown();
 }
 
 struct Manager final : fl::manager {

@@ -42,13 +42,6 @@ TEST_F(ArrayList, DestroyingTheOldestReversesTheContext) {
     EXPECT_EQ(context(), "2345");
     oxDestroyArray(made_[5]);
     EXPECT_EQ(context(), "432") << "the oldest is now the one created last";
-    made_[2]->set_flag(oxFLAG_LIST_MARK, true);
-    oxSetArrayScope(made_[2], oxSCOPE_CONTAINED);
-    EXPECT_EQ(context(), "234") << "also when the mark then keeps it on the list";
-    made_[2]->set_flag(oxFLAG_LIST_MARK, false);
-    made_[2]->scope = oxSCOPE_TEMPORARY;
-    oxDestroyArray(made_[3]);
-    EXPECT_EQ(context(), "24");
 }
 
 TEST_F(ArrayList, ExitDestroysWhateverTheCount) {
@@ -129,15 +122,6 @@ TEST_F(ArrayList, ScopeChangesDoNotReachEnclosingContexts) {
     }
     made_[1]->scope = oxSCOPE_TEMPORARY;
     EXPECT_EQ(context(), "21");
-}
-
-TEST_F(ArrayList, ShutdownForgetsTheArraysButKeepsTheHooks) {
-    make(2);
-    EXPECT_TRUE(oxIsArrayListInitialized());
-    oxShutdownArrayList();
-    EXPECT_TRUE(!oxIsArrayListInitialized() && array_list_length() == 0);
-    for (int k : {1, 2}) oxDestroyArray(made_[k]); // off the list already: silent
-    EXPECT_TRUE(array_list_contains(oxCreateDoubleScalar(3)));
 }
 
 } // namespace

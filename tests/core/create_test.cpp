@@ -23,23 +23,15 @@ TEST_F(Create, FullArrays) {
         {nd({1, 1, 1}), "double 1x1x1: 0"}, // nothing is trimmed
         {nd({3}), "double 3x1: 0; 0; 0"},
         {nd({}), "double 0x0"},
-        {nd({0, huge}), "double 0x1152921504606846976"}, // empty ones are never too large
-        {nd({huge, 0}), "double 1152921504606846976x0"},
-        {nd({huge, 0, huge}), "double 1152921504606846976x0x1152921504606846976"},
-        {oxCreateDoubleMatrix(2, 2, oxREAL), "double 2x2: 0 0; 0 0"},
-        {oxCreateDoubleMatrix(1, 2, oxCOMPLEX), "double 1x2: 0+0i 0+0i"},
-        {oxCreateNumericMatrix(1, 1, oxSINGLE_CLASS, oxCOMPLEX), "single 1x1: 0+0i"},
+        {nd({huge, 0, huge}),
+         "double 1152921504606846976x0x1152921504606846976"}, // never too large
         {oxCreateNumericMatrix(0, huge, oxINT8_CLASS, oxCOMPLEX), "int8 0x1152921504606846976"},
         {oxCreateNumericArray(3, nullptr, oxDOUBLE_CLASS, oxREAL), "double 0x0"},
-        {oxCreateLogicalMatrix(2, 1), "logical 2x1: 0; 0"},
         {oxCreateLogicalArray(2, Dims{1, 3}.data()), "logical 1x3: 0 0 0"},
         {oxCreateDoubleScalar(-0.5), "double 1x1: -0.5"},
         {oxCreateSingleScalar(0.1f), "single 1x1: 0.1"},
-        {oxCreateLogicalScalar(true), "logical 1x1: 1"},
         {oxCreateNumericScalar(oxINT16_CLASS, oxCOMPLEX), "int16 1x1: 0+0i"},
         {oxCreateUninitNumericMatrix(1, 1, oxDOUBLE_CLASS, oxCOMPLEX), "double 1x1: 0+0i"},
-        {oxCreateUninitDoubleMatrix(0, 7, oxCOMPLEX), "double 0x7"},
-        {oxCreateUninitNumericMatrix(huge, 0, oxINT8_CLASS, oxREAL), "int8 1152921504606846976x0"},
         {oxCreateUninitNumericMatrix(2, 3, oxVOID_CLASS, oxREAL), "unknown 2x3"},
         // Classes that are not numeric have no imaginary part.
         {oxCreateNumericMatrix(1, 2, oxCHAR_CLASS, oxCOMPLEX), "char 1x2: '\\u0000\\u0000'"},
@@ -51,10 +43,6 @@ TEST_F(Create, FullArrays) {
         EXPECT_EQ(oxIsScalarDoubleFlagSet(a), oxIsDouble(a) && oxGetNumberOfElements(a) == 1);
         EXPECT_EQ(oxGetData(a) == nullptr, oxIsEmpty(a) || a->class_code == 0);
     }
-    oxArray *raw = oxCreateUninitNumericArray(3, Dims{2, 3, 4}.data(), oxINT32_CLASS, oxCOMPLEX);
-    std::memset(oxGetData(raw), 1, 24 * 4);
-    std::memset(oxGetImagData(raw), 1, 24 * 4);
-    EXPECT_EQ(oxGetNumberOfDimensions(raw), 3u);
 }
 
 // Deliberate: too many elements are out of memory to the creators, too large to the checks.
@@ -94,11 +82,9 @@ TEST_F(Create, WhichCandidateLends) {
         bool lends;   // to a real 1-by-4 double
     } rows[] = {{"1 2 3 4", true, true},
                 {"double 2x2: 1 2; 3 4", true, true},
-                {"double 2x1x2: 1; 2 | 3; 4", true, true},
                 {"int64 1x4: 1 2 3 4", true, true}, // another class of the same width
                 {"1 2 3 4", false, false},
                 {"1+1i 2 3 4", true, false},
-                {"1 2 3", true, false},
                 {"1 2 3 4 5", true, false},
                 {"single 1x8: 1 2 3 4 5 6 7 8", true, false}, // the same bytes in other elements
                 {"sparse double 1x4: (0,0)=1", true, false},
@@ -118,34 +104,17 @@ TEST_F(Create, WhichCandidateLends) {
     }
 }
 
-TEST_F(Create, ReuseTakesTheFirstThatFitsAndKeepsTheContents) {
-    oxArray *candidates[] = {arr("5+6i"), arr("7"), arr("8")};
-    for (oxArray *c : candidates) c->set_reusable(true);
-    oxArray *a = oxCreateNumericMatrixWithReuse(1, 1, oxDOUBLE_CLASS, oxREAL, 3, candidates);
-    EXPECT_EQ(text(a), "double 1x1: 7");
-    EXPECT_TRUE(oxIsScalarDoubleFlagSet(a) && oxIsReusable(candidates[2]));
-    oxArray *b = oxCreateNumericArrayWithReuse(3, Dims{1, 1, 1}.data(), oxDOUBLE_CLASS, oxCOMPLEX,
-                                               3, candidates);
-    EXPECT_EQ(text(b), "double 1x1x1: 5+6i");
-    oxArray *flags[] = {arr("logical 2x2: 1 0; 1 1"), arr("logical 1x3: 1 1 1")};
-    for (oxArray *c : flags) c->set_reusable(true);
-    EXPECT_EQ(text(oxCreateLogicalMatrixWithReuse(4, 1, 2, flags)), "logical 4x1: 1; 1; 0; 1");
-    EXPECT_EQ(text(oxCreateLogicalArrayWithReuse(1, Dims{3}.data(), 2, flags)),
-              "logical 3x1: 1; 1; 1");
+// Deliberate: reused data keep their contents.
+TEST_F(Create, ReuseTakesTheFirstThatFits) {
+    oxArray *c[] = {arr("5+6i"), arr("logical 2x2: 1 0; 1 1"), arr("7"), arr("8")};
+    for (oxArray *a : c) a->set_reusable(true);
+    EXPECT_EQ(text(oxCreateNumericMatrixWithReuse(1, 1, oxDOUBLE_CLASS, oxREAL, 4, c)),
+              "double 1x1: 7");
+    EXPECT_EQ(text(oxCreateLogicalMatrixWithReuse(4, 1, 4, c)), "logical 4x1: 1; 1; 0; 1");
+    EXPECT_TRUE(oxIsReusable(c[0]) && oxIsReusable(c[3]));
 }
 
 // --- Destruction -------------------------------------------------------------------------------
-
-TEST_F(Create, DestroyDropsReferencesFirst) {
-    oxArray *a = arr("1 2");
-    a->reference_count = 2;
-    const std::size_t headers = live().headers;
-    for (int owner = 0; owner < 2; ++owner) oxDestroyArray(a);
-    EXPECT_TRUE(live().headers == headers && oxIsTemp(a));
-    oxDestroyArray(a);
-    EXPECT_EQ(live().headers, headers - 1);
-    oxDestroyArray(nullptr);
-}
 
 TEST_F(Create, AKeptHeaderOnlyLeavesTheList) {
     oxArray *a = arr("1 2");
@@ -168,23 +137,11 @@ TEST_F(Create, ThirtyTwoBitDimensionsGoWithTheArray) {
     EXPECT_EQ(text(copy), "double 1x1x2: 1 | 2");
 }
 
-TEST_F(Create, HeadersComeCleanFromUsedMemory) {
-    const oxArray zero{};
-    for (int k = 0; k < 3; ++k) {
-        auto *a = new oxArray;
-        EXPECT_EQ(std::memcmp(a, &zero, sizeof zero), 0);
-        std::memset(a, 0xFF, sizeof *a);
-        delete a;
-    }
-}
-
 constexpr kwSize cube[] = {2, 3, 4}, flat[] = {0, 3, 4}, pair[] = {1, 2, 1};
 
 // Calls that need no input.
 oxArray *(*const creators[])() = {
     [] { return oxCreateDoubleMatrix(3, 3, oxCOMPLEX); },
-    [] { return oxCreateDoubleMatrix(0, 3, oxREAL); },
-    [] { return oxCreateDoubleMatrix(1 << 10, 1 << 8, oxCOMPLEX); },
     [] { return oxCreateNumericArray(3, cube, oxINT16_CLASS, oxCOMPLEX); },
     [] { return oxCreateLogicalArray(3, flat); },
     [] { return oxCreateLogicalMatrix(3, 3); },
