@@ -37,13 +37,6 @@ const struct {
      [](oxArray *a) { return put(slot(slot(a), 1), a); }},
     {rule_slot_scope, "cell 1x1: {1}",
      [](oxArray *a) { return put(slot(a)->scope, oxSCOPE_TEMPORARY); }},
-    {rule_slot_scope, "struct 1x1 a,b: {1} {cell 1x1: {2}}",
-     [](oxArray *a) -> Mend {
-         oxArray *e = slot(slot(a, 1));
-         e->set_flag(oxFLAG_HEADER_KEPT, true);
-         const Mend scope = put(e->scope, oxSCOPE_DESTROYED);
-         return [=] { scope(), e->set_flag(oxFLAG_HEADER_KEPT, false); };
-     }},
     {rule_slot_listed, "cell 1x1: {1}",
      [](oxArray *a) -> Mend {
          array_list_append(slot(a));
@@ -54,8 +47,6 @@ const struct {
      [](oxArray *a) {
          return put(slot(slot(a))->flag_word, oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE);
      }},
-    {rule_ring_data, "cell 1x1: {1}",
-     [](oxArray *a) { return put(oxCreateSharedDataCopy(a)->cell.slots, nullptr); }},
 };
 
 TEST_F(CheckArray, FindsEachFaultAndNoOther) {
@@ -72,12 +63,9 @@ TEST_F(CheckArray, FindsEachFaultAndNoOther) {
 
 using CheckHeader = HostTest;
 
-kwSize huge[3] = {kwSize{1} << 30, kwSize{1} << 30, 1};
-kwIndex falling[] = {0, 2, 1}, late[] = {1, 1, 2}, plenty[] = {0, 1, 9}, rising[] = {0, 1, 3};
-kwIndex repeated[] = {0, 1, 1}, beyond[] = {0, 3, 4};
-name_index_info no_owner{1, 0, nullptr, {"a"}}, no_name{1, 1, nullptr, {nullptr}},
-    no_names{0, 1, nullptr, {nullptr}};
-ox_dim32_cache no_vector{nullptr, 2}, negative{nullptr, -1};
+kwIndex falling[] = {0, 2, 1}, plenty[] = {0, 1, 9}, rising[] = {0, 1, 3}, repeated[] = {0, 1, 1};
+name_index_info no_owner{1, 0, nullptr, {"a"}};
+ox_dim32_cache no_vector{nullptr, 2};
 oxArray other, third;
 
 // Into a ring of two with a copy of itself.
@@ -96,73 +84,47 @@ const struct {
     void (*breaks)(oxArray &a);
 } broken_records[] = {
     {rule_class, "5", [](oxArray &a) { a.class_code = 5; }},
-    {rule_class, "5", [](oxArray &a) { a.class_code = -1; }},
     {rule_numeric_flag, "5", [](oxArray &a) { a.flag_word &= ~oxFLAG_NUMERIC; }},
-    {rule_numeric_flag, "cell 1x1: {}", [](oxArray &a) { a.flag_word |= oxFLAG_NUMERIC; }},
     {rule_free_flags, "5", [](oxArray &a) { a.flag_word |= 2; }},
-    {rule_free_flags, "5", [](oxArray &a) { a.flag_word |= 1u << 23; }},
     {rule_ndims, "5", [](oxArray &a) { a.ndims = 1; }},
-    {rule_ndims, "double 0x5", [](oxArray &a) { a.ndims = 3; }},
-    {rule_element_count, "1 2", [](oxArray &a) { a.ndims = 3, a.dim_vector = huge; }},
     {rule_element_count, "1 2", [](oxArray &a) { a.mn[0] = (kwSize{1} << 47); }},
     {rule_scalar_double, "1 2", [](oxArray &a) { a.flag_word |= oxFLAG_SCALAR_DOUBLE; }},
-    {rule_scalar_double, "single 1x1: 1", [](oxArray &a) { a.flag_word |= oxFLAG_SCALAR_DOUBLE; }},
     {rule_destroyed, "5", [](oxArray &a) { a.scope = oxSCOPE_DESTROYED; }},
-    {rule_ring, "1 2", [](oxArray &a) { a.cross_link = &a; }},
-    {rule_ring, "1 2", [](oxArray &a) { in_ring(a).cross_link = nullptr; }},
     {rule_ring, "1 2",
      [](oxArray &a) { third = in_ring(a), other.cross_link = &third, third.cross_link = &other; }},
-    {rule_ring_data, "1 2", [](oxArray &a) { in_ring(a).num.pdata = &other; }},
-    {rule_ring_data, "1 2", [](oxArray &a) { in_ring(a).num.pimag = &other; }},
     {rule_ring_data, "sparse double 2x2: (0,0)=1", [](oxArray &a) { in_ring(a).num.ir = rising; }},
     {rule_reusable, "1 2", [](oxArray &a) { in_ring(a), a.set_reusable(true); }},
-    {rule_reusable, "1 2", [](oxArray &a) { a.set_reusable(true), a.reference_count = 1; }},
     {rule_sparse, "double 1x1x2: 1 | 2", [](oxArray &a) { a.flag_word |= oxFLAG_SPARSE; }},
     {rule_colon, "logical 1x1: 1", [](oxArray &a) { a.flag_word |= oxFLAG_COLON; }},
     {rule_indexing_opaque, "5", [](oxArray &a) { a.flag_word |= oxFLAG_INDEXING_OPAQUE; }},
     {rule_dim32, "5", [](oxArray &a) { a.dim32 = &no_vector; }},
-    {rule_dim32, "5", [](oxArray &a) { a.dim32 = &negative; }},
     {rule_no_imaginary, "logical 1x1: 1", [](oxArray &a) { a.num.pimag = &other; }},
     {rule_data, "1 2", [](oxArray &a) { a.num.pdata = nullptr; }},
-    {rule_data, "sparse double 3x2: (0,0)=1", [](oxArray &a) { a.num.pdata = nullptr; }},
     {rule_csc_class, "struct 1x1 a: {}", [](oxArray &a) { a.flag_word |= oxFLAG_SPARSE; }},
     {rule_csc_vectors, "sparse double 3x2: (0,0)=1", [](oxArray &a) { a.num.ir = nullptr; }},
-    {rule_csc_vectors, "sparse double 3x2: (0,0)=1", [](oxArray &a) { a.num.jc = nullptr; }},
     {rule_csc_starts, "sparse double 3x2 nzmax 9", [](oxArray &a) { a.num.jc = falling; }},
-    {rule_csc_starts, "sparse double 3x2 nzmax 9", [](oxArray &a) { a.num.jc = late; }},
     {rule_csc_count, "sparse double 3x2 nzmax 8", [](oxArray &a) { a.num.jc = plenty; }},
     {rule_csc_rows, "sparse double 3x2 nzmax 9",
      [](oxArray &a) { a.num.jc = rising, a.num.ir = repeated; }},
-    {rule_csc_rows, "sparse double 3x2 nzmax 9",
-     [](oxArray &a) { a.num.jc = rising, a.num.ir = beyond; }},
     {rule_csc_capacity, "sparse double 3x2", [](oxArray &a) { a.num.nzmax = 0; }},
     {rule_field_table, "struct 1x1 a: {}", [](oxArray &a) { a.record.names = &no_owner; }},
-    {rule_field_table, "struct 1x1 a: {}", [](oxArray &a) { a.record.names = &no_name; }},
-    {rule_field_table, "struct 1x1 a: {}", [](oxArray &a) { a.record.names = &no_names; }},
 };
 
 TEST_F(CheckHeader, EveryRuleIsNoticedAndNoOther) {
-    bool seen[last_storage_rule + 1] = {};
+    int seen = 0; // rows stand in the order of the rules
     for (const auto &[rule, array, breaks] : broken_records) {
         SCOPED_TRACE(std::string(rule_text(rule)) + " in " + array);
         oxArray a = *arr(array);
         breaks(a);
         EXPECT_EQ(check_header(&a, CheckDepth::storage), rule);
         EXPECT_EQ(check_header(&a, CheckDepth::header), rule <= last_header_rule ? rule : 0);
-        seen[rule] = true;
+        EXPECT_EQ(rule, ++seen);
     }
-    for (int rule = 1; rule <= last_storage_rule; ++rule) EXPECT_TRUE(seen[rule]) << rule;
+    EXPECT_EQ(seen, last_storage_rule);
 }
 
 // States that look odd but are legal.
 TEST_F(CheckHeader, LegalOddities) {
-    oxArray *a = arr("1 2");
-    oxMarkImagData(a);
-    EXPECT_EQ(check_header(a, CheckDepth::storage), rule_none);
-    oxSetImagData(a, nullptr);
-    oxReInitArray2Type(a, oxSINGLE_CLASS); // 1-by-1 without data
-    EXPECT_EQ(check_header(a, CheckDepth::header), rule_none);
-    EXPECT_EQ(check_header(a, CheckDepth::storage), rule_data);
     oxArray emptied = *arr("sparse double 3x2: (0,0)=1");
     emptied.num.pdata = nullptr, emptied.num.jc = nullptr, emptied.mn[0] = 0;
     EXPECT_EQ(check_header(&emptied, CheckDepth::storage), rule_none);
@@ -176,15 +138,8 @@ TEST_F(CheckHeader, ListingFollowsTheScope) {
     a->scope = 9; // behind the list's back
     EXPECT_FALSE(listed_as_its_scope_says(a));
     a->scope = oxSCOPE_TEMPORARY;
-    oxSetArrayScope(a, 9);
-    EXPECT_TRUE(listed_as_its_scope_says(a));
-    a->scope = oxSCOPE_TEMPORARY;
-    EXPECT_FALSE(listed_as_its_scope_says(a));
-    a->scope = 9;
-    oxDestroyArray(a);
-    oxArray *b = arr("5");
     const Contexts inner;
-    EXPECT_TRUE(listed_as_its_scope_says(b)) << "enclosing contexts count";
+    EXPECT_TRUE(listed_as_its_scope_says(a)) << "enclosing contexts count";
 }
 
 } // namespace

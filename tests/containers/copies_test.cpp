@@ -15,31 +15,6 @@ bool shares(const oxArray *a, const oxArray *b) {
     return found && a->num.pdata == b->num.pdata;
 }
 
-// Whether the two have no block in common.
-bool apart(const oxArray *a, const oxArray *b) {
-    bool same = false;
-    for (int w = 0; w < (is_sparse(a) ? 4 : is_numeric(a) ? 2 : 1); ++w)
-        same |= a->words[w] && a->words[w] == b->words[w];
-    return !same;
-}
-
-TEST_F(Copies, EveryKindSharesItsDataOrCopiesThemDeeply) {
-    for (const char *kind : one_of_each) {
-        SCOPED_TRACE(kind);
-        oxArray *a = arr(kind);
-        a->set_reusable(true);
-        oxArray *s = oxCreateSharedDataCopy(a), *d = oxCreateDeepCopy(a);
-        EXPECT_TRUE(shares(a, s) && shares(s, a) && apart(a, d) && !oxIsSharedArray(d));
-        EXPECT_EQ(text(s) + text(d), text(a) + text(a));
-        EXPECT_EQ(oxIsExactSharedCopy(a, s), a->ndims == 2);
-        EXPECT_FALSE(oxIsReusable(a) || oxIsReusable(s));
-        EXPECT_TRUE(!is_sparse(a) || d->num.nzmax == a->num.nzmax);
-        EXPECT_FALSE(check_array(a) || check_array(d));
-    }
-    for (const char *kind : {"single 0x3", "cell 0x2", "struct 0x1 a", "char 0x0x2"})
-        EXPECT_FALSE(oxCreateSharedDataCopy(arr(kind))->cross_link) << kind;
-}
-
 TEST_F(Copies, FlagsOfTheValueStayAndThoseOfTheHeaderGo) {
     constexpr uint32_t kept = oxFLAG_GLOBAL_WS | oxFLAG_COLON | oxFLAG_COMMA_LIST;
     oxArray *a = arr("1");
@@ -66,9 +41,6 @@ TEST_F(Copies, EmptyCopiesKeepTheClassAndSkeletonsTheShape) {
         s->num.ir = static_cast<kwIndex *>(oxCallocEx(1, sizeof(kwIndex)));
         s->num.jc = static_cast<kwIndex *>(oxCallocEx(cols(s) + 1, sizeof(kwIndex)));
     }
-    oxArray *marked = arr("1 2");
-    oxMarkImagData(marked);
-    EXPECT_TRUE(oxCreateDeepCopy(marked)->is_imag_marked());
     oxArray *a = arr("cell 1x2: {1} {}"), *h = oxCreateSharedDataCopy(a);
     EXPECT_FALSE(oxUnshareArray(h, 1)); // shallow; false: it did not fail
     EXPECT_TRUE(!oxIsSharedArray(a) && h->cell.slots[0] == a->cell.slots[0]);
@@ -152,15 +124,6 @@ TEST_F(Copies, AnArrayOfAnEnclosingContextIsMovedBeforeItIsContained) {
     oxSetArrayScope(b, 4); // enters it a second time
     array_list_remove(b);  // and off again; the first entry goes with the context
     oxDestroyArray(a);
-}
-
-TEST_F(Copies, ExactCopiesAgreeInEveryFieldThatIsNotTheHeadersOwn) {
-    oxArray *a = arr("1 2"), *b = oxCreateSharedDataCopy(a);
-    b->reference_count = 1, b->scope = 9;
-    EXPECT_TRUE(oxIsExactSharedCopy(a, b));
-    b->reference_count = 0, b->scope = oxSCOPE_TEMPORARY;
-    oxSetM_730(b, 2);
-    EXPECT_FALSE(oxIsExactSharedCopy(a, b) || oxIsExactSharedCopy(a, nullptr));
 }
 
 TEST_F(Copies, ProtectedArraysLeaveAndRejoinTheTemporaries) {

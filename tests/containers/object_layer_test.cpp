@@ -88,18 +88,6 @@ TEST_F(Layer, WithoutOneObjectsAndHandlesAreBytesAndTheRestSaysWhatIsMissing) {
     oxDestroyArray(handle);
 }
 
-TEST_F(Layer, AClassThatSuppliesNothingRaisesForWhatItMustSupply) {
-    static xxInfo plain; // outlives the arrays of the test
-    const kwSize dims[] = {1, 1};
-    oxArray *a = oxCreateOpaqueArray(2, dims, &plain);
-    EXPECT_TRUE(oxIsClass(a, "opaque") && !plain.convert(a, oxDOUBLE_CLASS));
-    EXPECT_RAISES(missing, nullptr, oxCreateDeepCopy(a));
-    EXPECT_RAISES(missing, nullptr, oxCreateOpaqueGiblet(&plain));
-    a->set_flag(oxFLAG_INDEXING_OPAQUE, true);
-    EXPECT_RAISES(missing, nullptr, oxCreateSharedDataCopy(a));
-    a->set_flag(oxFLAG_INDEXING_OPAQUE, false);
-}
-
 TEST(LayerSweep, EveryFailedAllocation) {
     const WithLayer layer;
     static const kwSize dims[] = {1, 2, 2};

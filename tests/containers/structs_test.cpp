@@ -23,11 +23,8 @@ Names names_of(const oxArray *a) {
 }
 
 TEST_F(Structs, CreationMakesATableForNamesAndABlockForElements) {
-    const oxArray *no_elements = struct_of(kwSize{1} << 40, 0, {"p"});
-    EXPECT_TRUE(oxGetFieldInfo(no_elements) && !oxGetFields(no_elements));
     const oxArray *no_names = struct_of(kwSize{1} << 40, 9, {});
     EXPECT_TRUE(!oxGetFieldInfo(no_names) && !oxGetFields(no_names));
-    EXPECT_TRUE(oxGetFieldNumber(no_names, "p") == -1 && !oxGetField(no_names, 0, "p"));
     const char *p[] = {"p"}, *none[] = {""};
     const kwSize dims[] = {2, 1, 1};
     const double line = 14;
@@ -35,8 +32,6 @@ TEST_F(Structs, CreationMakesATableForNamesAndABlockForElements) {
     EXPECT_RAISES_ENTRY(FNOMEM, struct_of(kwSize{1} << 40, kwSize{1} << 40, {"p"}));
     EXPECT_EQ(text(oxCreateStackStruct(1, p, none, &line)),
               "struct 1x1 file,name,line: {char 1x1: 'p'} {char 0x0} {double 1x1: 14}");
-    EXPECT_STREQ(oxGetFieldNameByNumber(no_elements, 0), "p");
-    EXPECT_EQ(oxGetFieldNameByNumber(no_elements, 1), oxGetFieldNameByNumber(no_elements, -1));
 }
 
 TEST_F(Structs, AmongDuplicateNamesTheHighestNumberWins) {
@@ -89,8 +84,6 @@ TEST_F(Structs, NewFieldsAreEmptyAndRemovedValuesBecomeTemporaries) {
     for (const int n : {0, -1, 2}) oxRemoveField(a, n);
     EXPECT_EQ(text(a), text(arr("struct 2x1 q,z: {2} {} {4} {}")));
     EXPECT_TRUE(oxIsTemp(first));
-    for (const int n : {1, 0}) oxRemoveField(a, n);
-    EXPECT_TRUE(!oxGetFieldInfo(a) && !oxGetFields(a));
     // A value of another container only loses a reference.
     oxArray *b = struct_of(1, 1, {"p"}), *v = oxGetCell(arr("cell 1x1: {7}"), 0);
     oxSetField(b, 0, "p", oxCreateReference(v));

@@ -1,6 +1,5 @@
 // Sparse references against a full model, and the storage operations under them.
 #include <core/class_table.h>
-#include <core/create.h>
 #include <sparse/reference.h>
 #include <sparse/storage/csc.h>
 #include <support/suite.h>
