@@ -54,13 +54,10 @@ const Row rows_of_values[] = {
      "int64 1x4: 9223372036854775807 -9223372036854775808 0 1", "onr"},
     {"9223372036854775808 18446744073709549568 18446744073709551616 -0.3 NaN 2.5", oxUINT64_CLASS,
      "uint64 1x6: 9223372036854775808 18446744073709549568 18446744073709551615 0 0 3", "onr"},
-    {"single 1x2: 8388609 0.5", oxINT32_CLASS, "int32 1x2: 8388609 1", "r"},
     {"int64 1x1: 9007199791611905", oxSINGLE_CLASS, "single 1x1: 9007200328482816"}, // one rounding
     {"int8 1x2: -5 7", oxCHAR_CLASS, "char 1x2: '\\u0000\\u0007'", "o"},
     {"uint64 1x1: 18446744073709551615", oxINT64_CLASS, "int64 1x1: 9223372036854775807", "o"},
-    {"int64 1x1: -1", oxUINT64_CLASS, "uint64 1x1: 0", "o"},
     {"char 1x2: 'a\\u0100'", oxINT8_CLASS, "int8 1x2: 97 127", "o"},
-    {"char 1x2: 'a\\u0000'", oxLOGICAL_CLASS, "logical 1x2: 1 0"},
     {"0 -0.0 2 1e-300", oxLOGICAL_CLASS, "logical 1x4: 0 0 1 1"},
     {"65535.9 3.7 97.5 70000 -1 NaN", oxCHAR_CLASS, "char 1x6: '\\uffff\\u0003a\\uffff\\u0000\\u0000'"},
     {"1.5+2.5i 3", oxINT8_CLASS, "int8 1x2: 2+3i 3+0i", "rr"}, // each part may warn
@@ -72,7 +69,6 @@ const Row rows_of_values[] = {
     {"object Point 1x1 px: {1}", oxSTRUCT_CLASS, "struct 1x1 px: {1}"},
     {"object Point 1x1 px: {1}", oxCELL_CLASS, "cell 1x1x1: {1}"},
     {"sparse double 2x2: (0,0)=3 (1,1)=-1", oxLOGICAL_CLASS, "sparse logical 2x2: (0,0)=1 (1,1)=1"},
-    {"sparse logical 2x2: (1,0)=1", oxDOUBLE_CLASS, "sparse double 2x2: (1,0)=1"},
 };
 // clang-format on
 
@@ -112,15 +108,6 @@ TEST_F(Convert, ElementsBeforeANanAreWrittenWhenItRaises) {
         EXPECT_RAISES_ENTRY(FNOLOGICALNAN, oxConvertBufferToType(y.data(), oxLOGICAL_CLASS,
                                                                  x.data(), oxDOUBLE_CLASS, n));
         EXPECT_EQ(std::vector<int>({y[0], y[n - 4], y[n - 3]}), std::vector<int>({1, 1, 9}));
-    }
-}
-
-TEST_F(Convert, PairsWithoutAConversionWriteNothing) {
-    const double x = 1;
-    for (auto [to, from] : {std::pair{3, 3}, {4, 3}, {5, 6}, {1, 6}, {6, 16}, {25, 6}, {6, 31}}) {
-        uint64_t y = 77;
-        oxConvertBufferToType(&y, static_cast<oxClassID>(to), &x, static_cast<oxClassID>(from), 1);
-        EXPECT_EQ(y, 77u);
     }
 }
 
@@ -164,7 +151,6 @@ TEST_F(Convert, ImaginaryPartsGoWhenTheyAreZero) {
     oxCreateSharedDataCopy(shared);
     oxMarkImagData(marked);
     const std::pair<oxArray *, bool> rows[] = {
-        {arr("1+0i 2-0i"), false},
         {arr("1+0i 2+NaN*i"), true},
         {arr("int8 1x2: 1+0i 2+1i"), true},
         {shared, true},
@@ -190,17 +176,12 @@ TEST_F(Convert, FailingAllocations) {
 using MustBe = Convert;
 
 TEST_F(MustBe, TheArrayItselfOrItsForm) {
-    oxArray *d = arr("1+1i 2"), *cell = arr("cell 1x1: {1}"),
-            *sp = arr("sparse double 1x2: (0,1)=3");
-    EXPECT_TRUE(oxMustBe(d, oxDOUBLE_CLASS) == d && oxMustBe(cell, oxCELL_CLASS) == cell &&
-                oxMustBe(sp, oxVOID_CLASS) == sp && oxMustBeFullDouble(d) == d &&
-                oxMustBeFull(d) == d && oxMustBeComplex(d) == d);
-    EXPECT_EQ(text(oxMustBe(arr("0 3"), oxVOID_CLASS)), text(sp));
-    EXPECT_EQ(text(oxMustBeFull(sp)), text(arr("0 3")));
+    oxArray *d = arr("1+1i 2"), *sp = arr("sparse double 1x2: (0,1)=3");
+    EXPECT_TRUE(oxMustBe(d, oxDOUBLE_CLASS) == d && oxMustBe(sp, oxVOID_CLASS) == sp &&
+                oxMustBeFullDouble(d) == d && oxMustBeComplex(d) == d);
     EXPECT_EQ(text(oxMustBeComplex(arr("int8 1x2: 1 2"))), text(arr("int8 1x2: 1+0i 2+0i")));
     EXPECT_EQ(text(oxMustBeComplex(arr("logical 1x2: 1 0"))), text(arr("1+0i 0+0i")));
-    for (const char *in : {"sparse double 1x2: (0,1)=3", "sparse logical 1x2: (0,1)=1",
-                           "logical 1x2: 0 1", "int8 1x2: 0 3", "char 1x1: 'a'"})
+    for (const char *in : {"sparse logical 1x2: (0,1)=1", "int8 1x2: 0 3", "char 1x1: 'a'"})
         EXPECT_EQ(oxMustBeFullDouble(arr(in))->get_attributes() & oxATTR_FULL, oxATTR_FULL);
     oxArray *unknown = oxCreateNumericMatrix(0, 3, oxUNKNOWN_CLASS, oxREAL);
     EXPECT_EQ(text(oxMustBeFullDouble(unknown)), "double 0x3");
@@ -211,8 +192,6 @@ TEST_F(MustBe, TheArrayItselfOrItsForm) {
 TEST_F(MustBe, NamesBothClassesWhenItCannotBe) {
     for (auto [in, to, message] :
          {std::tuple{"1", oxSTRUCT_CLASS, "Conversion to struct from double is not possible."},
-          {"logical 1x1: 1", oxCHAR_CLASS, "Conversion to char from logical is not possible."},
-          {"struct 1x1 a: {1}", oxCELL_CLASS, "Conversion to cell from struct is not possible."},
           {"object Point 1x1 px: {1}", oxDOUBLE_CLASS,
            "Conversion to double from Point is not possible."},
           {"cell 0x0", oxDOUBLE_CLASS, "Conversion to double from cell is not possible."}})

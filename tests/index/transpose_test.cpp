@@ -73,8 +73,6 @@ using Transpose = LayerTest;
 const char *const pairs[][2] = {
     {"1+1i 2-2i 3", "1+1i; 2-2i; 3"}, // not conjugated
     {"double 0x3", "double 3x0"},
-    {"1+1i 2; 3 4-4i", "1+1i 3; 2 4-4i"},
-    {"logical 2x2: 1 0; 1 1", "logical 2x2: 1 1; 0 1"},
     {"cell 2x2: {1} {2} {} {char 1x1: 'x'}", "cell 2x2: {1} {} {2} {char 1x1: 'x'}"},
     {"sparse double 2x3: (1,0)=2 (0,2)=1+1i", "sparse double 3x2: (2,0)=1+1i (0,1)=2"},
     {"function_handle 2x2: 1 2 3 4", "function_handle 2x2: 1 3 2 4"},
