@@ -83,15 +83,18 @@ TEST_F(TextTest, TheByteReadersAnswerOneForACutTextAndForNone) {
 }
 
 TEST_F(TextTest, Utf16ReadersAreBoundedByTheArrayAndAnswerOneWhenTheTextFits) {
-    const std::u16string_view strings[] = {u"#######",       {u"\0######", 7}, {u"h\0llo##", 7},
-                                           {u"he\0lo##", 7}, {u"hel\0o##", 7}, {u"hell\0##", 7},
-                                           {u"hello\0#", 7}};
-    for (kwSize buflen = 0; buflen < 7; ++buflen) {
-        std::u16string a(7, u'#'), b = a;
-        EXPECT_EQ(oxGetString_UTF16(chars(u"hello"), a.data(), buflen), buflen == 6) << buflen;
-        oxGetNChars_UTF16(chars(u"hello"), b.data(), buflen);
-        EXPECT_TRUE(a == strings[buflen] && b == (buflen == 6 ? a : u"hello##")) << buflen;
+    const oxArray *a = chars(u"hello");
+    for (const auto &[buflen, read, fits] : {std::tuple{kwSize{0}, std::u16string(7, u'#'), 0},
+                                             {1, {u"\0######", 7}, 0},
+                                             {5, {u"hell\0##", 7}, 0},
+                                             {6, {u"hello\0#", 7}, 1}}) {
+        std::u16string got(7, u'#');
+        EXPECT_EQ(oxGetString_UTF16(a, got.data(), buflen), fits) << buflen;
+        EXPECT_EQ(got, read) << buflen;
     }
+    std::u16string got(7, u'#');
+    oxGetNChars_UTF16(a, got.data(), 5); // room for the text, none for a NUL
+    EXPECT_EQ(got, u"hello##");
 }
 
 TEST_F(TextTest, TheStringEndsAtTheFirstNul) {

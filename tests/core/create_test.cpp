@@ -126,17 +126,6 @@ TEST_F(Create, AKeptHeaderOnlyLeavesTheList) {
     oxDestroyArray(a);
 }
 
-TEST_F(Create, ThirtyTwoBitDimensionsGoWithTheArray) {
-    oxArray *a = arr("double 1x1x2: 1 | 2");
-    a->dim32 = static_cast<ox_dim32_cache *>(oxCallocEx(1, sizeof *a->dim32));
-    a->dim32->dims = static_cast<int *>(oxCallocEx(3, sizeof(int)));
-    a->dim32->length = 3;
-    oxArray *copy = oxCreateSharedDataCopy(a);
-    EXPECT_EQ(copy->dim32, nullptr) << "never shared";
-    oxDestroyArray(a); // frees the cache once; the fixture counts
-    EXPECT_EQ(text(copy), "double 1x1x2: 1 | 2");
-}
-
 constexpr kwSize cube[] = {2, 3, 4}, flat[] = {0, 3, 4}, pair[] = {1, 2, 1};
 
 // Calls that need no input.

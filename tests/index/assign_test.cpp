@@ -194,17 +194,6 @@ TEST_F(Delete, ScalarsAndWhatHasNoClass) {
     EXPECT_RAISES("VELTRO:nindexIsZero", nullptr, erase(sub("1x1: 1"), {}));
 }
 
-TEST_F(Delete, LongVectorsOfEveryWidthAndUnknownEnds) {
-    for (int cls : {3, 4, 6, 7, 8, 15}) {
-        oxArray *a = oxColonop(0, 1, 199, oxINT16_CLASS);
-        a = oxMustBe(a, static_cast<oxClassID>(cls == 4 || cls == 3 ? 9 : cls));
-        oxArray *mask = oxCreateLogicalMatrix(1, 200);
-        for (kwSize k = 0; k < 200; ++k) oxGetLogicals(mask)[k] = k % 3 != 1;
-        const oxArray *kept = ref(a, {oxColonop(2, 3, 200, oxDOUBLE_CLASS)});
-        EXPECT_EQ(text(erase(a, {mask})), text(kept));
-    }
-}
-
 TEST_F(Delete, ElementsOfContainersAreReleased) {
     oxArray *c = sub("cell 1x3: {1} {2} {3}"), *sharer = oxCreateSharedDataCopy(c);
     oxArray *gone = oxGetCell(c, 1);

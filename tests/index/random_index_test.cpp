@@ -26,6 +26,7 @@ protected:
         Dims d(static_cast<size_t>(r.chance(0.6) ? 2 : r.between(3, 5)));
         for (kwSize &x : d) x = r.chance(0.25) ? 1 : r.chance(0.07) ? 0 : r.below(5) + 1;
         if (r.chance(0.05)) d.assign(2, 0);
+        if (r.chance(0.01)) d = {40, 50}; // where the kernels take whole vectors
         return d;
     }
     int a_class() {
@@ -60,17 +61,20 @@ protected:
         return top ? static_cast<double>(1 + r.below(top)) : 1;
     }
     oxArray *list(kwSize extent, bool beyond) {
-        const kwSize n = extent == 0 && !beyond ? 0 : r.chance(0.3) ? 1 : r.below(6);
+        const kwSize n = extent == 0 && !beyond ? 0
+                         : extent >= 40         ? r.below(90)
+                         : r.chance(0.3)        ? 1
+                                                : r.below(6);
         std::vector<double> x;
         for (kwSize k = 0; k < n; ++k) x.push_back(position(extent, beyond));
-        if (n > 0 && r.chance(0.03)) x[0] = r.chance(0.5) ? 0 : r.chance(0.5) ? -1 : 1.5;
+        const bool odd = n > 0 && r.chance(0.03);
+        if (odd) x[r.below(n)] = r.pick(bad_positions);
         Dims d{1, n};
         if (r.chance(0.3)) d = {n, 1};
         if (n == 4 && r.chance(0.5)) d = {2, 2};
         if (n == 4 && r.chance(0.2)) d = {2, 1, 2};
         if (n == 0 && r.chance(0.5)) d = {0, 0};
-        const bool whole = n == 0 || x[0] == static_cast<double>(static_cast<int>(x[0]));
-        const int cls = r.chance(0.6) || !whole || (n && x[0] < 1) ? 6 : r.pick(number_classes);
+        const int cls = extent > 100 || odd || r.chance(0.6) ? 6 : r.pick(number_classes);
         return numbers(cls == oxLOGICAL_CLASS ? 6 : cls, d, x);
     }
     oxArray *mask(const Dims &shape) {
@@ -94,6 +98,7 @@ protected:
         if (kind == 4) return numbers(oxDOUBLE_CLASS, {1, 1}, {position(extent, beyond)});
         return list(extent, beyond);
     }
+    static constexpr double bad_positions[] = {0, -1, 1.5};
     static constexpr double steps[] = {1, 1, 2, -1, -2, 3};
 
     Subs subscripts(const Dims &d, bool beyond) {

@@ -8,31 +8,6 @@ namespace {
 
 class Reference : public HostTest {};
 
-TEST_F(Reference, LongSelectionsOfEveryWidthAgreeWithSingleElements) {
-    for (int cls : {3, 6, 7, 8, 11}) {
-        oxArray *a = oxCreateNumericMatrix(40, 50, static_cast<oxClassID>(cls), oxREAL);
-        const kwSize width = oxGetElementSize(a);
-        auto *bytes = static_cast<unsigned char *>(oxGetData(a));
-        for (kwSize k = 0; k < 2000 * width; ++k)
-            bytes[k] = static_cast<unsigned char>(cls == 3 ? k % 3 == 0 : k * 7 % 251);
-        oxArray *mask = oxCreateLogicalMatrix(40, 50), *list = oxCreateDoubleMatrix(1, 70, oxREAL);
-        for (kwSize k = 0; k < 2000; ++k) oxGetLogicals(mask)[k] = k * k % 7 < 3;
-        for (kwSize k = 0; k < 70; ++k) oxGetPr(list)[k] = static_cast<double>(1 + k * k % 40);
-        oxArray *linear = oxColonop(1, 1, 2000, oxDOUBLE_CLASS);
-        oxSetM(linear, 40), oxSetN(linear, 50);
-        for (const Subs &s :
-             {Subs{mask}, Subs{list}, Subs{list, sub("1:2:49")}, Subs{sub("1:2:39"), sub(":")},
-              Subs{sub("40:-1:1"), list}, Subs{sub("2:1:39"), sub("1x3: 3 1 2")}}) {
-            const oxArray *at = ref(linear, s), *b = ref(a, s);
-            for (kwSize k = 0; k < oxGetNumberOfElements(b); ++k) {
-                const kwSize from = (static_cast<kwSize>(oxGetPr(at)[k]) - 1) * width;
-                ASSERT_EQ(std::memcmp(bytes + from, data<char>(b) + k * width, width), 0)
-                    << cls << ' ' << k;
-            }
-        }
-    }
-}
-
 TEST_F(Reference, BadSubscriptsRaiseInOrder) {
     constexpr const char *bad = "VELTRO:badsubscript",
                          *outside = "Index exceeds matrix dimensions.";

@@ -45,25 +45,6 @@ TEST_F(Subscripts, BecomePositions) {
         EXPECT_EQ(converted(sub(s), extent, base), result) << s;
 }
 
-TEST_F(Subscripts, LongListsAreConvertedLikeShortOnes) {
-    for (int cls : {6, 7, 8, 15}) {
-        oxArray *x = oxCreateNumericMatrix(1, 100, static_cast<oxClassID>(cls), oxREAL);
-        std::string expected = "0 max 100:";
-        for (int k = 0; k < 100; ++k) {
-            const std::string v = std::to_string(1 + (k * 37 + 63) % 100);
-            store_number(x, static_cast<kwSize>(k), {v, {}});
-            expected += ' ' + v;
-        }
-        EXPECT_EQ(converted(x, 100, 1), expected) << cls;
-    }
-    for (double wrong : {0.0, -1.0, 1.5, 0x1p48, double{NAN}})
-        for (int at : {0, 50, 99}) {
-            oxArray *x = oxCreateDoubleMatrix(1, 100, oxREAL);
-            for (int k = 0; k < 100; ++k) oxGetPr(x)[k] = k == at ? wrong : k + 1;
-            EXPECT_RAISES(bad, not_positive, converted(x, 100, 0)) << wrong << " at " << at;
-        }
-}
-
 TEST_F(Subscripts, MustBePositiveIntegers) {
     for (const char *s : {"1x1: Inf", "1x1: 1e15", "single 1x1: 0.5", "single 1x1: 1e30",
                           "uint64 1x2: 1 0", "char 1x1: '\\u0000'", "1x1: 1+1i", "1x2: 1+0i 2",
