@@ -29,7 +29,8 @@ public:
     std::string write(const char *kind, const Input &in) const {
         const std::string name = path_ / (std::string("x.") + kind);
         FILE *f = fopen(name.c_str(), "wb");
-        require(f && fwrite(in.data(), 1, in.size(), f) == in.size(), "the file is written");
+        require(f && (in.size() == 0 || fwrite(in.data(), in.size(), 1, f) == 1),
+                "the file is written");
         fclose(f);
         return name;
     }

@@ -4,6 +4,7 @@
 #if defined(__linux__)
 #include <cstdint>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 #endif
 
@@ -66,6 +67,12 @@ char *remap(char *start, std::size_t bytes, std::size_t wider) {
     return target;
 }
 
+std::size_t address_space() {
+    rlimit limit;
+    const bool limited = getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+    return limited ? static_cast<std::size_t>(limit.rlim_cur) : SIZE_MAX;
+}
+
 std::size_t physical_memory() {
     return static_cast<std::size_t>(sysconf(_SC_PHYS_PAGES)) *
            static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
@@ -79,6 +86,7 @@ void discard(char *, std::size_t) {}
 char *map(std::size_t) { return nullptr; }
 void unmap(char *, std::size_t) {}
 char *remap(char *, std::size_t, std::size_t) { return nullptr; }
+std::size_t address_space() { return 0; }
 std::size_t physical_memory() { return 0; }
 
 #endif

@@ -20,6 +20,8 @@ void unmap(char *start, std::size_t bytes);
 // memory is short, then nothing changed.
 char *remap(char *start, std::size_t bytes, std::size_t wider);
 
+// Bytes of address space that the process may take; all there are when nothing limits it.
+std::size_t address_space();
 // Bytes of memory in the machine.
 std::size_t physical_memory();
 

@@ -35,9 +35,12 @@ bool SmallBlocks::new_slab(std::size_t cls) {
     return true;
 }
 
-// A limit on address space may refuse the whole stretch: a smaller one is better than none.
+// A process may be limited in its address space: most of it is for what will be used, not for what
+// is only reserved.
 bool SmallBlocks::reserve_region() {
+    const std::size_t most = pages::address_space() / 8;
     for (std::size_t bytes = most_slabs * slab_bytes; bytes >= 64 * commit_bytes; bytes /= 4) {
+        if (bytes > most) continue;
         if (char *start = pages::reserve(bytes)) {
             base_ = address(start);
             region_bytes_ = bytes;

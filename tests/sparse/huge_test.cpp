@@ -32,18 +32,18 @@ std::shared_ptr<void> memory_limit([[maybe_unused]] kwSize bytes) {
 constexpr kwSize m = 1000000000000, n = 1000000, nnz = 1000; // m * n is beyond 2^48
 
 // Elements 1, 2, ... at random places in storage order.
-oxArray *scattered() {
+oxArray *scattered(kwSize tall, kwSize wide) {
     Random random{31};
-    oxArray *a = oxCreateSparse(m, n, nnz, oxREAL);
+    oxArray *a = oxCreateSparse(tall, wide, nnz, oxREAL);
     std::vector<std::pair<kwIndex, kwIndex>> places(nnz); // column, row
-    for (auto &[j, i] : places) j = random.below(n), i = random.below(m);
+    for (auto &[j, i] : places) j = random.below(wide), i = random.below(tall);
     std::sort(places.begin(), places.end());
     for (kwSize k = 0; k < nnz; ++k) {
         oxGetIr(a)[k] = places[k].second;
         oxGetPr(a)[k] = static_cast<double>(k + 1);
         ++oxGetJc(a)[places[k].first + 1];
     }
-    for (kwSize j = 0; j < n; ++j) oxGetJc(a)[j + 1] += oxGetJc(a)[j];
+    for (kwSize j = 0; j < wide; ++j) oxGetJc(a)[j + 1] += oxGetJc(a)[j];
     return a;
 }
 void expect_well_formed(const oxArray *a) {
@@ -57,7 +57,7 @@ double element(const oxArray *a, kwIndex i, kwIndex j) {
 TEST_F(HostTest, HugeSparseArraysWorkInMemoryForTheirColumnsAndElements) {
     // Beside the column starts of two arrays and the elements of a full row.
     const auto limit = memory_limit(2 * n * 8 + n * 16 + (kwSize{64} << 20));
-    oxArray *a = scattered();
+    oxArray *a = scattered(m, n);
 
     // References: the columns of some elements, their rows in two orders, their crossings.
     std::vector<kwIndex> i(10), j(10);
@@ -108,6 +108,28 @@ TEST_F(HostTest, HugeSparseArraysWorkInMemoryForTheirColumnsAndElements) {
     EXPECT_TRUE(rows(back) == m - 1 && cols(back) == n - 2);
     EXPECT_RAISES_ENTRY(FNOMEM, oxMustBeFull(back));
     oxSetArrayScope(a, 4);
+}
+
+TEST_F(HostTest, WideSparseArraysAreTransposedAndJoined) {
+    const kwSize tall = 1000000, wide = 10 * tall;
+    const auto limit = memory_limit(3 * wide * 8 + (kwSize{64} << 20)); // array, widest result
+    oxArray *a = scattered(tall, wide), *t = oxTranspose(a), *tt = oxTranspose(t);
+    expect_well_formed(t);
+    EXPECT_TRUE(rows(t) == wide && oxAreMatricesEqual(a, tt));
+    oxDestroyArray(t);
+    oxDestroyArray(tt);
+
+    oxCatContext context{[](oxCatContext *, int, const oxArray **) { return oxDOUBLE_CLASS; },
+                         nullptr};
+    const auto same = [](oxCatContext *, oxClassID, const oxArray *x) { return x; };
+    const oxArray *both[] = {a, a};
+    for (const int form : {oxCAT_VERTICAL, oxCAT_HORIZONTAL}) {
+        oxArray *c = oxCatenateDispatch(form, 2, both, same, &context);
+        expect_well_formed(c);
+        EXPECT_EQ(cols(c), form == oxCAT_VERTICAL ? wide : 2 * wide);
+        EXPECT_EQ(oxGetNumNonZeroEl(c), 2 * nnz);
+        oxDestroyArray(c);
+    }
 }
 
 } // namespace

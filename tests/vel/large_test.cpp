@@ -10,7 +10,12 @@
 namespace vel::test {
 namespace {
 
-constexpr size_t variables = 8, allowance_mib = 64;
+constexpr size_t variables = 8;
+#if defined(__SANITIZE_ADDRESS__)
+constexpr size_t allowance_mib = 512; // the sanitizer's own memory
+#else
+constexpr size_t allowance_mib = 64;
+#endif
 
 class Large : public RunTest {
 protected:

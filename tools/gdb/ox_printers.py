@@ -310,8 +310,6 @@ class StreamPrinter:
         if flags & 2:
             parts.append("of %d" % int(s["capacity"]))
         parts += [name for bit, name in sorted(self.OPTIONS.items()) if flags & bit]
-        if int(s["packed"]):
-            parts.append("inside a compressed element")
         return " ".join(parts)
 
     def children(self):
