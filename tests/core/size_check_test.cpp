@@ -101,8 +101,4 @@ TEST_F(SizeCheck, Doubles) {
     }
 }
 
-TEST_F(SizeCheck, Limits) {
-    EXPECT_TRUE(oxGetMaxNumberOfElements() == most && oxGetMaxNumberOfBytes() == most);
-}
-
 } // namespace

@@ -88,30 +88,24 @@ TEST_F(SparseAssign, FailingAllocations) {
         *oxGetPr(b) = *oxGetPi(b) = 1;
         return assign(in[0], b, in[1]) == spOK;
     };
-    const std::function<bool(const Arrays &)> calls[] = {
-        [&](const Arrays &in) { return one_more(in, spAss4); },
-        [&](const Arrays &in) { return one_more(in, spAss5); },
-        [&](const Arrays &in) { return one_more(in, spAss6); },
-        [&](const Arrays &in) {
-            return one_more(in, [&](oxArray *a, oxArray *b, const oxArray *i) {
-                return spAss3(a, b, i, in[2]);
-            });
-        },
-        [](const Arrays &in) { return spAss4(in[0], nullptr, in[2]) == spOK; },
-        [](const Arrays &in) { return spAss5(in[0], nullptr, in[2]) == spOK; },
-        [](const Arrays &in) { return spAss6(in[0], nullptr, in[2]) == spOK; },
-        [&](const Arrays &in) { // a full target
-            return one_more(
-                in, [&](oxArray *, oxArray *b, const oxArray *j) { return spAss4(in[3], b, j); });
-        },
-    };
-    for (const auto &act : calls)
+    const auto fails = [](std::function<bool(const Arrays &)> act) {
         sweep({.name = "assignment",
                .inputs = {"sparse double 3x2: (0,0)=1", "double 1x1: 4", "double 1x2: 1 2",
                           "double 3x1: 1; 0; 2"},
                .act = act,
                .bare = false,
                .changes_inputs = true});
+    };
+    for (auto *assign : {spAss4, spAss5, spAss6}) {
+        fails([&](const Arrays &in) { return one_more(in, assign); });
+        fails([&](const Arrays &in) { return assign(in[0], nullptr, in[2]) == spOK; });
+    }
+    fails([&](const Arrays &in) {
+        return one_more(in, [&](auto *a, auto *b, auto *i) { return spAss3(a, b, i, in[2]); });
+    });
+    fails([&](const Arrays &in) { // a full target
+        return one_more(in, [&](auto *, auto *b, auto *j) { return spAss4(in[3], b, j); });
+    });
 }
 
 } // namespace
