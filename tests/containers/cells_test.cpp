@@ -25,16 +25,6 @@ oxArray *construct(Args in) { return call(oxCellConstructorFcn, in); }
 const char size_row[] = "Size vector must be a row vector with real elements.";
 const char size_integer[] = "Size vector should be a row vector with integer elements.";
 
-TEST(CellsAtLoad, OneArrayInTwoCellsIsCounted) {
-    reset_library();
-    oxArray *c = arr("cell 1x2: {} {}"), *v = arr("1 2");
-    for (kwSize k : {0, 1}) oxSetCopyInCell(c, k, v);
-    EXPECT_EQ(oxGetReferenceCount(v), 2u);
-    oxDestroyArray(c);
-    EXPECT_TRUE(oxGetReferenceCount(v) == 0 && oxGetScalar(v) == 1);
-    oxDestroyArray(v);
-}
-
 TEST_F(Cells, ABlockOfCellsLeavesTheAllocationListUnlessTheDataArePrivate) {
     oxArray *c = oxCreateCellMatrix_730(0, 1), *mine = oxCreateCellMatrix_730(0, 1);
     auto **block = static_cast<oxArray **>(oxCalloc(1, sizeof(oxArray *)));

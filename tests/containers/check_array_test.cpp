@@ -123,23 +123,4 @@ TEST_F(CheckHeader, EveryRuleIsNoticedAndNoOther) {
     EXPECT_EQ(seen, last_storage_rule);
 }
 
-// States that look odd but are legal.
-TEST_F(CheckHeader, LegalOddities) {
-    oxArray emptied = *arr("sparse double 3x2: (0,0)=1");
-    emptied.num.pdata = nullptr, emptied.num.jc = nullptr, emptied.mn[0] = 0;
-    EXPECT_EQ(check_header(&emptied, CheckDepth::storage), rule_none);
-    oxArray *scalar = arr("5");
-    oxClearScalarDoubleFlag(scalar);
-    EXPECT_EQ(check_header(scalar, CheckDepth::storage), rule_none);
-}
-
-TEST_F(CheckHeader, ListingFollowsTheScope) {
-    oxArray *a = arr("5");
-    a->scope = 9; // behind the list's back
-    EXPECT_FALSE(listed_as_its_scope_says(a));
-    a->scope = oxSCOPE_TEMPORARY;
-    const Contexts inner;
-    EXPECT_TRUE(listed_as_its_scope_says(a)) << "enclosing contexts count";
-}
-
 } // namespace

@@ -100,17 +100,4 @@ TEST_F(ArrayList, MovingFromTheEnclosingContextSwapsWithItsTop) {
     EXPECT_EQ(context(), "341") << "the former top took the place of the moved one";
 }
 
-// Arrays of enclosing contexts are marked, and marked arrays never leave the list.
-TEST_F(ArrayList, ScopeChangesDoNotReachEnclosingContexts) {
-    make(2);
-    {
-        Contexts inner;
-        oxSetArrayScope(made_[1], 9);
-        EXPECT_TRUE(array_list_contains(made_[1])) << "a stale entry";
-        oxDestroyArray(oxCreateDoubleScalar(3));
-    }
-    made_[1]->scope = oxSCOPE_TEMPORARY;
-    EXPECT_EQ(context(), "21");
-}
-
 } // namespace
