@@ -13,7 +13,11 @@ TEST_F(Assign, ConversionWarnsAndGrowthAloneConvertsNothing) {
     Subs s{sub("4")};
     EXPECT_NO_WARNING(
         oxSubscriptedAssignmentWithFiller(a, 1, s.data(), sub("1x1: 300"), nullptr, true));
-    EXPECT_EQ(text(a), "int8 1x4: 1 2 0 0");
+    s = {sub("6")};
+    const oxArray *filler = sub("sparse double 1x1: (0,0)=5");
+    EXPECT_EQ(oxSubscriptedAssignmentWithFiller(a, 1, s.data(), sub("1x1: 9"), filler, false),
+              nullptr);
+    EXPECT_EQ(text(a), "int8 1x6: 1 2 0 0 5 9");
 }
 
 TEST_F(Assign, ErrorsLeaveTheTargetAlone) {

@@ -151,6 +151,7 @@ TEST_F(Convert, ImaginaryPartsGoWhenTheyAreZero) {
     oxCreateSharedDataCopy(shared);
     oxMarkImagData(marked);
     const std::pair<oxArray *, bool> rows[] = {
+        {arr("1+0i 2-0i"), false},
         {arr("1+0i 2+NaN*i"), true},
         {arr("int8 1x2: 1+0i 2+1i"), true},
         {shared, true},
