@@ -53,6 +53,12 @@ show 0 "normalize_image: bytes in and out; the brightest pixel saturates at 255,
 show 0 "pagerank: 67 nodes of a sparse graph ranked in 41 rounds" \
     pagerank --nlhs 2 examples/data/west0067.mtx
 
+show 0 "game_of_life: five cells, 200 generations later; shifted references count, masks assign" \
+    game_of_life '[0 1 1;1 1 0;0 1 0]' 200 '[64 72]'
+[ -z "$(find "$build" -name heat.vex)" ] ||
+    show 0 "heat, in Fortran: a plate whose upper edge is hot, after 20 steps" \
+        heat '[1 1 1 1 1;0 0 0 0 0;0 0 0 0 0;0 0 0 0 0;0 0 0 0 0]' 20
+
 # tool SENTENCE WORD ARG...: the same for the words that work on files.
 tool() {
     say "$1"

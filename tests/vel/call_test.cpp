@@ -33,6 +33,11 @@ TEST_F(Call, PrintsOutputs) {
          "error: VELTRO:normalize_image:input: y = normalize_image(x) takes one real uint8 "
          "image.\n"},
         {"vel call $MODULES/normalize_image.vex 'uint8([])'", 0, "output 1: uint8 0x0\n"},
+        {"vel call $MODULES/game_of_life.vex '[0 1 0;0 0 1;1 1 1]' 4 '[5 5]'", 0,
+         "output 1: logical 5x5\n  0  0  0  0  0\n  0  0  0  0  0\n  0  0  0  1  0\n"
+         "  0  0  0  0  1\n  0  0  1  1  1\n"},
+        {"vel call $MODULES/game_of_life.vex '[1 1 1]' 1 '[16 16]'", 0,
+         "output 1: logical 16x16\n  ⠀⠀⠀⠀⠀⠀⠀⠀\n  ⠀⠀⠀⢠⠀⠀⠀⠀\n  ⠀⠀⠀⠈⠀⠀⠀⠀\n  ⠀⠀⠀⠀⠀⠀⠀⠀\n"},
         {"vel call $MODULES/group_by.vex t.npy 2", 0, "output 1: cell 0x1\n"},
         {"vel call $MODULES/zscore.vex t.npy", 0, "output 1: double 0x2\n"},
         {"vel call $MODULES/pagerank.vex t.mtx", 0, "output 1: double 0x1\n"},

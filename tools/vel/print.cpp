@@ -133,6 +133,7 @@ void print_array(std::ostream &out, const std::string &label, const oxArray *a,
     out << describe(a) << '\n';
     if (oxIsSparse(a)) return print_sparse(out, a, indent.rest);
     if (oxIsEmpty(a)) return;
+    if (has_pattern(a)) return print_pattern(out, a, indent.rest);
     if (has_elements(a)) return print_table(out, a, indent.rest);
     if (!is_container(a)) return;
     if (depth_of(indent.rest) >= most_depth)

@@ -30,5 +30,8 @@ std::vector<size_t> cut(size_t n, size_t most);
 // The parts of print_array below its line.
 void print_table(std::ostream &out, const oxArray *a, const std::string &indent);
 void print_sparse(std::ostream &out, const oxArray *a, const std::string &indent);
+// For a matrix of truth values of some size: where they are true.
+bool has_pattern(const oxArray *a);
+void print_pattern(std::ostream &out, const oxArray *a, const std::string &indent);
 
 } // namespace vel

@@ -1,4 +1,4 @@
-// Sparse arrays as triplets and as a picture of their pattern.
+// Sparse arrays as triplets and as a picture of their pattern, truth values as a picture.
 #include "braille.h"
 #include "print.h"
 
@@ -24,12 +24,28 @@ void print_triplets(std::ostream &out, const oxArray *a, const std::string &inde
     }
 }
 
+void print_picture(std::ostream &out, const oxArray *a, const std::string &indent) {
+    for (const std::string &line : picture_of_pattern(a)) out << indent << "  " << line << '\n';
+}
+
 } // namespace
 
 void print_sparse(std::ostream &out, const oxArray *a, const std::string &indent) {
     print_triplets(out, a, indent);
     if (std::max(oxGetM(a), oxGetN(a)) < least_pictured || oxGetNumNonZeroEl(a) == 0) return;
-    for (const std::string &line : picture_of_pattern(a)) out << indent << "  " << line << '\n';
+    print_picture(out, a, indent);
+}
+
+bool has_pattern(const oxArray *a) {
+    return oxIsLogical(a) && !oxIsSparse(a) && oxGetNumberOfDimensions(a) == 2 &&
+           std::min(oxGetM(a), oxGetN(a)) >= least_pictured;
+}
+
+void print_pattern(std::ostream &out, const oxArray *a, const std::string &indent) {
+    oxArray *copy = oxCreateSharedDataCopy(a), *pattern = oxMustBeSparse(copy);
+    print_picture(out, pattern, indent);
+    oxDestroyArray(pattern);
+    if (pattern != copy) oxDestroyArray(copy);
 }
 
 } // namespace vel
