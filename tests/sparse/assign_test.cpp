@@ -28,6 +28,32 @@ TEST_F(SparseAssign, GrowthRule) {
     }
 }
 
+oxArray *random_sparse(Random &random, kwSize m, kwSize n) {
+    oxArray *full = oxCreateDoubleMatrix(m, n, oxREAL);
+    for (kwSize k = 0; k < m * n; ++k)
+        if (random.chance(0.5)) oxGetPr(full)[k] = static_cast<double>(random.between(1, 9));
+    return oxMustBeSparse(full);
+}
+
+// One column at a time and many in one rebuild leave the same elements and the same capacity.
+TEST_F(SparseAssign, ManyColumnsAtOnceEqualOneByOne) {
+    Random random{23};
+    for (int round = 0; round < 200; ++round) {
+        const kwSize m = 1 + random.below(6), n = 1 + random.below(6), count = 1 + random.below(30);
+        oxArray *at_once = random_sparse(random, m, n), *one_by_one = oxCreateDeepCopy(at_once);
+        oxArray *columns = oxCreateDoubleMatrix(1, count, oxREAL);
+        oxArray *b = random_sparse(random, m, count);
+        for (kwIndex k = 0; k < count; ++k) {
+            oxGetPr(columns)[k] = static_cast<double>(1 + random.below(n + 9));
+            const oxArray *to = oxCreateDoubleScalar(oxGetPr(columns)[k]);
+            ASSERT_EQ(spAss4(one_by_one, oxSparseReference(b, nullptr, 0, &k, 1), to), spOK);
+        }
+        ASSERT_EQ(spAss4(at_once, b, columns), spOK);
+        ASSERT_EQ(text(at_once), text(one_by_one)) << round;
+        ASSERT_EQ(oxGetNzmax(at_once), oxGetNzmax(one_by_one)) << round;
+    }
+}
+
 TEST_F(SparseAssign, StatusesAndWhatStaysAssigned) {
     oxArray *a = arr("sparse double 3x2: (0,0)=1"), *seven = oxCreateDoubleScalar(7);
     oxSetArrayScope(seven, 0); // no temporary, so that it is not consumed

@@ -77,6 +77,19 @@ TEST_F(SparseReference, RowsAndColumnsAgreeWithTheFullModel) {
     }
 }
 
+TEST_F(SparseReference, CapacityFollowsTheStrategy) {
+    const kwIndex rows_wanted[] = {7, 900}, one[] = {1, 1}, column[] = {0};
+    oxArray *tall = arr("sparse double 1000000x2: (7,0)=1 (8,0)=2 (900,1)=3");
+    oxArray *b = oxSparseReference(tall, rows_wanted, 2, nullptr, 0);
+    EXPECT_EQ(text(b), text(arr("sparse double 2x2 nzmax 3: (0,0)=1 (1,1)=3")));
+    EXPECT_EQ(oxGetNzmax(b), 3u); // min(2, 2) + min(1, 2)
+    oxArray *flat = arr("sparse double 20x2: (7,0)=1 (8,0)=2 (9,1)=3");
+    EXPECT_EQ(oxGetNzmax(oxSparseReference(flat, rows_wanted, 1, nullptr, 0)), 1u);
+    oxArray *repeated = oxSparseReference(arr("sparse double 5x5: (1,0)=4"), one, 2, column, 1);
+    EXPECT_EQ(text(repeated), text(arr("sparse double 2x1 nzmax 2: (0,0)=4 (1,0)=4")));
+    EXPECT_EQ(oxGetNzmax(oxSparseReference(flat, nullptr, 0, one, 0)), 1u);
+}
+
 TEST_F(SparseReference, PositionsBeyondTheArrayRaiseBeforeAnythingIsMade) {
     oxArray *a = arr("sparse double 5x2: (1,0)=4");
     const kwIndex row[] = {0, 5}, column[] = {2};
