@@ -15,10 +15,11 @@ fetch() {
     local apt=$work/apt mirror
     [ -z "$(compgen -G "$work/$1-[0-9]*/")" ] || { echo "$work/$1"-[0-9]*/ && return; }
     mirror=$(grep -rhoE 'https?://[^ ]*/debian/?( |$)' /etc/apt/sources.list /etc/apt/sources.list.d 2>/dev/null |
-        head -n 1 | tr -d ' ')
+        head -n 1 | tr -d ' ') || true
     mkdir -p "$apt/lists/partial"
+    [ -n "$mirror" ] || { echo "build-deps: no Debian mirror among the sources of apt" >&2 && exit 1; }
     echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg]" \
-        "${mirror:-http://deb.debian.org/debian} $VERSION_CODENAME main" >"$apt/deb-src.list"
+        "$mirror $VERSION_CODENAME main" >"$apt/deb-src.list"
     local options=(-q -o Dir::Etc::SourceList="$apt/deb-src.list" -o Dir::Etc::SourceParts=/dev/null
         -o Dir::State::Lists="$apt/lists")
     apt-get "${options[@]}" update >&2
