@@ -14,7 +14,11 @@ float utGetSingleEps() { return std::numeric_limits<float>::epsilon(); }
 
 bool utFinite(double x) { return std::isfinite(x); }
 
-double utDoubleScalarRound(double x) { return std::round(x); }
+// Not std::round: that of some C libraries adds a half and rounds 0.49999999999999994 up.
+double utDoubleScalarRound(double x) {
+    const double whole = std::trunc(x);
+    return std::fabs(x - whole) >= 0.5 ? whole + std::copysign(1.0, x) : whole;
+}
 
 double utFdlibm_floor(double x) { return std::floor(x); }
 

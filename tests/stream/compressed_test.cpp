@@ -100,9 +100,9 @@ TEST_F(Compressed, WrongStatesAnswerZero) {
 
 // A compressed element of any bytes, the way a stranger may write one.
 Bytes packed_element(const Bytes &inner, uint32_t claimed = 0) {
-    Bytes out(compressBound(inner.size()) + 8);
-    uLongf n = out.size() - 8;
-    compress2(out.data() + 8, &n, inner.data(), inner.size(), 9);
+    Bytes out(compressBound(static_cast<uLong>(inner.size())) + 8);
+    auto n = static_cast<uLongf>(out.size() - 8);
+    compress2(out.data() + 8, &n, inner.data(), static_cast<uLong>(inner.size()), 9);
     out.resize(n + 8);
     const uint32_t tag[2] = {oiCOMPRESSED, claimed ? claimed : static_cast<uint32_t>(n)};
     std::memcpy(out.data(), tag, 8);

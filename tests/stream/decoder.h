@@ -23,8 +23,9 @@ public:
         const Element e = next();
         if (e.type != 15) return array(e, a, name);
         Bytes inner(2 << 20);
-        uLongf length = inner.size();
-        const int status = uncompress(inner.data(), &length, &bytes_[e.at], e.n);
+        auto length = static_cast<uLongf>(inner.size());
+        const int status =
+            uncompress(inner.data(), &length, &bytes_[e.at], static_cast<uLong>(e.n));
         require(status == Z_OK, "zlib stream");
         inner.resize(length);
         Decoder(inner, big_, wide_).expect_array(a, name);

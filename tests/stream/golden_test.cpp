@@ -31,9 +31,11 @@ TEST_F(Golden, ArrayElements) {
         const std::size_t tag = form.options & oiWIDE ? 16 : 8;
         EXPECT_EQ(word(0), uint32_t{oiCOMPRESSED});
         EXPECT_EQ(word(tag / 2), packed.size() - tag);
-        uLongf n = r.bytes.size() - 8;
+        auto n = static_cast<uLongf>(r.bytes.size() - 8);
         Bytes inflated(n);
-        EXPECT_EQ(uncompress(inflated.data(), &n, &packed[tag], packed.size() - tag), Z_OK);
+        EXPECT_EQ(
+            uncompress(inflated.data(), &n, &packed[tag], static_cast<uLong>(packed.size() - tag)),
+            Z_OK);
         EXPECT_EQ(to_hex(inflated), to_hex(cut(r.bytes, 8)));
     }
 }
