@@ -3,7 +3,10 @@
 
 #include <atomic>
 #include <cstring>
-#if !defined(_WIN32)
+#if defined(_WIN32)
+#include <new>
+#include <windows.h>
+#else
 #include <langinfo.h>
 #endif
 
@@ -110,11 +113,49 @@ private:
     std::size_t count_ = 0;
 };
 
+#if defined(_WIN32)
+// The compiler's runtime frees the memory of thread-locals before it runs their destructors here.
+// So the system keeps the caches and tells of a thread's end, and the slot outlives no unloading of
+// the library.
+class ThreadCaches {
+public:
+    ThreadCaches() : slot_(FlsAlloc(close)) {}
+    ~ThreadCaches() { FlsFree(slot_); } // with those of the threads that still run
+    ThreadCaches(const ThreadCaches &) = delete;
+    ThreadCaches &operator=(const ThreadCaches &) = delete;
+
+    CodecCache *mine() {
+        auto *cache = static_cast<CodecCache *>(FlsGetValue(slot_));
+        if (cache) return cache;
+        cache = new (std::nothrow) CodecCache;
+        if (cache && FlsSetValue(slot_, cache)) return cache;
+        delete cache;
+        return nullptr;
+    }
+
+private:
+    static void WINAPI close(void *cache) { delete static_cast<CodecCache *>(cache); }
+
+    DWORD slot_;
+};
+
+CodecCache *thread_cache() {
+    static ThreadCaches caches;
+    return caches.mine();
+}
+#else
+CodecCache *thread_cache() {
+    static thread_local CodecCache cache;
+    return &cache;
+}
+#endif
+
 } // namespace
 
 Codec codec(const char *encoding) {
-    static thread_local CodecCache cache;
-    return encoding ? cache.named(encoding) : cache.local();
+    CodecCache *const cache = thread_cache();
+    if (!cache) return {nullptr, false};
+    return encoding ? cache->named(encoding) : cache->local();
 }
 
 } // namespace ut
