@@ -80,21 +80,10 @@ void finish_item(oiStreamRec_tag *s, const oiItem_tag &item) {
         oxDestroyArray(static_cast<oxArray *>(item.data));
         return;
     }
-    unsigned sum = 0; // touches every byte
-    for (uint64_t k = 0; k < item.count; ++k) sum += static_cast<unsigned char *>(item.data)[k];
-    volatile unsigned sink = sum;
-    static_cast<void>(sink);
+    const volatile auto *bytes = static_cast<char *>(item.data);
+    for (uint64_t k = 0; k < item.count; ++k) static_cast<void>(bytes[k]); // each can be read
     s->free(item.data);
 }
-
-namespace {
-
-int32_t room(oiStreamRec_tag *, kwSize n, kwSize *offset, kwSize *capacity) {
-    *capacity = *offset + n;
-    return oiSUCCESS;
-}
-
-} // namespace
 
 Stream::Stream(uint8_t choice, const uint8_t *data, std::size_t size) {
     const bool swapped = choice & 4;
@@ -110,6 +99,10 @@ Stream::Stream(uint8_t choice, const uint8_t *data, std::size_t size) {
         return;
     }
     if (size == 0) return;
+    const auto room = [](oiStreamRec_tag *, kwSize n, kwSize *offset, kwSize *capacity) -> int32_t {
+        *capacity = *offset + n;
+        return oiSUCCESS;
+    };
     file_ = fmemopen(const_cast<uint8_t *>(data), size, "rb");
     s_ = (choice & 3) == 1 ? oiCreateSequentialStream(file_, version, indicator, room, 0, nullptr,
                                                       nullptr, options)
@@ -118,10 +111,7 @@ Stream::Stream(uint8_t choice, const uint8_t *data, std::size_t size) {
 }
 
 Stream::~Stream() {
-    if (file_)
-        oiDisposeFileStream(s_);
-    else
-        oiDisposeBufferStream(s_);
+    (file_ ? oiDisposeFileStream : oiDisposeBufferStream)(s_);
     if (file_) fclose(file_);
 }
 

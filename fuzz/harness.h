@@ -17,8 +17,7 @@ class Run {
 public:
     Run(std::size_t input_size, std::size_t factor);
     ~Run();
-    Run(const Run &) = delete;
-    Run &operator=(const Run &) = delete;
+    Run &operator=(Run &&) = delete;
 
 private:
     std::size_t input_size_, factor_, blocks_, headers_;
@@ -48,8 +47,7 @@ class Stream {
 public:
     Stream(uint8_t choice, const uint8_t *data, std::size_t size);
     ~Stream();
-    Stream(const Stream &) = delete;
-    Stream &operator=(const Stream &) = delete;
+    Stream &operator=(Stream &&) = delete;
     oiStreamRec_tag *get() const { return s_; } // may be null
 
 private:

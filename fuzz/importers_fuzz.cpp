@@ -6,8 +6,9 @@
 #include <formats.h>
 #include <host.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <unistd.h>
 #include <ut.hpp>
@@ -17,27 +18,6 @@ using namespace ox::fuzz;
 namespace {
 
 constexpr const char *kinds[] = {"vel", "ser", "csv", "tsv", "mtx", "npy", "npz"};
-
-// Files of this process, which are gone when it ends.
-class Folder {
-public:
-    Folder()
-        : path_(std::filesystem::temp_directory_path() / ("fuzz_" + std::to_string(getpid()))) {
-        std::filesystem::create_directories(path_);
-    }
-    ~Folder() { std::filesystem::remove_all(path_); }
-    std::string write(const char *kind, const Input &in) const {
-        const std::string name = path_ / (std::string("x.") + kind);
-        FILE *f = fopen(name.c_str(), "wb");
-        require(f && (in.size() == 0 || fwrite(in.data(), in.size(), 1, f) == 1),
-                "the file is written");
-        fclose(f);
-        return name;
-    }
-
-private:
-    std::filesystem::path path_;
-};
 
 void read(const std::string &path) {
     const auto in = vel::open_input(path, {});
@@ -49,20 +29,21 @@ void read(const std::string &path) {
 
 // A text of few bytes may ask for up to 2^26 columns, which would only take time here.
 bool has_long_number(const Input &in) {
-    size_t digits = 0;
-    for (size_t k = 0; k < in.size() && digits < 5; ++k)
-        digits = in.data()[k] >= '0' && in.data()[k] <= '9' ? digits + 1 : 0;
-    return digits >= 5;
+    const auto is_digit = [](uint8_t c, int) { return c >= '0' && c <= '9'; };
+    const uint8_t *end = in.data() + in.size();
+    return std::search_n(in.data(), end, 5, 0, is_digit) != end;
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    static const Folder folder;
     Input in(data, size);
-    const char *kind = kinds[in.byte() % std::size(kinds)];
-    const std::string path = folder.write(kind, in);
-    if (std::string(kind) == "mtx" && has_long_number(in)) return 0;
+    const std::string kind = kinds[in.byte() % std::size(kinds)];
+    if (kind == "mtx" && has_long_number(in)) return 0;
+    const std::filesystem::path path =
+        std::filesystem::temp_directory_path() / ("fuzz_" + std::to_string(getpid()) + "." + kind);
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char *>(in.data()), static_cast<std::streamsize>(in.size()));
     try {
         const Run run(size, 8192); // deflate makes 1032 bytes of one, for numbers of up to 8
         try {
@@ -76,5 +57,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     } catch (const std::bad_alloc &) {
         require(false, "memory suffices");
     }
+    std::filesystem::remove(path);
     return 0;
 }

@@ -3,7 +3,6 @@
 
 #include <zlib.h>
 
-#include <cstring>
 #include <vector>
 
 using namespace ox::fuzz;
@@ -12,30 +11,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Input in(data, size);
     const uint8_t choice = in.byte();
     const bool wide = choice & 8, swapped = choice & 4, raw = choice & 16;
-    std::vector<uint8_t> bytes(16);
-    uLongf length = in.size();
-    if (raw) {
-        bytes.insert(bytes.end(), in.data(), in.data() + in.size());
-    } else {
-        length = compressBound(in.size());
-        bytes.resize(16 + length);
-        compress2(bytes.data() + 16, &length, in.data(), in.size(), 1);
-        bytes.resize(16 + length);
+    std::vector<uint8_t> packed(in.data(), in.data() + in.size());
+    if (!raw) {
+        uLongf length = compressBound(in.size());
+        packed.resize(length);
+        compress2(packed.data(), &length, in.data(), in.size(), 1);
+        packed.resize(length);
     }
-    const uint64_t words[2] = {oiCOMPRESSED, length};
-    std::memcpy(bytes.data(), words, 16);
-    if (!wide) {
-        const uint32_t tag[2] = {oiCOMPRESSED, static_cast<uint32_t>(length)};
-        std::memcpy(bytes.data() + 8, tag, 8);
-        bytes.erase(bytes.begin(), bytes.begin() + 8);
-    }
+    const auto length = static_cast<uint32_t>(packed.size());
+    std::vector<uint32_t> tag = {oiCOMPRESSED, length};
+    if (wide) tag = {oiCOMPRESSED, 0, length, 0};
     if (swapped)
-        for (std::size_t k = 0; k + 4 <= (wide ? 16u : 8u); k += 4) {
-            std::swap(bytes[k], bytes[k + 3]);
-            std::swap(bytes[k + 1], bytes[k + 2]);
-        }
-    const uint8_t tail[16] = {}; // a second element, perhaps
-    bytes.insert(bytes.end(), tail, tail + 16);
+        for (uint32_t &word : tag) word = __builtin_bswap32(word);
+    const auto *first = reinterpret_cast<const uint8_t *>(tag.data());
+    std::vector<uint8_t> bytes(first, first + 4 * tag.size());
+    bytes.insert(bytes.end(), packed.begin(), packed.end());
+    bytes.insert(bytes.end(), 16, 0); // a second element, perhaps
     const Run run(bytes.size(), 16 * 1032);
     const Stream s(static_cast<uint8_t>((choice & 12) | (choice & 1 ? 1 : 2)), bytes.data(),
                    bytes.size());

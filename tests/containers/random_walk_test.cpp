@@ -49,7 +49,7 @@ void change(oxArray *a, const Change &c) {
     else if (c.where % 5 == 0 && !is_sparse(a))
         oxSetDimensions_730(a, std::vector<kwSize>{n, 1}.data(), 2);
     else
-        store_number(a, k, {oxIsLogical(a) ? "1" : std::to_string(c.number), {}});
+        store_number(a, k, oxIsLogical(a) ? "1" : std::to_string(c.number));
 }
 
 void change_slots(oxArray *a, const Change &c) {

@@ -12,7 +12,7 @@ TEST_F(Items, BytesOfEveryFormAndBack) {
     for (const Carrier c : {Carrier::buffer, Carrier::file, Carrier::sequential}) {
         for (const Record &r : records("stream/items.txt")) {
             const StreamForm form = form_of(r.fields[0], c);
-            SCOPED_TRACE(name_of(form) + to_hex(r.bytes));
+            SCOPED_TRACE(form.name + to_hex(r.bytes));
             TestStream s(form);
             const Bytes data = hex(r.fields[2]), source = data;
             const int type = std::stoi(r.fields[1]);

@@ -134,7 +134,7 @@ TEST_F(RoundTrip, RandomArraysInEveryForm) {
         const Contexts contexts;
         const oxArray *a = round ? random_array(r, 3) : large_cell(r), *b = random_array(r, 2);
         for (const StreamForm &form : all_forms()) {
-            SCOPED_TRACE(name_of(form) + ", round " + std::to_string(round));
+            SCOPED_TRACE(form.name + ", round " + std::to_string(round));
             const Bytes bytes = write_three(form, a, b);
             ASSERT_NO_THROW(expect_decoded(form, bytes, a, b));
             TestStream s(form, bytes);
@@ -157,7 +157,7 @@ TEST_F(RoundTrip, RandomArraysInEveryForm) {
 TEST_F(RoundTrip, HeadersHaveNoData) {
     for (const StreamForm &form : all_forms()) {
         for (const Record &r : records("stream/golden.txt")) {
-            SCOPED_TRACE(name_of(form) + r.fields[1]);
+            SCOPED_TRACE(form.name + r.fields[1]);
             const Contexts contexts;
             const oxArray *a = arr(r.fields[1]);
             TestStream s(form, write_three(form, a, a));

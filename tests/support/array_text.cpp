@@ -9,84 +9,60 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <numeric>
+#include <sstream>
 #include <stdexcept>
 
 namespace ox::test {
 
+constexpr const char *token_ends = " \n:;|{}(),=";
+
 // --- Scanner ---------------------------------------------------------------------------------
 
+void Scanner::expect(bool holds) const {
+    if (!holds) throw std::invalid_argument("array malformed before \"" + std::string(rest_) + '"');
+}
+
 char Scanner::peek() {
-    while (!rest_.empty() && (rest_[0] == ' ' || rest_[0] == '\n')) rest_.remove_prefix(1);
+    rest_.remove_prefix(std::min(rest_.find_first_not_of(" \n"), rest_.size()));
     return rest_.empty() ? '\0' : rest_[0];
 }
 
 char Scanner::next() {
-    if (rest_.empty()) fail("unexpected end");
-    return take(1)[0];
+    expect(!rest_.empty());
+    const char c = rest_[0];
+    rest_.remove_prefix(1);
+    return c;
 }
 
-bool Scanner::accept(char c) { return peek() == c && !take(1).empty(); }
+bool Scanner::accept(char c) { return peek() == c && (rest_.empty() || next()); }
 
-void Scanner::expect(char c) {
-    if (!accept(c)) fail((std::string("expected ") + c).c_str());
-}
-
-std::string_view Scanner::take(std::size_t n) {
-    const std::string_view w = rest_.substr(0, n);
-    rest_.remove_prefix(w.size());
-    return w;
-}
-
-std::string_view Scanner::word() {
+std::string Scanner::token() {
     peek();
-    return take(static_cast<std::size_t>(
-        std::find_if(rest_.begin(), rest_.end(),
-                     [](unsigned char c) { return !std::isalnum(c) && c != '_'; }) -
-        rest_.begin()));
+    const std::string s(rest_.substr(0, rest_.find_first_of(token_ends)));
+    rest_.remove_prefix(s.size());
+    return s;
 }
 
-std::string_view Scanner::number() {
-    if (!peek()) fail("expected a number");
-    return take(rest_.find_first_of(" \n;|{},)"));
-}
-
-kwSize Scanner::size() {
-    if (!at_digit()) fail("expected a size");
-    kwSize n = 0;
-    for (; at_digit(); next()) n = n * 10 + static_cast<kwSize>(rest_[0] - '0');
-    return n;
-}
-
-void Scanner::fail(const char *what) const {
-    throw std::invalid_argument(std::string(what) + " before \"" + std::string(rest_) + "\" in \"" +
-                                std::string(whole_) + '"');
+Dims Scanner::dims() {
+    Dims dims(1);
+    std::istringstream sizes(token());
+    for (sizes >> dims[0]; sizes.get() == 'x';) sizes >> dims.emplace_back();
+    expect(dims.size() >= 2 && sizes.eof());
+    return dims;
 }
 
 // --- Numbers ---------------------------------------------------------------------------------
 
-NumberText read_number(Scanner &in) {
-    const std::string_view token = in.number();
-    if (token.back() != 'i') return {token, {}};
-    std::string_view body = token.substr(0, token.size() - 1);
-    if (body.ends_with('*')) body.remove_suffix(1);
-    std::size_t cut = body.size();
-    while (cut-- > 1) // the sign between the parts, not that of an exponent
-        if ((body[cut] == '+' || body[cut] == '-') && body[cut - 1] != 'e') break;
-    if (cut == 0 || cut >= body.size()) return {"0", body};
-    return {body.substr(0, cut), body[cut] == '+' ? body.substr(cut + 1) : body.substr(cut)};
-}
-
 namespace {
 
-template<class T> using WideOf =
-    std::conditional_t<std::is_same_v<T, bool> || std::is_same_v<T, oxChar>, uint32_t, T>;
-
-template<class T> T value_of(std::string_view s) {
-    WideOf<T> v{};
+template<class T> T read_value(std::string_view &s) {
+    if (s.starts_with('+')) s.remove_prefix(1);
+    T v{};
     const auto end = std::from_chars(s.data(), s.data() + s.size(), v);
-    if (end.ec != std::errc() || end.ptr != s.data() + s.size())
-        throw std::invalid_argument("not a number of this class: " + std::string(s));
-    return static_cast<T>(v);
+    if (end.ec != std::errc()) throw std::invalid_argument("no such number: " + std::string(s));
+    s.remove_prefix(static_cast<std::size_t>(end.ptr - s.data()));
+    return v;
 }
 
 template<class T> void print_value(T v, std::string &out) {
@@ -94,29 +70,33 @@ template<class T> void print_value(T v, std::string &out) {
     if constexpr (std::is_floating_point_v<T>)
         if (std::isinf(v)) return void(out += v < 0 ? "-Inf" : "Inf");
     char buffer[64];
-    const auto end = std::to_chars(buffer, buffer + sizeof buffer, static_cast<WideOf<T>>(v));
-    out.append(buffer, end.ptr);
+    out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, v).ptr);
 }
 
 } // namespace
 
-void store_number(oxArray *a, kwSize k, const NumberText &n) {
+void store_number(oxArray *a, kwSize k, const std::string &number) {
     visit_class(a->class_code, false, [&]<class T>(std::type_identity<T>) {
-        data<T>(a)[k] = value_of<T>(n.re);
-        if (is_complex(a)) imag<T>(a)[k] = n.im.empty() ? T{} : value_of<T>(n.im);
+        std::string_view rest = number;
+        auto re = read_value<Stored<T>>(rest), im = decltype(re){};
+        if (rest.starts_with('+') || rest.starts_with('-'))
+            im = read_value<Stored<T>>(rest);
+        else if (!rest.empty())
+            std::swap(re, im);
+        if (number.ends_with('i') ? rest != "i" && rest != "*i" : !rest.empty())
+            throw std::invalid_argument("not a number of this class: " + number);
+        data<Stored<T>>(a)[k] = re;
+        if (is_complex(a)) imag<Stored<T>>(a)[k] = im;
         return true;
     });
 }
 
 void print_number(const oxArray *a, kwSize k, std::string &out) {
     visit_class(a->class_code, false, [&]<class T>(std::type_identity<T>) {
-        if constexpr (std::is_same_v<T, bool>)
-            print_value(data<uint8_t>(a)[k], out); // the byte as it is
-        else
-            print_value(data<T>(a)[k], out);
+        print_value(data<Stored<T>>(a)[k], out);
         if (!has_imag_block(a)) return true;
         std::string im;
-        print_value(imag<T>(a)[k], im);
+        print_value(imag<Stored<T>>(a)[k], im);
         if (im[0] != '-') out += '+';
         out += im;
         out += im.back() == 'N' || im.back() == 'f' ? "*i" : "i";
@@ -124,11 +104,10 @@ void print_number(const oxArray *a, kwSize k, std::string &out) {
     });
 }
 
-// --- Characters ------------------------------------------------------------------------------
+// --- The body of a full array ------------------------------------------------------------------
 
 namespace {
 
-// \\uXXXX, or a backslash and the character itself.
 oxChar read_escape(Scanner &in) {
     const char c = in.next();
     if (c != 'u') return static_cast<unsigned char>(c);
@@ -137,10 +116,42 @@ oxChar read_escape(Scanner &in) {
     return static_cast<oxChar>(std::stoul(digits, nullptr, 16));
 }
 
-void read_quoted(Scanner &in, std::vector<oxChar> &units) {
-    in.expect('\'');
-    for (char c; (c = in.next()) != '\'';)
-        units.push_back(c == '\\' ? read_escape(in) : static_cast<unsigned char>(c));
+// Numbers as they are written, or those of the characters between quotes.
+void read_row(Scanner &in, std::vector<std::string> &items) {
+    if (in.accept('\''))
+        for (char c; (c = in.next()) != '\'';)
+            items.push_back(
+                std::to_string(c == '\\' ? read_escape(in) : static_cast<unsigned char>(c)));
+    else
+        while (in.peek() && !std::strchr(token_ends, in.peek())) items.push_back(in.token());
+}
+
+oxArray *create(const Dims &dims, int id, bool complex) {
+    if (id == oxLOGICAL_CLASS) return oxCreateLogicalArray(dims.size(), dims.data());
+    return oxCreateNumericArray(dims.size(), dims.data(), static_cast<oxClassID>(id),
+                                complex ? oxCOMPLEX : oxREAL);
+}
+
+// Pages of rows.
+oxArray *read_full(Scanner &in, int id, Dims dims) {
+    std::vector<std::string> items;
+    kwSize rows = 0, pages = 0;
+    do {
+        ++pages;
+        do {
+            ++rows;
+            read_row(in, items);
+        } while (in.accept(';'));
+    } while (in.accept('|'));
+    const kwSize m = rows / pages, n = items.size() / rows;
+    if (dims.empty()) dims = {m, n};
+    in.expect(dims[0] == m && dims[1] == n && element_count(dims) == items.size());
+    const bool complex = std::any_of(items.begin(), items.end(),
+                                     [](const std::string &item) { return item.ends_with('i'); });
+    oxArray *a = create(dims, id, complex);
+    for (kwSize k = 0; k < items.size(); ++k)
+        store_number(a, k / (m * n) * m * n + k % n * m + k / n % m, items[k]);
+    return a;
 }
 
 void print_unit(char16_t c, std::string &out) {
@@ -151,70 +162,11 @@ void print_unit(char16_t c, std::string &out) {
     out += escape;
 }
 
-// --- The body of a full array ------------------------------------------------------------------
-
-bool body_ends(Scanner &in) {
-    const char c = in.peek();
-    return c == '\0' || c == '}' || c == ',';
-}
-
-// Pages of rows, in the order of the text, and the shape that they have.
-template<class Item> struct Rows {
-    std::vector<Item> items;
-    Dims dims;
-
-    template<class ReadRow> Rows(Scanner &in, const Dims &given, ReadRow &&read_row) : dims(given) {
-        kwSize rows = 0, pages = 0;
-        do {
-            ++pages;
-            do {
-                ++rows;
-                read_row(items);
-            } while (in.accept(';'));
-        } while (in.accept('|'));
-        const kwSize m = rows / pages, n = items.size() / rows;
-        if (given.empty()) dims = {m, n};
-        if (dims[0] != m || dims[1] != n || element_count(dims) != items.size())
-            in.fail("elements do not fill the dimensions");
-    }
-    // Position in memory of the item that was read k-th.
-    kwSize position(kwSize k) const {
-        const kwSize m = dims[0], n = dims[1], page = k / (m * n);
-        return page * m * n + k % n * m + k / n % m;
-    }
-};
-
-oxArray *create(const Dims &dims, int id, bool complex) {
-    if (id == oxLOGICAL_CLASS) return oxCreateLogicalArray(dims.size(), dims.data());
-    return oxCreateNumericArray(dims.size(), dims.data(), static_cast<oxClassID>(id),
-                                complex ? oxCOMPLEX : oxREAL);
-}
-
-oxArray *read_chars(Scanner &in, const Dims &given) {
-    const Rows<oxChar> r(in, given, [&](std::vector<oxChar> &items) { read_quoted(in, items); });
-    oxArray *a = create(r.dims, oxCHAR_CLASS, false);
-    for (kwSize k = 0; k < r.items.size(); ++k) a->get_chars()[r.position(k)] = r.items[k];
-    return a;
-}
-
-oxArray *read_numbers(Scanner &in, const Dims &given, int id) {
-    const Rows<NumberText> r(in, given, [&](std::vector<NumberText> &items) {
-        while (!body_ends(in) && in.peek() != ';' && in.peek() != '|')
-            items.push_back(read_number(in));
-    });
-    const bool complex = std::any_of(r.items.begin(), r.items.end(),
-                                     [](const NumberText &n) { return !n.im.empty(); });
-    oxArray *a = create(r.dims, id, complex);
-    for (kwSize k = 0; k < r.items.size(); ++k) store_number(a, r.position(k), r.items[k]);
-    return a;
-}
-
 void print_full(const oxArray *a, std::string &out) {
     print_dims(a, out);
     const kwSize count = a->get_number_of_elements(), m = rows(a), n = a->get_dimensions()[1];
     if (count == 0) return;
     if (!a->num.pdata) return void(out += ", no data");
-    if (a->is_imag_marked()) out += ", imaginary part announced";
     for (kwSize k = 0; k < count / n; ++k) {
         out += k == 0 ? ": " : k % m == 0 ? " | " : "; ";
         if (a->is_char()) out += '\'';
@@ -237,25 +189,10 @@ bool holds_values(int id) {
     return visit_class(id, false, []<class T>(std::type_identity<T>) { return true; });
 }
 
-int class_of_word(std::string_view word) {
-    for (const ClassInfo &info : class_table)
-        if (word == info.name && holds_values(info.id)) return info.id;
-    return 0;
-}
-
 } // namespace
 
 kwSize element_count(const Dims &dims) {
-    kwSize count = 1;
-    for (const kwSize d : dims) count *= d;
-    return count;
-}
-
-Dims read_dims(Scanner &in) {
-    Dims dims{in.size()};
-    while (in.accept('x')) dims.push_back(in.size());
-    if (dims.size() < 2) in.fail("expected at least two dimensions");
-    return dims;
+    return std::accumulate(dims.begin(), dims.end(), kwSize{1}, std::multiplies<>());
 }
 
 void print_dims(const oxArray *a, std::string &out) {
@@ -265,59 +202,36 @@ void print_dims(const oxArray *a, std::string &out) {
 
 oxArray *read_array(Scanner &in) {
     const Scanner start = in;
-    const std::string_view word = in.word();
+    const std::string word = in.token();
     for (const TextForm *f : forms)
         if (word == f->word) return f->make(in);
-    int id = class_of_word(word);
-    Dims dims;
-    if (!id) {
-        in = start; // the elements themselves
-        id = oxDOUBLE_CLASS;
-    } else {
-        if (in.at_digit()) dims = read_dims(in);
-        if (!in.accept(':')) {
-            if (dims.empty() || element_count(dims)) in.fail("expected elements");
-            return create(dims, id, false);
-        }
-    }
-    return id == oxCHAR_CLASS ? read_chars(in, dims) : read_numbers(in, dims, id);
-}
-
-oxArray *read_in_braces(Scanner &in) {
-    in.expect('{');
-    if (in.accept('}')) return nullptr;
-    oxArray *a = read_array(in);
-    in.expect('}');
-    return a;
-}
-
-void print_in_braces(const oxArray *a, std::string &out) {
-    out += '{';
-    if (a) out += text(a);
-    out += '}';
+    const int id = oxClassIDFromClassName(word.c_str());
+    if (!holds_values(id)) return read_full(in = start, oxDOUBLE_CLASS, {});
+    const Dims dims = in.peek() == ':' ? Dims() : in.dims();
+    if (in.accept(':')) return read_full(in, id, dims);
+    in.expect(element_count(dims) == 0);
+    return create(dims, id, false);
 }
 
 oxArray *arr(std::string_view text) {
     if (text == "null") return nullptr;
     Scanner in(text);
     oxArray *a = read_array(in);
-    if (in.peek()) in.fail("text goes on");
+    in.expect(!in.peek());
     return a;
 }
 
 std::string text(const oxArray *a) {
     if (!a) return "null";
+    std::string out = oxArrayClassIDName(static_cast<oxClassID>(a->class_code));
+    auto print = holds_values(a->class_code) ? print_full : print_dims;
     for (const TextForm *f : forms) {
         if (!f->is(a)) continue;
-        std::string out(f->word);
-        f->print(a, out);
-        return out;
+        out = f->word;
+        print = f->print;
+        break;
     }
-    std::string out = oxArrayClassIDName(static_cast<oxClassID>(a->class_code));
-    if (holds_values(a->class_code))
-        print_full(a, out);
-    else
-        print_dims(a, out);
+    print(a, out);
     return out;
 }
 

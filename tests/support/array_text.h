@@ -30,28 +30,25 @@ oxArray *arr(std::string_view text);
 // read back equal.
 std::string text(const oxArray *a);
 
+using Dims = std::vector<kwSize>;
+kwSize element_count(const Dims &dims);
+
 // --- For further kinds of arrays ------------------------------------------------------------
 
-// Reads a text from the front; fail() says where it stopped.
+// Reads a text from the front.
 class Scanner {
 public:
-    explicit Scanner(std::string_view text) : whole_(text), rest_(text) {}
-    bool accept(char c);       // skips blanks first
-    void expect(char c);       // the same, or fails
-    std::string_view word();   // letters, digits and '_', may be empty
-    std::string_view number(); // up to a blank or one of ;|{},)
-    char peek();               // after blanks; 0 at the end
-    char next();               // exactly the next char
-    bool at_digit() { return peek() >= '0' && peek() <= '9'; }
-    kwSize size();
-    [[noreturn]] void fail(const char *what) const;
+    explicit Scanner(std::string_view text) : rest_(text) {}
+    char peek();         // after blanks; 0 at the end
+    char next();         // exactly the next char
+    bool accept(char c); // skips blanks first
+    void expect(bool holds) const;
+    std::string token(); // up to a blank or one of :;|{}(),=
+    Dims dims();
 
 private:
-    std::string_view take(std::size_t n);
-    std::string_view whole_, rest_;
+    std::string_view rest_;
 };
-
-using Dims = std::vector<kwSize>;
 
 // One kind of array that is written with a word of its own.
 struct TextForm {
@@ -65,18 +62,10 @@ struct TextForm {
 extern const TextForm sparse_form, cell_form, struct_form;
 extern const TextForm object_form, opaque_form, lazy_form, handle_form; // of the fake layer
 
-Dims read_dims(Scanner &in);
+oxArray *read_array(Scanner &in); // one array, as arr()
 void print_dims(const oxArray *a, std::string &out);
-oxArray *read_array(Scanner &in);     // one array, as arr()
-oxArray *read_in_braces(Scanner &in); // {array}, or {} for null
-void print_in_braces(const oxArray *a, std::string &out);
-kwSize element_count(const Dims &dims);
-// Reads one number, real or complex, into element k of arrays that hold numbers.
-struct NumberText {
-    std::string_view re, im; // im empty: real
-};
-NumberText read_number(Scanner &in);
-void store_number(oxArray *a, kwSize k, const NumberText &n);
+// One number, real or complex, of arrays that hold numbers.
+void store_number(oxArray *a, kwSize k, const std::string &number);
 void print_number(const oxArray *a, kwSize k, std::string &out);
 
 } // namespace ox::test

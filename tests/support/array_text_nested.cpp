@@ -2,13 +2,9 @@
 #include <containers/field_table.h>
 #include <core/array_list.h>
 #include <core/class_table.h>
-#include <core/create.h>
-#include <core/imaginary.h>
 #include <ox.h>
 #include <sparse/storage/csc.h>
 #include <support/array_text.h>
-
-#include <stdexcept>
 
 namespace ox::test {
 namespace {
@@ -17,43 +13,34 @@ namespace {
 
 struct Entry {
     kwSize row, col;
-    NumberText value;
+    std::string value;
 };
 
-std::vector<Entry> read_entries(Scanner &in) {
-    std::vector<Entry> entries;
-    while (in.accept('(')) {
-        Entry e{};
-        e.row = in.size();
-        in.expect(',');
-        e.col = in.size();
-        in.expect(')');
-        in.expect('=');
-        e.value = read_number(in);
-        entries.push_back(e);
-    }
-    return entries;
-}
-
 oxArray *make_sparse_of(Scanner &in) {
-    const int id = oxClassIDFromClassName(std::string(in.word()).c_str());
-    const Dims dims = read_dims(in);
-    kwSize nzmax = 0;
-    if (in.word() == "nzmax") nzmax = in.size();
-    const std::vector<Entry> entries = in.accept(':') ? read_entries(in) : std::vector<Entry>();
+    const int id = oxClassIDFromClassName(in.token().c_str());
+    const Dims dims = in.dims();
+    const kwSize m = dims[0], n = dims[1],
+                 nzmax = in.token() == "nzmax" ? std::stoull(in.token()) : 0;
+    std::vector<Entry> entries;
     bool complex = false;
-    for (const Entry &e : entries) complex = complex || !e.value.im.empty();
-    const kwSize n = dims[1], nnz = entries.size();
-    oxArray *a = make_sparse(dims[0], n, nzmax ? nzmax : nnz, id, complex);
-    if (!a) throw std::invalid_argument("no sparse array of this class");
-    for (kwSize k = 0; k < nnz; ++k) {
+    for (in.accept(':'); in.accept('(');) {
+        Entry &e = entries.emplace_back();
+        e.row = std::stoull(in.token());
+        in.expect(in.accept(','));
+        e.col = std::stoull(in.token());
+        in.expect(in.accept(')') && in.accept('='));
+        e.value = in.token();
+        complex = complex || e.value.ends_with('i');
+    }
+    oxArray *a = make_sparse(m, n, nzmax ? nzmax : entries.size(), id, complex);
+    in.expect(a != nullptr);
+    for (kwSize k = 0; k < entries.size(); ++k) {
         a->num.ir[k] = entries[k].row;
         ++a->num.jc[entries[k].col + 1];
         store_number(a, k, entries[k].value);
     }
     for (kwSize j = 0; j < n; ++j) a->num.jc[j + 1] += a->num.jc[j];
-    if (broken_csc_rule(dims[0], n, a->num.nzmax, a->num.jc, a->num.ir))
-        in.fail("entries are not in storage order");
+    in.expect(!broken_csc_rule(m, n, a->num.nzmax, a->num.jc, a->num.ir));
     return hand_over(a);
 }
 
@@ -73,48 +60,58 @@ void print_sparse(const oxArray *a, std::string &out) {
 
 // --- Cells and structs: slots in the order of memory ---------------------------------------------
 
-std::vector<std::string> read_names(Scanner &in) {
-    std::vector<std::string> names;
-    if (!in.peek() || in.peek() == ':' || in.peek() == '}') return names;
-    do names.emplace_back(in.word());
-    while (in.accept(','));
-    return names;
-}
-
-template<int id> oxArray *make_container(Scanner &in) {
-    const Dims dims = read_dims(in);
-    std::vector<std::string> names;
-    if (id == oxSTRUCT_CLASS) names = read_names(in);
-    std::vector<const char *> pointers;
-    for (const std::string &name : names) pointers.push_back(name.c_str());
-    const kwSize slots = element_count(dims) * (id == oxSTRUCT_CLASS ? names.size() : 1);
-    oxArray *a = make_header(id, dims[0], dims[1]);
-    store_dimensions(a, dims.size(), dims.data());
-    a->cell.slots = static_cast<oxArray **>(oxCallocEx(slots, sizeof(oxArray *)));
-    hand_over(a);
-    for (kwSize k = 0; k < slots && (k || in.accept(':')); ++k)
-        if (oxArray *element = read_in_braces(in)) a->cell.slots[k] = contained(element);
-    if (slots == 0) in.accept(':');
-    if (!names.empty())
-        a->record.names = make_field_table(static_cast<int32_t>(names.size()), pointers.data());
-    return a;
-}
-
-void print_container(const oxArray *a, std::string &out) {
-    print_dims(a, out);
-    const int32_t n = oxIsCell(a) ? 0 : field_count(a);
-    for (int32_t k = 0; k < n; ++k) out += (k ? "," : " ") + std::string(a->record.names->names[k]);
-    const kwSize slots = a->get_number_of_elements() * static_cast<kwSize>(oxIsCell(a) ? 1 : n);
-    if (slots && !a->cell.slots) return void(out += ", no data");
-    for (kwSize k = 0; k < slots; ++k) {
-        out += k == 0 ? ": " : " ";
-        print_in_braces(a->cell.slots[k], out);
+void read_slots(Scanner &in, oxArray *a, kwSize count) {
+    in.accept(':');
+    for (kwSize k = 0; k < count && in.accept('{'); ++k) {
+        if (in.accept('}')) continue;
+        a->cell.slots[k] = contained(read_array(in));
+        in.expect(in.accept('}'));
     }
 }
 
+void print_slots(const oxArray *a, kwSize count, std::string &out) {
+    if (count && !a->cell.slots) return void(out += ", no data");
+    for (kwSize k = 0; k < count; ++k) {
+        out += k == 0 ? ": {" : " {";
+        if (a->cell.slots[k]) out += text(a->cell.slots[k]);
+        out += '}';
+    }
+}
+
+oxArray *make_cell_of(Scanner &in) {
+    const Dims dims = in.dims();
+    oxArray *a = oxCreateCellArray(dims.size(), dims.data());
+    read_slots(in, a, element_count(dims));
+    return a;
+}
+
+void print_cell(const oxArray *a, std::string &out) {
+    print_dims(a, out);
+    print_slots(a, a->get_number_of_elements(), out);
+}
+
+oxArray *make_struct_of(Scanner &in) {
+    const Dims dims = in.dims();
+    std::vector<std::string> names;
+    for (std::string name; !(name = in.token()).empty(); in.accept(',')) names.push_back(name);
+    std::vector<const char *> pointers;
+    for (const std::string &name : names) pointers.push_back(name.c_str());
+    oxArray *a = oxCreateStructArray(dims.size(), dims.data(), static_cast<int>(names.size()),
+                                     pointers.data());
+    read_slots(in, a, element_count(dims) * names.size());
+    return a;
+}
+
+void print_struct(const oxArray *a, std::string &out) {
+    print_dims(a, out);
+    const int n = field_count(a);
+    for (int k = 0; k < n; ++k) out += (k ? "," : " ") + std::string(a->record.names->names[k]);
+    print_slots(a, a->get_number_of_elements() * static_cast<kwSize>(n), out);
+}
+
 oxArray *make_object(Scanner &in) {
-    const std::string class_name(in.word());
-    oxArray *a = make_container<oxSTRUCT_CLASS>(in);
+    const std::string class_name = in.token();
+    oxArray *a = make_struct_of(in);
     oxSetClassName(a, class_name.c_str());
     return a;
 }
@@ -122,15 +119,14 @@ oxArray *make_object(Scanner &in) {
 void print_object(const oxArray *a, std::string &out) {
     out += ' ';
     out += oxGetClassName(a);
-    print_container(a, out);
+    print_struct(a, out);
 }
 
 } // namespace
 
 const TextForm object_form = {"object", oxIsObject, make_object, print_object};
 const TextForm sparse_form = {"sparse", is_sparse, make_sparse_of, print_sparse};
-const TextForm cell_form = {"cell", oxIsCell, make_container<oxCELL_CLASS>, print_container};
-const TextForm struct_form = {"struct", oxIsStructClass, make_container<oxSTRUCT_CLASS>,
-                              print_container};
+const TextForm cell_form = {"cell", oxIsCell, make_cell_of, print_cell};
+const TextForm struct_form = {"struct", oxIsStructClass, make_struct_of, print_struct};
 
 } // namespace ox::test

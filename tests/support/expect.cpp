@@ -7,7 +7,6 @@
 
 #include <cctype>
 #include <cstring>
-#include <ostream>
 
 namespace ox::test {
 
@@ -15,21 +14,13 @@ using testing::AssertionFailure;
 using testing::AssertionResult;
 using testing::AssertionSuccess;
 
-namespace {
-
-std::string quoted(const std::string &id, const std::string &message) {
-    return '<' + id + "> \"" + message + '"';
-}
-
-} // namespace
-
 AssertionResult raises(const char *id, const char *message, const std::function<void()> &call) {
-    const std::string expected = quoted(id, message ? message : "...");
+    const std::string expected = std::string(id) + ": " + (message ? message : "...");
     std::string raised = "nothing";
     try {
         call();
     } catch (const ut::simple_exception &e) {
-        raised = quoted(e.identifier(), message ? e.message() : "...");
+        raised = std::string(e.identifier()) + ": " + (message ? e.message() : "...");
         const char *last;
         oxGetLastErrIdAndMsg(&last, nullptr);
         if (oxGetErrorMode() && std::strcmp(last, e.identifier()))
@@ -49,24 +40,20 @@ AssertionResult raises_entry(oxErrorMessage number, const std::function<void()> 
     return raises(entry_id(number).c_str(), oxGetErrorTableEntry(number), call);
 }
 
-std::ostream &operator<<(std::ostream &out, const Warning &w) {
-    return out << quoted(w.id, w.text);
-}
-
 std::vector<Warning> WarningRecorder::shown;
 
 namespace {
 
 void on_warning(const char *text) {
-    constexpr std::size_t lead = sizeof "Warning: " - 1;
-    const bool led = !std::strncmp(text, "Warning: ", lead);
-    WarningRecorder::shown.push_back({"", led ? text + lead : std::string("unled: ") + text});
+    const std::string lead = "Warning: ", whole = text;
+    WarningRecorder::shown.push_back(
+        {"", whole.starts_with(lead) ? whole.substr(lead.size()) : "unled: " + whole});
 }
 
 // The identifier is known only once the handler is through.
 void after_warning() {
     if (utWarnCtx *context = utGetWarningManagerContext())
-        WarningRecorder::shown.back().id = utGetLastPrintedWarningId(context);
+        WarningRecorder::shown.back().first = utGetLastPrintedWarningId(context);
 }
 
 } // namespace

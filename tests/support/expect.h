@@ -17,19 +17,15 @@ testing::AssertionResult raises(const char *id, const char *message,
 std::string entry_id(oxErrorMessage number);
 testing::AssertionResult raises_entry(oxErrorMessage number, const std::function<void()> &call);
 
-struct Warning {
-    std::string id, text; // text as shown, without "Warning: "
-    bool operator==(const Warning &) const = default;
-};
-std::ostream &operator<<(std::ostream &out, const Warning &w);
+// The identifier, and the text as shown without "Warning: ".
+using Warning = std::pair<std::string, std::string>;
 
 // Catches the warnings shown during its life instead of printing them.
 class WarningRecorder {
 public:
     WarningRecorder();
     ~WarningRecorder();
-    WarningRecorder(const WarningRecorder &) = delete;
-    WarningRecorder &operator=(const WarningRecorder &) = delete;
+    WarningRecorder &operator=(WarningRecorder &&) = delete;
     static std::vector<Warning> shown; // by the innermost recorder
 
 private:

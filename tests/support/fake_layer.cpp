@@ -6,8 +6,6 @@
 #include <support/array_text.h>
 #include <support/fake_layer.h>
 
-#include <cstring>
-
 namespace ox::test {
 
 constinit LayerCalls layer_calls{};
@@ -46,25 +44,29 @@ Payload *new_payload(double number, kwSize m = 0, kwSize n = 0) {
     return p;
 }
 
-void drop(Payload *p) {
-    if (p && --p->owners == 0) oxFreeEx(p);
+void drop(void *p) {
+    if (p && --static_cast<Payload *>(p)->owners == 0) oxFreeEx(p);
 }
 
-class OpaqueClass : public xxInfo {
+bool copy(void **dst, const void *src) {
+    if (src) *dst = new_payload(static_cast<const Payload *>(src)->number);
+    return !src || *dst;
+}
+
+struct OpaqueClass : xxInfo {
     const char *class_name(const oxArray *) const override { return "Numbers"; }
     void release(oxArray *a) override {
         ++layer_calls.releases;
-        auto **payloads = static_cast<Payload **>(a->opaque.giblet);
+        auto **payloads = static_cast<void **>(a->opaque.giblet);
         for (kwSize k = 0; payloads && k < a->get_number_of_elements(); ++k) drop(payloads[k]);
     }
     bool copy_element(void **dst, void *src) override {
         ++layer_calls.element_copies;
-        if (src) *dst = new_payload(static_cast<Payload *>(src)->number);
-        return !src || *dst;
+        return copy(dst, src);
     }
 };
 
-class LazyClass : public xxInfo {
+struct LazyClass : xxInfo {
     const char *class_name(const oxArray *) const override { return "Lazy"; }
     void complete_dimensions(oxArray *a) override {
         ++layer_calls.completions;
@@ -74,7 +76,7 @@ class LazyClass : public xxInfo {
     }
     void release(oxArray *a) override {
         ++layer_calls.releases;
-        drop(static_cast<Payload *>(a->opaque.giblet));
+        drop(a->opaque.giblet);
     }
     void share(const oxArray *source, oxArray *) override {
         ++layer_calls.shares;
@@ -90,21 +92,8 @@ class LazyClass : public xxInfo {
     }
 };
 
-bool copy_handle(void *dst, const void *src) {
-    ++layer_calls.handle_copies;
-    Payload *source, *copy = nullptr;
-    std::memcpy(&source, src, sizeof source);
-    if (source) copy = new_payload(source->number);
-    std::memcpy(dst, &copy, sizeof copy);
-    return !source || copy;
-}
-
-void release_handle(void *element) {
-    ++layer_calls.handle_releases;
-    Payload *p;
-    std::memcpy(&p, element, sizeof p);
-    drop(p);
-}
+OpaqueClass numbers;
+LazyClass lazy;
 
 // An array of the class with room for the payload pointer of each element.
 oxArray *room_for(int id, const Dims &dims) {
@@ -114,19 +103,23 @@ oxArray *room_for(int id, const Dims &dims) {
     return a;
 }
 
-oxArray *make_handle(const char *number) {
-    oxArray *a = room_for(oxFUNCTION_CLASS, {1, 1});
-    *data<Payload *>(a) = new_payload(std::strtod(number, nullptr));
-    return a;
-}
-
 constexpr ox_object_layer layer = [] {
     ox_object_layer l{};
     l.object_created = [](oxArray *, const oxArray *) { ++layer_calls.objects_created; };
     l.object_release = [](oxArray *) { ++layer_calls.objects_released; };
-    l.fh_create = make_handle;
-    l.fh_copy_element = copy_handle;
-    l.fh_release_element = release_handle;
+    l.fh_create = [](const char *number) {
+        oxArray *a = room_for(oxFUNCTION_CLASS, {1, 1});
+        *data<Payload *>(a) = new_payload(std::stod(number));
+        return a;
+    };
+    l.fh_copy_element = [](void *dst, const void *src) {
+        ++layer_calls.handle_copies;
+        return copy(static_cast<void **>(dst), *static_cast<void *const *>(src));
+    };
+    l.fh_release_element = [](void *element) {
+        ++layer_calls.handle_releases;
+        drop(*static_cast<void **>(element));
+    };
     return l;
 }();
 
@@ -137,56 +130,44 @@ Payload *&payload(const oxArray *a, kwSize k) {
     return *reinterpret_cast<Payload **>(data<unsigned char>(a) + k * stride);
 }
 
-double read_double(Scanner &in) { return std::strtod(std::string(in.number()).c_str(), nullptr); }
-
 template<int id> oxArray *read_payloads(Scanner &in) {
-    oxArray *a = room_for(id, read_dims(in));
-    for (kwSize k = 0; in.accept(k == 0 ? ':' : ' ') || in.at_digit(); ++k)
-        payload(a, k) = new_payload(read_double(in));
+    const Dims dims = in.dims();
+    oxArray *a = room_for(id, dims);
+    in.accept(':');
+    for (kwSize k = 0; k < element_count(dims); ++k)
+        payload(a, k) = new_payload(std::stod(in.token()));
     if (id == oxOPAQUE_CLASS) a->opaque.info = opaque_class();
     return hand_over(a);
 }
 
+bool is_lazy(const oxArray *a) { return a->is_indexing_opaque(); }
+
 void print_payloads(const oxArray *a, std::string &out) {
     print_dims(a, out);
-    for (kwSize k = 0; a->num.pdata && k < a->get_number_of_elements(); ++k) {
-        const Payload *p = payload(a, k);
+    const kwSize n = is_lazy(a) ? 1 : a->get_number_of_elements();
+    for (kwSize k = 0; a->num.pdata && k < n; ++k) {
+        const Payload *p = is_lazy(a) ? data<Payload>(a) : payload(a, k);
         out += (k ? " " : ": ") + std::to_string(p ? static_cast<int>(p->number) : -1);
     }
 }
 
-bool is_lazy(const oxArray *a) { return a->is_indexing_opaque(); }
-
 oxArray *make_lazy(Scanner &in) {
-    const Dims dims = read_dims(in);
-    oxArray *a = lazy_class()->empty_copy();
-    if (in.accept(':')) a->opaque.giblet = new_payload(read_double(in), dims[0], dims[1]);
+    const Dims dims = in.dims();
+    oxArray *a = lazy.empty_copy();
+    if (in.accept(':')) a->opaque.giblet = new_payload(std::stod(in.token()), dims[0], dims[1]);
     return hand_over(a);
-}
-
-void print_lazy(const oxArray *a, std::string &out) {
-    print_dims(a, out);
-    const auto *p = static_cast<const Payload *>(a->opaque.giblet);
-    if (p) out += ": " + std::to_string(static_cast<int>(p->number));
 }
 
 } // namespace
 
-xxInfo *opaque_class() {
-    static OpaqueClass the_class;
-    return &the_class;
-}
-
-xxInfo *lazy_class() {
-    static LazyClass the_class;
-    return &the_class;
-}
+xxInfo *opaque_class() { return &numbers; }
+xxInfo *lazy_class() { return &lazy; }
 
 WithLayer::WithLayer() : outer_(ox_register_object_layer(&layer)) { layer_calls = {}; }
 WithLayer::~WithLayer() { ox_register_object_layer(outer_); }
 
 const TextForm opaque_form = {"opaque", oxIsOpaque, read_payloads<oxOPAQUE_CLASS>, print_payloads};
-const TextForm lazy_form = {"lazy", is_lazy, make_lazy, print_lazy};
+const TextForm lazy_form = {"lazy", is_lazy, make_lazy, print_payloads};
 const TextForm handle_form = {"function_handle", oxIsFunctionHandle,
                               read_payloads<oxFUNCTION_CLASS>, print_payloads};
 

@@ -24,8 +24,7 @@ class WithLayer {
 public:
     WithLayer();
     ~WithLayer();
-    WithLayer(const WithLayer &) = delete;
-    WithLayer &operator=(const WithLayer &) = delete;
+    WithLayer &operator=(WithLayer &&) = delete;
 
 private:
     const ox_object_layer *outer_;

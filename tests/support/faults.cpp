@@ -56,25 +56,6 @@ std::string describe(const oxArray *a) {
 namespace {
 
 using Then = FailingAllocation::Then;
-enum class Host { bare, managed, full_lists };
-constexpr const char *host_names[] = {"bare", "managed", "full lists"};
-
-struct Outcome {
-    bool succeeded = false;
-    std::string raised; // identifier and message
-    oxArray *result = nullptr;
-};
-
-Outcome attempt(const Sweep &s, const Arrays &in) {
-    Outcome out;
-    try {
-        out.result = s.make ? s.make(in) : nullptr;
-        out.succeeded = s.make ? out.result != nullptr : s.act(in);
-    } catch (const ut::simple_exception &e) {
-        out.raised = std::string(e.identifier()) + ": " + e.message();
-    }
-    return out;
-}
 
 std::string describe_all(const Arrays &arrays) {
     std::string all;
@@ -100,100 +81,110 @@ void fill_lists() {
     for (kwSize n = capacity(50, GetAllocListLength()); GetAllocListLength() < n;) oxMalloc(1);
 }
 
-void expect_failure(const Sweep &s, Host host, const Outcome &out) {
-    if (s.may_survive && out.succeeded) return;
-    EXPECT_FALSE(out.succeeded) << "the call must notice the failed allocation";
-    if (s.other_raise || host == Host::bare || (s.silent && out.raised.empty())) return;
-    EXPECT_EQ(out.raised, "VELTRO:nomem: Out of memory. Type HELP MEMORY for your options.");
-}
+// A host is "bare" (without managers), "managed", or has "full lists".
+struct Strike {
+    const Sweep &s;
+    std::string host;
+    Then then;
+    std::size_t n;
 
-// The call with its n-th allocation failing, then without; whether there was an n-th.
-bool strike(const Sweep &s, Host host, const Arrays &in, std::size_t n, Then then) {
-    const std::string before = describe_all(in);
-    for (const bool fails : {true, false}) {
+    // The call with its n-th allocation failing, or none; whether there was an n-th.
+    bool call(const Arrays &in, bool fails) const {
+        const std::string before = describe_all(in);
         const Contexts contexts;
-        Outcome out;
-        std::size_t count;
+        bool succeeded = false, struck;
+        std::string raised;
+        oxArray *result = nullptr;
         {
             const FailingAllocation fault(fails ? n : 0, then);
-            out = attempt(s, in);
-            count = FailingAllocation::count();
+            try {
+                result = s.make ? s.make(in) : nullptr;
+                succeeded = s.make ? result != nullptr : s.act(in);
+            } catch (const ut::simple_exception &e) {
+                raised = std::string(e.identifier()) + ": " + e.message();
+            }
+            struck = fails && FailingAllocation::count() >= n;
         }
-        const bool struck = fails && count >= n;
-        if (struck)
-            expect_failure(s, host, out);
-        else
-            EXPECT_TRUE(out.succeeded) << (fails ? "" : "the next call: ") << out.raised;
+        if (!struck)
+            EXPECT_TRUE(succeeded) << (fails ? "" : "the next call: ") << raised;
+        else if (!s.may_survive || !succeeded)
+            expect_failure(succeeded, raised);
         EXPECT_TRUE(!struck || s.changes_inputs || describe_all(in) == before)
             << describe_all(in) << "\nbefore: " << before;
-        const int rule = out.result ? check_header(out.result, CheckDepth::storage) : 0;
+        const int rule = result ? check_header(result, CheckDepth::storage) : 0;
         EXPECT_EQ(rule, 0) << rule_text(rule);
-        if (host == Host::bare) oxDestroyArray(out.result);
-        if (fails && !struck) return false;
+        if (host == "bare") oxDestroyArray(result);
+        return struck;
     }
-    return true;
-}
 
-bool run(const Sweep &s, Host host, std::size_t n, Then then) {
-    reset_library();
-    const Live before = live();
-    if (host != Host::bare) install_managers();
-    bool struck;
-    {
-        Contexts contexts;
-        const Arrays in = make_inputs(s);
-        if (host == Host::full_lists) fill_lists();
-        struck = strike(s, host, in, n, then);
-        if (host == Host::bare)
-            for (oxArray *a : in) oxDestroyArray(a);
+    void expect_failure(bool succeeded, const std::string &raised) const {
+        EXPECT_FALSE(succeeded) << "the call must notice the failed allocation";
+        if (s.other_raise || host == "bare" || (s.silent && raised.empty())) return;
+        EXPECT_EQ(raised, "VELTRO:nomem: Out of memory. Type HELP MEMORY for your options.");
     }
-    EXPECT_EQ(array_list_length(), 0u);
-    EXPECT_EQ(GetAllocListLength(), 0u);
-    reset_library();
-    EXPECT_EQ(live(), before) << "more or less alive than before";
-    return struck;
+
+    // In a library just loaded; whether there was an n-th allocation.
+    bool run() const {
+        reset_library();
+        const Live before = live();
+        if (host != "bare") install_managers();
+        bool struck;
+        {
+            const Contexts contexts;
+            const Arrays in = make_inputs(s);
+            if (host == "full lists") fill_lists();
+            struck = call(in, true);
+            if (struck) call(in, false);
+            if (host == "bare")
+                for (oxArray *a : in) oxDestroyArray(a);
+        }
+        EXPECT_EQ(array_list_length() + GetAllocListLength(), 0u);
+        reset_library();
+        EXPECT_EQ(live(), before) << "more or less alive than before";
+        return struck;
+    }
+};
+
+void sweep_each(const Inputs &calls, Sweep s) {
+    for (const auto &inputs : calls) {
+        s.name = inputs.empty() ? "creation" : inputs[0].c_str();
+        s.inputs = inputs;
+        sweep(s);
+    }
 }
 
 } // namespace
 
 void sweep(const Sweep &s) {
-    for (const Host host : {Host::bare, Host::managed, Host::full_lists}) {
-        if (host == Host::bare && !s.bare) continue;
+    for (const char *host : {"bare", "managed", "full lists"}) {
         for (const auto then : {Then::recovers, Then::stays}) {
-            for (std::size_t n = 1;; ++n) {
-                SCOPED_TRACE(std::string(s.name) + ", " + host_names[static_cast<int>(host)] +
-                             ", allocation " + std::to_string(n) +
+            Strike strike{s, host, then, 1};
+            if (strike.host == "bare" && !s.bare) continue;
+            for (bool struck = true; struck; ++strike.n) {
+                SCOPED_TRACE(std::string(s.name) + ", " + host + ", allocation " +
+                             std::to_string(strike.n) +
                              (then == Then::stays ? " and all after it" : ""));
-                const bool struck = run(s, host, n, then);
+                struck = strike.run();
+                EXPECT_TRUE(struck || strike.n > 1) << "the call makes no allocation";
                 if (testing::Test::HasFailure()) return;
-                if (struck) continue;
-                EXPECT_GT(n, 1u) << "the call makes no allocation";
-                break;
             }
         }
     }
 }
 
 void sweep_makes(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make) {
-    for (const auto &inputs : calls)
-        sweep({.name = inputs[0].c_str(), .inputs = inputs, .make = make, .bare = false});
+    sweep_each(calls, {.make = make, .bare = false});
 }
 
 void sweep_everywhere(const Inputs &calls, const std::function<oxArray *(const Arrays &)> &make) {
-    for (const auto &inputs : calls) {
-        const char *name = inputs.empty() ? "creation" : inputs[0].c_str();
-        sweep({.name = name, .inputs = inputs, .make = make});
-    }
+    sweep_each(calls, {.make = make});
 }
 
 void sweep_changes(const Inputs &calls, const std::function<void(const Arrays &)> &change) {
-    for (const auto &inputs : calls)
-        sweep({.name = inputs[0].c_str(),
-               .inputs = inputs,
-               .act = [&](auto &in) { return change(in), true; },
-               .bare = false,
-               .may_survive = true,
-               .changes_inputs = true});
+    sweep_each(calls, {.act = [&](auto &in) { return change(in), true; },
+                       .bare = false,
+                       .may_survive = true,
+                       .changes_inputs = true});
 }
 
 } // namespace ox::test

@@ -15,8 +15,7 @@ public:
     enum class Then { recovers, stays };
     explicit FailingAllocation(std::size_t n, Then then = Then::recovers);
     ~FailingAllocation();
-    FailingAllocation(const FailingAllocation &) = delete;
-    FailingAllocation &operator=(const FailingAllocation &) = delete;
+    FailingAllocation &operator=(FailingAllocation &&) = delete;
     // Allocations asked for so far.
     static std::size_t count();
 };

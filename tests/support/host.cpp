@@ -10,17 +10,11 @@
 #include <fl.hpp>
 #include <ut.h>
 
-#include <ostream>
 #include <utility>
 
 namespace ox::test {
 
 Live live() { return {fl::heap_live_blocks(), utLiveBlocks(), live_headers()}; }
-
-std::ostream &operator<<(std::ostream &out, const Live &l) {
-    return out << l.blocks << " blocks, " << l.utility_blocks << " utility blocks, " << l.headers
-               << " headers";
-}
 
 void Contexts::leave() {
     if (std::exchange(left_, true)) return;

@@ -4,25 +4,20 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
+#include <array>
 
 namespace ox::test {
 
-// What is alive: blocks of the heap and of the utility library, and array headers.
-struct Live {
-    std::size_t blocks, utility_blocks, headers;
-    bool operator==(const Live &) const = default;
-};
+// How many are alive: blocks of the heap and of the utility library, and array headers.
+using Live = std::array<std::size_t, 3>;
 Live live();
-std::ostream &operator<<(std::ostream &out, const Live &l);
 
 // An array-list and an allocation-list context; leaving destroys and frees what is in them.
 class Contexts {
 public:
     Contexts() : arrays_(oxEnterNewArrayListContext()), blocks_(oxEnterNewAllocListContext()) {}
     ~Contexts() { leave(); }
-    Contexts(const Contexts &) = delete;
-    Contexts &operator=(const Contexts &) = delete;
+    Contexts &operator=(Contexts &&) = delete;
     void leave();
 
 private:

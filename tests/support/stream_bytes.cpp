@@ -103,21 +103,15 @@ Bytes bytes_of(const oxArray *a) {
     return Bytes(p, p + oxGetNumberOfElements(a));
 }
 
-std::string name_of(const StreamForm &f) {
-    static constexpr const char *carriers[] = {"buffer", "file", "sequential"};
-    std::string name = carriers[static_cast<int>(f.carrier)];
-    if (f.swapped) name += " swapped";
-    if (f.options & oiWIDE) name += " wide";
-    if (f.options & oiCOMPRESS) name += " compressed";
-    if (f.options & oiOPTION16) name += " option16";
-    return name;
-}
-
-StreamForm form_of(std::string_view words, Carrier carrier) {
-    const auto has = [&](const char *w) { return words.find(w) != std::string_view::npos; };
-    const uint32_t options = (has("wide") ? oiWIDE : 0) | (has("compressed") ? oiCOMPRESS : 0) |
-                             (has("option16") ? oiOPTION16 : 0);
-    return {carrier, has("swapped"), static_cast<uint16_t>(options)};
+StreamForm form_of(const std::string &words, Carrier carrier) {
+    static constexpr const char *carriers[] = {"buffer: ", "file: ", "sequential: "};
+    const auto option = [&](const char *word, int bits) {
+        return words.find(word) < words.size() ? bits : 0;
+    };
+    const int options =
+        option("wide", oiWIDE) | option("compressed", oiCOMPRESS) | option("option16", oiOPTION16);
+    return {carrier, option("swapped", 1) == 1, static_cast<uint16_t>(options),
+            carriers[static_cast<int>(carrier)] + words};
 }
 
 Bytes carried(const StreamForm &form, const Bytes &elements) {
@@ -141,14 +135,13 @@ TestStream::TestStream(StreamForm form, const Bytes &contents) : form_(form) {
     file_ = std::tmpfile();
     if (!contents.empty()) fwrite(contents.data(), 1, contents.size(), file_);
     rewind(file_);
-    const auto room = [](oiStreamRec_tag *, kwSize n, kwSize *offset, kwSize *capacity) -> int32_t {
-        *capacity = *offset + n;
-        return oiSUCCESS;
-    };
+    const auto read = form.breaks ? read_less : nullptr;
+    const auto write = form.breaks ? write_less : nullptr;
     s_ = form.carrier == Carrier::file
-             ? oiCreateFileStream(file_, version, indicator, room, 0, nullptr, nullptr, nullptr,
-                                  nullptr, form.options)
-             : oiCreateSequentialStream(file_, version, indicator, room, 0, nullptr, nullptr,
+             ? oiCreateFileStream(file_, version, indicator, room_or_not, 0, read, write,
+                                  form.breaks ? seek_or_not : nullptr,
+                                  form.breaks ? tell_or_not : nullptr, form.options)
+             : oiCreateSequentialStream(file_, version, indicator, room_or_not, 0, read, write,
                                         form.options);
 }
 
@@ -191,12 +184,5 @@ BrokenCarrier::BrokenCarrier(std::size_t n) {
 }
 BrokenCarrier::~BrokenCarrier() { failing = 0; }
 std::size_t BrokenCarrier::calls() { return asked; }
-
-oiStreamRec_tag *BrokenCarrier::stream(FILE *f, bool sequential, uint16_t options) {
-    return sequential
-               ? oiCreateSequentialStream(f, 0, 0, room_or_not, 0, read_less, write_less, options)
-               : oiCreateFileStream(f, 0, 0, room_or_not, 0, read_less, write_less, seek_or_not,
-                                    tell_or_not, options);
-}
 
 } // namespace ox::test

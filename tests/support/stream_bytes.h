@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace ox::test {
@@ -39,10 +38,11 @@ struct StreamForm {
     Carrier carrier = Carrier::buffer;
     bool swapped = false;
     uint16_t options = 0; // oiCOMPRESS, oiOPTION16, oiWIDE
+    std::string name = {};
+    bool breaks = false; // a file's primitives are those that BrokenCarrier makes fail
 };
-std::string name_of(const StreamForm &form);
 // "native", or any of "swapped", "wide", "compressed", "option16".
-StreamForm form_of(std::string_view words, Carrier carrier = Carrier::buffer);
+StreamForm form_of(const std::string &words, Carrier carrier = Carrier::buffer);
 
 // What a stream of the form holds with these elements: in a buffer, the prefix first.
 Bytes carried(const StreamForm &form, const Bytes &elements);
@@ -52,8 +52,7 @@ class TestStream {
 public:
     explicit TestStream(StreamForm form, const Bytes &contents = {});
     ~TestStream();
-    TestStream(const TestStream &) = delete;
-    TestStream &operator=(const TestStream &) = delete;
+    TestStream &operator=(TestStream &&) = delete;
 
     oiStreamRec_tag *operator->() const { return s_; }
     oiStreamRec_tag *get() const { return s_; }
@@ -69,7 +68,7 @@ private:
     oiStreamRec_tag *s_ = nullptr;
 };
 
-// While it lives, the n-th call of a file carrier's primitives fails (1 is the next; 0: none):
+// While it lives, the n-th call of the primitives of streams that break fails (1 is the next):
 // reads and writes move one byte less than asked, seeks and tells fail, the reserve callback
 // refuses.
 class BrokenCarrier {
@@ -77,7 +76,6 @@ public:
     explicit BrokenCarrier(std::size_t n);
     ~BrokenCarrier();
     static std::size_t calls();
-    static oiStreamRec_tag *stream(FILE *f, bool sequential, uint16_t options);
 };
 
 } // namespace ox::test
