@@ -365,7 +365,11 @@ class Printers:
             target = kind.target().strip_typedefs()
             return ArrayPointerPrinter(value) if target.tag == "oxArray_tag" else None
         printer = PRINTERS.get(kind.tag)
-        if printer is None or (value.address is None and printer in (ArrayPrinter, FieldTablePrinter)):
+        if printer in (ArrayPrinter, FieldTablePrinter):
+            lacking = value.address is None
+        else:
+            lacking = printer is None or not kind.fields()  # only declared, as far as gdb knows
+        if lacking:
             return None
         try:
             return printer(value)
