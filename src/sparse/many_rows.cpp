@@ -9,52 +9,36 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <utility>
 
 namespace ox {
 namespace {
 
-// Row r goes to position at[r], or nowhere.
-struct OnceMap {
-    static constexpr uint32_t nowhere = ~uint32_t{0};
-    RawArray<uint32_t> at;
+// Where the rows of A go: row r to position first[r] - 1, to next[first[r] - 1] - 1 and so on until
+// a 0. Without next no row goes to two positions.
+struct RowMap {
+    RawArray<uint32_t> first, next;
 
-    // False when a row is asked for twice.
-    bool build(const RowChoice &rows, kwSize m) {
-        at = scratch<uint32_t>(m);
-        std::fill_n(at.get(), m, nowhere);
+    RowMap(const RowChoice &rows, kwSize m) : first(scratch<uint32_t>(m)) {
+        if (!map_once(rows, m)) map_chains(rows, m);
+    }
+
+private:
+    bool map_once(const RowChoice &rows, kwSize m) {
+        std::fill_n(first.get(), m, 0);
         for (kwSize i = 0; i < rows.count; ++i) {
-            uint32_t &place = at[rows.list[i]];
-            if (place != nowhere) return false;
-            place = static_cast<uint32_t>(i);
+            uint32_t &place = first[rows.list[i]];
+            if (place) return false;
+            place = static_cast<uint32_t>(i + 1);
         }
         return true;
     }
-    kwSize count(kwIndex row) const { return at[row] != nowhere; }
-    template<class F> void for_each(kwIndex row, F &&f) const {
-        if (at[row] != nowhere) f(at[row]);
-    }
-    void prefetch(kwIndex row) const { __builtin_prefetch(at.get() + row); }
-};
-
-// Row r goes to positions order[start[r] .. start[r+1]-1]: a counting sort of the request.
-struct RepeatMap {
-    RawArray<uint32_t> start, order;
-
-    void build(const RowChoice &rows, kwSize m) {
-        start = scratch<uint32_t>(m);
-        order = scratch<uint32_t>(rows.count);
-        std::fill_n(start.get(), m + 1, 0);
-        for (kwSize i = 0; i < rows.count; ++i) ++start[rows.list[i]];
-        uint32_t end = 0;
-        for (kwSize r = 0; r <= m; ++r) start[r] = end += start[r];
+    void map_chains(const RowChoice &rows, kwSize m) {
+        next = scratch<uint32_t>(rows.count);
+        std::fill_n(first.get(), m, 0);
         for (kwSize i = rows.count; i-- > 0;)
-            order[--start[rows.list[i]]] = static_cast<uint32_t>(i);
+            next[i] = std::exchange(first[rows.list[i]], static_cast<uint32_t>(i + 1));
     }
-    kwSize count(kwIndex row) const { return start[row + 1] - start[row]; }
-    template<class F> void for_each(kwIndex row, F &&f) const {
-        for (uint32_t i = start[row]; i < start[row + 1]; ++i) f(order[i]);
-    }
-    void prefetch(kwIndex row) const { __builtin_prefetch(start.get() + row); }
 };
 
 // Elements of B, and of its longest column.
@@ -66,23 +50,55 @@ struct Size {
     }
 };
 
-template<class Map> Size count(const oxArray *a, const Map &map, const ColumnChoice &columns) {
-    const kwIndex *jc = a->num.jc, *ir = a->num.ir;
-    Size size;
-    for (kwSize c = 0; c < columns.count; ++c) {
-        kwSize n = 0;
-        for (kwIndex k = jc[columns[c]]; k < jc[columns[c] + 1]; ++k) n += map.count(ir[k]);
-        size.add(n);
+// The elements of A that go anywhere. They are written down in one pass without branches: nobody
+// can predict which they are, and every look into the map may miss the cache.
+class Hits {
+public:
+    Hits(const oxArray *a, const RowMap &map, const ColumnChoice &columns)
+        : next_(map.next.get()), columns_(columns.count), hits_(scratch<Hit>(stored(a, columns))),
+          ends_(scratch<kwIndex>(columns.count)) {
+        const kwIndex *jc = a->num.jc, *ir = a->num.ir;
+        kwIndex n = 0;
+        for (kwSize c = 0; c < columns.count; ++c) {
+            const kwIndex k0 = jc[columns[c]], k1 = jc[columns[c] + 1];
+            for (kwIndex k = k0; k < k1; ++k) {
+                const uint32_t first = map.first[ir[k]];
+                hits_[n] = {first, static_cast<uint32_t>(k - k0)};
+                n += first != 0;
+            }
+            ends_[c + 1] = n;
+        }
+        ends_[0] = 0;
     }
-    return size;
-}
 
-Size count_all(const oxArray *a, const ColumnChoice &columns) {
-    Size size;
-    for (kwSize c = 0; c < columns.count; ++c)
-        size.add(a->num.jc[columns[c] + 1] - a->num.jc[columns[c]]);
-    return size;
-}
+    Size size() const {
+        Size size;
+        for (kwSize c = 0; c < columns_; ++c) {
+            kwSize n = 0;
+            for_each(c, [&](uint32_t, uint32_t) { ++n; });
+            size.add(n);
+        }
+        return size;
+    }
+    // Calls f(position in B, offset in the column of A) for every element of column c of B.
+    template<class F> void for_each(kwSize c, F &&f) const {
+        for (kwIndex i = ends_[c]; i < ends_[c + 1]; ++i) {
+            const Hit hit = hits_[i];
+            f(hit.first - 1, hit.offset);
+            if (!next_) continue;
+            for (uint32_t p = next_[hit.first - 1]; p; p = next_[p - 1]) f(p - 1, hit.offset);
+        }
+    }
+
+private:
+    struct Hit {
+        uint32_t first, offset;
+    };
+    const uint32_t *next_;
+    kwSize columns_;
+    RawArray<Hit> hits_;
+    RawArray<kwIndex> ends_;
+};
 
 // A position of B in the upper half, and where its element stands in the column of A: sorting keys
 // sorts by position.
@@ -146,20 +162,44 @@ private:
     RawArray<uint32_t> starts_;
 };
 
-template<class T, class Map> void fill(const oxArray *a, const Map &map, const RowChoice &rows,
-                                       const ColumnChoice &columns, KeySorter &sorter, oxArray *b) {
-    constexpr kwIndex ahead = 32; // elements that the map is asked for in advance
-    const kwIndex *jc = a->num.jc, *ir = a->num.ir, nnz = nonzeros(a);
+// Every element goes somewhere, and where is looked up in advance.
+class AllElements {
+public:
+    AllElements(const oxArray *a, const RowMap &map, const ColumnChoice &columns)
+        : a_(a), first_(map.first.get()), columns_(columns) {}
+
+    Size size() const {
+        Size size;
+        for (kwSize c = 0; c < columns_.count; ++c)
+            size.add(a_->num.jc[columns_[c] + 1] - a_->num.jc[columns_[c]]);
+        return size;
+    }
+    template<class F> void for_each(kwSize c, F &&f) const {
+        constexpr kwIndex ahead = 32;
+        const kwIndex *jc = a_->num.jc, *ir = a_->num.ir, nnz = nonzeros(a_);
+        const kwIndex k0 = jc[columns_[c]], k1 = jc[columns_[c] + 1];
+        for (kwIndex k = k0; k < k1; ++k) {
+            if (k + ahead < nnz) __builtin_prefetch(first_ + ir[k + ahead]);
+            f(first_[ir[k]] - 1, static_cast<uint32_t>(k - k0));
+        }
+    }
+
+private:
+    const oxArray *a_;
+    const uint32_t *first_;
+    const ColumnChoice &columns_;
+};
+
+template<class T, class Elements> void fill(const oxArray *a, const Elements &elements,
+                                            const RowChoice &rows, const ColumnChoice &columns,
+                                            KeySorter &sorter, oxArray *b) {
     const bool complex = has_imag_block(a);
     const T *re = data<T>(a), *im = complex ? imag<T>(a) : nullptr;
     kwIndex at = 0;
     for (kwSize c = 0; c < columns.count; ++c) {
-        const kwIndex k0 = jc[columns[c]], k1 = jc[columns[c] + 1];
+        const kwIndex k0 = a->num.jc[columns[c]];
         Key *end = sorter.keys();
-        for (kwIndex k = k0; k < k1; ++k) {
-            if (k + ahead < nnz) map.prefetch(ir[k + ahead]);
-            map.for_each(ir[k], [&](uint32_t p) { *end++ = Key{p} << 32 | (k - k0); });
-        }
+        elements.for_each(c, [&](uint32_t p, uint32_t offset) { *end++ = Key{p} << 32 | offset; });
         const auto n = static_cast<kwSize>(end - sorter.keys());
         const Key *keys = rows.increasing ? sorter.keys() : sorter.sort(n);
         for (kwSize i = 0; i < n; ++i, ++at) {
@@ -172,28 +212,24 @@ template<class T, class Map> void fill(const oxArray *a, const Map &map, const R
     }
 }
 
-template<class Map> oxArray *reference(const oxArray *a, const Map &map, const RowChoice &rows,
-                                       const ColumnChoice &columns, const Size &size) {
+template<class Elements> oxArray *reference(const oxArray *a, const Elements &elements,
+                                            const RowChoice &rows, const ColumnChoice &columns) {
+    const Size size = elements.size();
     KeySorter sorter(size.longest);
     oxArray *b = make_reference(a, rows.count, columns.count, size.total);
-    visit_width(class_info(a->class_code).element_size,
-                [&]<class T>(std::type_identity<T>) { fill<T>(a, map, rows, columns, sorter, b); });
+    visit_width(class_info(a->class_code).element_size, [&]<class T>(std::type_identity<T>) {
+        fill<T>(a, elements, rows, columns, sorter, b);
+    });
     return b;
 }
 
 } // namespace
 
 oxArray *reference_many_rows(const oxArray *a, const RowChoice &rows, const ColumnChoice &columns) {
-    OnceMap once;
-    if (once.build(rows, ox::rows(a))) {
-        const bool permutation = rows.count == ox::rows(a);
-        return reference(a, once, rows, columns,
-                         permutation ? count_all(a, columns) : count(a, once, columns));
-    }
-    once.at.reset();
-    RepeatMap repeated;
-    repeated.build(rows, ox::rows(a));
-    return reference(a, repeated, rows, columns, count(a, repeated, columns));
+    const RowMap map(rows, ox::rows(a));
+    const bool permutation = !map.next && rows.count == ox::rows(a);
+    return permutation ? reference(a, AllElements(a, map, columns), rows, columns)
+                       : reference(a, Hits(a, map, columns), rows, columns);
 }
 
 } // namespace ox
