@@ -1,12 +1,11 @@
 // Cell arrays: creation, ownership of elements, the constructor function, struct2cell and
 // cell2struct with their refusals.
-#include <core/alloc.h>
 #include <core/array_list.h>
 #include <support/suite.h>
 
 namespace {
 
-class Cells : public HostTest {};
+using Cells = HostTest;
 
 using Args = std::vector<const oxArray *>;
 
@@ -25,32 +24,18 @@ oxArray *construct(Args in) { return call(oxCellConstructorFcn, in); }
 const char size_row[] = "Size vector must be a row vector with real elements.";
 const char size_integer[] = "Size vector should be a row vector with integer elements.";
 
-TEST_F(Cells, ABlockOfCellsLeavesTheAllocationListUnlessTheDataArePrivate) {
-    oxArray *c = oxCreateCellMatrix_730(0, 1), *mine = oxCreateCellMatrix_730(0, 1);
-    auto **block = static_cast<oxArray **>(oxCalloc(1, sizeof(oxArray *)));
-    oxSetDataPrivateFlag(mine, true);
-    oxSetCells(mine, block);
-    EXPECT_TRUE(oxIsOnAllocList(block));
-    oxSetCells(c, block);
-    EXPECT_FALSE(oxIsOnAllocList(block));
-    oxSetM_730(c, 1);
-}
-
 const struct {
     std::vector<const char *> args;
     const char *result; // of the constructor
     const char *id = nullptr, *message = nullptr;
 } constructions[] = {
-    {{"2"}, "cell 2x2: {} {} {} {}"},
     {{"0 1 1 1 1 1 1 1 1 1 1 1"}, "cell 0x1x1x1x1x1x1x1x1x1x1x1"},
-    {{"0", "1", "1", "1", "1", "1", "1", "1", "1", "1", "2"}, "cell 0x1x1x1x1x1x1x1x1x1x2"},
     {{"double 1x0"}, "cell 0x0"},
     {{"-3", "2"}, "cell 0x2"},
     {{"int8 1x1: 1", "sparse double 1x1: (0,0)=2"}, "cell 1x2: {} {}"},
     {{"sparse double 1x2: (0,1)=2"}, "cell 0x2"},
     {{"cell 1x1: {5}"}, "cell 1x1: {double 1x1: 5}"},
     {{"double 0x0"}, nullptr, "VELTRO:NonIntegerInput", size_row},
-    {{"double 1x1x2: 1 | 2"}, nullptr, "VELTRO:NonIntegerInput", size_row},
     {{"1.5"}, nullptr, "VELTRO:NonIntegerInput", size_integer},
     {{"1", "NaN"}, nullptr, "VELTRO:NonIntegerInput", size_integer},
     {{"1", "1e12", "1e12"}, nullptr, "VELTRO:nomem"},
@@ -68,10 +53,8 @@ TEST_F(Cells, Constructor) {
             continue;
         }
         const oxArray *out = construct(in);
-        EXPECT_EQ(text(out), row.result);
-        EXPECT_NE(out, in[0]);
+        EXPECT_TRUE(text(out) == row.result && out != in[0]) << text(out);
         EXPECT_EQ(array_list_length(), listed + 1); // converted arguments are gone
-        EXPECT_EQ(GetAllocListLength(), 0u);
     }
     EXPECT_RAISES_ENTRY(FMAXLHS, oxCellConstructorFcn(2, nullptr, 0, nullptr)); // outputs first
     EXPECT_RAISES_ENTRY(FMINRHS, oxCellConstructorFcn(1, nullptr, 0, nullptr));
@@ -87,7 +70,6 @@ oxArray *cell2struct(Args in) { return call(oxCell2struct, in); }
 TEST_F(StructCell, FieldsBecomeTheFirstDimensionAndValuesAreShared) {
     EXPECT_EQ(text(struct2cell({arr("struct 1x2 a,b: {1} {} {3} {4}")})),
               text(arr("cell 2x1x2: {1} {} {3} {4}")));
-    EXPECT_EQ(text(struct2cell({arr("struct 2x0 a")})), "cell 1x2x0");
     const oxArray *s = arr("struct 1x1 a: {1 2 3}"), *c = struct2cell({s});
     const oxArray *t = cell2struct({c, arr("char 1x1: 'a'")});
     EXPECT_EQ(oxGetCell(c, 0)->num.pdata, oxGetField(s, 0, "a")->num.pdata);
@@ -144,15 +126,15 @@ TEST_F(StructCell, NamesAreCutOneByOneAndComparedOver63Bytes) {
 }
 
 TEST(CellsSweep, EveryFailedAllocation) {
-    static const kwSize dims[] = {2, 1, 2};
     const auto make = [](auto &in) { return construct({in.begin(), in.end()}); };
     sweep_everywhere({{}}, [](auto &) { return oxCreateCellMatrix_730(2, 2); });
-    sweep_everywhere({{}}, [](auto &) { return oxCreateCellArray_730(3, dims); });
     sweep_everywhere({{"1 2 1 1 1 1 1 1 1 1 1 2"}}, make);
-    const std::vector<std::string> converted = {"1", "sparse double 1x1: (0,0)=2"};
-    sweep({.name = "sizes", .inputs = converted, .make = make, .bare = false, .silent = true});
-    sweep_everywhere({{"struct 1x2 a,b: {1} {2} {} {1 2}"}},
-                     [](auto &in) { return struct2cell({in[0]}); });
+    sweep({.name = "sizes",
+           .inputs = {"1", "sparse double 1x1: (0,0)=2"},
+           .make = make,
+           .bare = false,
+           .silent = true});
+    sweep_everywhere({{"struct 1x2 a: {1} {}"}}, [](auto &in) { return struct2cell({in[0]}); });
     sweep_makes({{"cell 2x2: {1} {} {2} {1 2}", "char 2x1: 'a'; 'b'", "2"}}, [](auto &in) {
         return cell2struct({in.begin(), in.end()});
     });

@@ -1,15 +1,13 @@
 // Creating, reusing and destroying arrays; the entry points of the core with every allocation
 // failing.
+#include <core/alloc.h>
 #include <core/array_list.h>
 #include <core/check_header.h>
 #include <support/suite.h>
 
-#include <cstring>
-#include <utility>
-
 namespace {
 
-class Create : public HostTest {};
+using Create = HostTest;
 
 constexpr kwSize huge = kwSize{1} << 60, two24 = kwSize{1} << 24;
 
@@ -27,7 +25,6 @@ TEST_F(Create, FullArrays) {
          "double 1152921504606846976x0x1152921504606846976"}, // never too large
         {oxCreateNumericMatrix(0, huge, oxINT8_CLASS, oxCOMPLEX), "int8 0x1152921504606846976"},
         {oxCreateNumericArray(3, nullptr, oxDOUBLE_CLASS, oxREAL), "double 0x0"},
-        {oxCreateLogicalArray(2, Dims{1, 3}.data()), "logical 1x3: 0 0 0"},
         {oxCreateDoubleScalar(-0.5), "double 1x1: -0.5"},
         {oxCreateSingleScalar(0.1f), "single 1x1: 0.1"},
         {oxCreateNumericScalar(oxINT16_CLASS, oxCOMPLEX), "int16 1x1: 0+0i"},
@@ -52,7 +49,6 @@ TEST_F(Create, TooLarge) {
     };
     for (const kwSize n : {two24, huge, ~kwSize{0}}) {
         EXPECT_RAISES_ENTRY(FNOMEM, oxCreateNumericMatrix(two24, n, oxINT8_CLASS, oxREAL));
-        EXPECT_RAISES_ENTRY(FNOMEM, oxCreateLogicalMatrix(n, two24));
         EXPECT_RAISES_ENTRY(FNOMEM, nd({two24, n, 1}));
         EXPECT_RAISES_ENTRY(FNOMEM, nd({2, two24, n}));
         EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCreateUninitDoubleMatrix(two24, n, oxREAL));
@@ -75,43 +71,33 @@ TEST_F(Create, LogicalScalarKeepsItsByte) {
 
 // --- Reuse -----------------------------------------------------------------------------------
 
-TEST_F(Create, WhichCandidateLends) {
-    const struct {
-        const char *array;
-        bool offered; // marked as reusable
-        bool lends;   // to a real 1-by-4 double
-    } rows[] = {{"1 2 3 4", true, true},
-                {"double 2x2: 1 2; 3 4", true, true},
-                {"int64 1x4: 1 2 3 4", true, true}, // another class of the same width
-                {"1 2 3 4", false, false},
-                {"1+1i 2 3 4", true, false},
-                {"1 2 3 4 5", true, false},
-                {"single 1x8: 1 2 3 4 5 6 7 8", true, false}, // the same bytes in other elements
-                {"sparse double 1x4: (0,0)=1", true, false},
-                {"double 0x4", true, false}};
-    for (const auto &r : rows) {
-        SCOPED_TRACE(r.array);
-        oxArray *lender = arr(r.array), *refused = arr("9 9 9 9");
-        lender->set_reusable(r.offered);
-        oxArray *const candidates[] = {nullptr, refused, lender};
-        oxArray *a = oxCreateDoubleMatrixWithReuse(1, 4, oxREAL, 3, candidates);
-        EXPECT_EQ(oxGetData(a) == oxGetData(lender) && a->cross_link == lender, r.lends);
-        EXPECT_EQ(oxIsReusable(lender), r.offered && !r.lends);
-        EXPECT_FALSE(oxIsReusable(a) || oxGetData(a) == oxGetData(refused));
-        EXPECT_EQ(check_header(a, CheckDepth::storage), 0);
-        oxDestroyArray(lender); // the data stay with the new array
-        EXPECT_EQ(text(a) == "double 1x4: 0 0 0 0", !r.lends);
-    }
-}
-
 // Deliberate: reused data keep their contents.
-TEST_F(Create, ReuseTakesTheFirstThatFits) {
-    oxArray *c[] = {arr("5+6i"), arr("logical 2x2: 1 0; 1 1"), arr("7"), arr("8")};
-    for (oxArray *a : c) a->set_reusable(true);
-    EXPECT_EQ(text(oxCreateNumericMatrixWithReuse(1, 1, oxDOUBLE_CLASS, oxREAL, 4, c)),
-              "double 1x1: 7");
-    EXPECT_EQ(text(oxCreateLogicalMatrixWithReuse(4, 1, 4, c)), "logical 4x1: 1; 1; 0; 1");
-    EXPECT_TRUE(oxIsReusable(c[0]) && oxIsReusable(c[3]));
+TEST_F(Create, ReuseTakesTheFirstThatFitsAndKeepsItsContents) {
+    const std::tuple<const char *, bool, bool> table[] = {
+        // offered; lends to a real 1-by-4 double
+        {"1 2 3 4", true, true},
+        {"double 2x2: 1 2; 3 4", true, true},
+        {"int64 1x4: 1 2 3 4", true, true}, // another class of the same width
+        {"1 2 3 4", false, false},
+        {"1+1i 2 3 4", true, false},
+        {"1 2 3 4 5", true, false},
+        {"single 1x8: 1 2 3 4 5 6 7 8", true, false}, // the same bytes in other elements
+        {"sparse double 1x4: (0,0)=1", true, false},
+        {"double 0x4", true, false},
+    };
+    for (const auto &[array, offered, lends] : table) {
+        SCOPED_TRACE(array);
+        oxArray *lender = arr(array), *next = arr("5 6 7 8");
+        lender->set_reusable(offered);
+        next->set_reusable(lends); // the first that fits
+        oxArray *const candidates[] = {nullptr, lender, next};
+        oxArray *a = oxCreateDoubleMatrixWithReuse(1, 4, oxREAL, 3, candidates);
+        EXPECT_EQ(oxGetData(a) == oxGetData(lender) && a->cross_link == lender, lends);
+        EXPECT_TRUE(oxIsReusable(lender) == (offered && !lends) && oxIsReusable(next) == lends);
+        EXPECT_TRUE(!oxIsReusable(a) && !check_header(a, CheckDepth::storage));
+        oxDestroyArray(lender); // the data stay with the new array
+        EXPECT_EQ(text(a) == "double 1x4: 0 0 0 0", !lends);
+    }
 }
 
 // --- Destruction -------------------------------------------------------------------------------
@@ -128,71 +114,47 @@ TEST_F(Create, AKeptHeaderOnlyLeavesTheList) {
 
 constexpr kwSize cube[] = {2, 3, 4}, flat[] = {0, 3, 4}, pair[] = {1, 2, 1};
 
-// Calls that need no input.
-oxArray *(*const creators[])() = {
-    [] { return oxCreateDoubleMatrix(3, 3, oxCOMPLEX); },
-    [] { return oxCreateNumericArray(3, cube, oxINT16_CLASS, oxCOMPLEX); },
-    [] { return oxCreateLogicalArray(3, flat); },
-    [] { return oxCreateLogicalMatrix(3, 3); },
-    [] { return oxCreateDoubleScalar(1); },
-    [] { return oxCreateSingleScalar(1); },
-    [] { return oxCreateLogicalScalar(true); },
-    [] { return oxCreateNumericScalar(oxINT8_CLASS, oxCOMPLEX); },
-    [] { return oxCreateUninitNumericArray(3, cube, oxINT16_CLASS, oxCOMPLEX); },
-    [] { return oxCreateUninitDoubleMatrix(3, 3, oxCOMPLEX); },
-};
-
-// Whether there is a block; without a list it is ours to free.
-bool give_back(void *block) {
-    if (!oxIsOnAllocList(block)) oxFree(block);
-    return block != nullptr;
-}
-
+// Without a list the block is ours to free.
 bool grow_listed(const Arrays &) {
     void *small = oxMalloc(10), *large = small ? oxRealloc(small, 1 << 20) : nullptr;
-    give_back(large ? large : small);
+    if (void *block = large ? large : small; !oxIsOnAllocList(block)) oxFree(block);
     return large != nullptr;
 }
 
 bool list_raw(const Arrays &) {
-    void *raw = oxMallocEx(8);
+    auto raw = RawArray<char>::make(8); // still the caller's where listing it raises
     if (!raw) oxErrMsg(FNOMEM);
-    try {
-        oxAddToAllocList(raw);
-    } catch (...) {
-        oxFreeEx(raw); // still the caller's
-        throw;
-    }
-    return true;
+    oxAddToAllocList(raw.get());
+    return raw.release();
 }
 
-const Sweep sweeps[] = {
-    {.name = "reuse",
-     .make =
-         [](const Arrays &in) {
-             return oxCreateNumericArrayWithReuse(3, pair, oxDOUBLE_CLASS, oxREAL, 1, in.data());
-         },
-     .changes_inputs = true, // the next call finds nothing to reuse
-     .setup =
-         [] {
-             oxArray *a = arr("1 2");
-             a->set_reusable(true);
-             return Arrays{a};
-         }},
-    {.name = "oxSetDimensions",
-     .inputs = {"double 2x1x2: 1; 2 | 3; 4"},
-     .act = [](const Arrays &in) { return oxSetDimensions(in[0], cube, 3) == 0; },
-     .silent = true},
-    {.name = "oxMalloc", .act = [](const Arrays &) { return give_back(oxMalloc(100)); }},
-    {.name = "oxCalloc", .act = [](const Arrays &) { return give_back(oxCalloc(100, 3)); }},
-    {.name = "oxRealloc", .act = grow_listed},
-    {.name = "oxAddToAllocList", .act = list_raw, .bare = false},
-};
+Arrays reusable_array() {
+    oxArray *a = arr("1 2");
+    a->set_reusable(true);
+    return {a};
+}
 
 TEST(CoreSweep, EveryAllocationFailsOnce) {
-    for (const auto create : creators)
-        sweep_everywhere({{}}, [create](auto &) { return create(); });
-    for (const Sweep &s : sweeps) sweep(s);
+    oxArray *(*const creators[])(const Arrays &) = {
+        [](auto &) { return oxCreateNumericArray(3, cube, oxINT16_CLASS, oxCOMPLEX); },
+        [](auto &) { return oxCreateLogicalArray(3, flat); },
+        [](auto &) { return oxCreateDoubleScalar(1); },
+        [](auto &) { return oxCreateSingleScalar(1); },
+        [](auto &) { return oxCreateLogicalScalar(true); },
+        [](auto &) { return oxCreateUninitNumericArray(3, cube, oxINT16_CLASS, oxCOMPLEX); },
+    };
+    for (const auto create : creators) sweep_everywhere({{}}, create);
+    const auto reuse = [](auto &in) {
+        return oxCreateNumericArrayWithReuse(3, pair, oxDOUBLE_CLASS, oxREAL, 1, in.data());
+    };
+    // The next call finds nothing to reuse.
+    sweep({.name = "reuse", .make = reuse, .changes_inputs = true, .setup = reusable_array});
+    sweep({.name = "dimensions",
+           .inputs = {"double 2x1x2: 1; 2 | 3; 4"},
+           .act = [](auto &in) { return oxSetDimensions(in[0], cube, 3) == 0; },
+           .silent = true});
+    sweep({.name = "oxRealloc", .act = grow_listed});
+    sweep({.name = "oxAddToAllocList", .act = list_raw, .bare = false});
 }
 
 } // namespace

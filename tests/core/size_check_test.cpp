@@ -6,7 +6,7 @@
 
 namespace {
 
-class SizeCheck : public HostTest {};
+using SizeCheck = HostTest;
 
 constexpr kwSize two24 = kwSize{1} << 24, two47 = kwSize{1} << 47, most = (kwSize{1} << 48) - 1;
 constexpr double nan_ = NAN;
@@ -18,7 +18,6 @@ const struct {
     kwSize count;
 } wide_rows[] = {
     {{}, 8, true, 1},
-    {{3, 4, 5}, 8, true, 60},
     {{two24, two24}, 1, false, most},
     {{two24, two24 - 1}, 1, true, two24 *(two24 - 1)},
     {{most}, 1, true, most},
@@ -56,7 +55,6 @@ const struct {
     bool fits;
     int count;
 } narrow_rows[] = {{{}, 8, true, 1},
-                   {{INT_MAX}, 8, true, INT_MAX},
                    {{1 << 15, 1 << 16}, 1, false, INT_MAX}, // 2^31
                    {{INT_MAX}, kwSize{1} << 17, true, INT_MAX},
                    {{INT_MAX}, (kwSize{1} << 17) + 1, false, INT_MAX},

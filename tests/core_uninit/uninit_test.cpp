@@ -16,16 +16,14 @@ const bool created_at_start = [] {
     return sound;
 }();
 
-class Uninit : public BareTest {};
+using Uninit = BareTest;
 
 TEST_F(Uninit, ArraysAreUnlisted) {
     EXPECT_TRUE(created_at_start && !oxIsArrayListInitialized());
     oxArray *a = arr("1 2");
-    EXPECT_TRUE(a->scope == oxSCOPE_NONE && array_list_length() == 0);
     oxSetArrayScope(a, oxSCOPE_TEMPORARY); // stored, but nothing would take it off the list again
     EXPECT_TRUE(oxIsTemp(a) && array_list_length() == 0);
-    EXPECT_EQ(oxPreparePropertyValueForContainment(a), a);
-    EXPECT_EQ(a->scope, oxSCOPE_PROPERTY);
+    EXPECT_TRUE(oxPreparePropertyValueForContainment(a) == a && a->scope == oxSCOPE_PROPERTY);
     oxDestroyArray(a);
 }
 
@@ -36,18 +34,14 @@ TEST_F(Uninit, FailedCreationGivesNull) {
     EXPECT_EQ(oxCreateNumericMatrix(2, 2, oxUNKNOWN_CLASS, oxREAL), nullptr);
     EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCreateUninitDoubleMatrix(two24, two24, oxREAL));
     EXPECT_EQ(oxCreateUninitDoubleMatrix(two24, two24 / 16, oxREAL), nullptr);
-    FailingAllocation none(1, FailingAllocation::Then::stays);
-    EXPECT_EQ(oxCreateDoubleScalar(1), nullptr);
 }
 
 TEST_F(Uninit, BlocksAreUnlistedAndRefusedInSilence) {
     void *a = oxMalloc(8);
     EXPECT_FALSE(oxIsOnAllocList(a));
     oxFreeAllocListContext();
-    a = oxRealloc(a, 1 << 20);
     oxFree(a);
-    EXPECT_EQ(oxMalloc(~kwSize{0}), nullptr);
-    EXPECT_EQ(oxCallocExCheck(2, ~kwSize{0}), nullptr);
+    EXPECT_FALSE(oxMalloc(~kwSize{0}) || oxCallocExCheck(2, ~kwSize{0}));
     EXPECT_RAISES("A:b", "early", oxErrMsgIdAndTxt("A:b", "early")); // without a list, too
 }
 
@@ -66,25 +60,20 @@ TEST_F(Uninit, FailedReallocIsReportedToTheListener) {
 TEST_F(Uninit, ContextsMayBeEnteredOnEmptyLists) {
     const int arrays = oxEnterNewArrayListContext(), blocks = oxEnterNewAllocListContext();
     install_managers();
-    oxArray *a = oxCreateDoubleScalar(1);
+    oxCreateDoubleScalar(1);
     oxMalloc(8);
-    EXPECT_EQ(array_list_length(), 1u);
+    EXPECT_TRUE(array_list_length() == 1 && GetAllocListLength() == 1);
     oxExitArrayListContext(arrays, nullptr, 0, true);
     oxFreeAllocListContext();
     oxRestorePreviousAllocListContext(blocks);
-    EXPECT_FALSE(array_list_contains(a));
-    EXPECT_EQ(GetAllocListLength(), 0u);
 }
 
 TEST_F(Uninit, ProcessWideObjectsAreMadeOnce) {
     oxArray *before = arr("5");
-    EXPECT_TRUE(detail::matrix::init_pool(0));
-    EXPECT_TRUE(detail::matrix::init_application_init(1));
-    EXPECT_EQ(constructed_static_objects(), 2);
-    EXPECT_EQ(fl::init::count(), 1);
+    EXPECT_TRUE(detail::matrix::init_pool(0) && detail::matrix::init_application_init(1));
+    EXPECT_TRUE(constructed_static_objects() == 2 && fl::init::count() == 1);
     EXPECT_EQ(live_headers(), 1u) << "the same pool";
     oxDestroyArray(before);
-    EXPECT_EQ(live_headers(), 0u);
 }
 
 } // namespace
