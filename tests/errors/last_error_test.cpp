@@ -21,13 +21,10 @@ protected:
 
 TEST_F(LastError, BuffersGrowToTheLengthAndNeverShrink) {
     const oxErrorState *s = oxGetErrorState();
-    EXPECT_EQ(last(), "|");
     oxSetLastErrIdAndMsg("A:long", "0123456789");
-    EXPECT_EQ(s->message_capacity, 11u);
-    EXPECT_EQ(s->identifier_capacity, 7u);
     oxSetLastErrIdAndMsg("B", "012");
     EXPECT_EQ(last(), "B|012");
-    EXPECT_EQ(s->message_capacity, 11u);
+    EXPECT_TRUE(s->message_capacity == 11 && s->identifier_capacity == 7);
     EXPECT_EQ(s->message[10], '\0');
     oxSetLastErrIdAndMsg(nullptr, nullptr);
     EXPECT_EQ(last(), "|");
@@ -45,10 +42,8 @@ TEST_F(LastError, TextsMayAliasTheRecord) {
     EXPECT_EQ(last(), "A:b|a longer message");
     oxSetLastErrIdAndMsg(msg(), id());
     EXPECT_EQ(last(), "a longer message|A:b");
-    oxSetLastErrIdAndMsg(id() + 2, id() + 9);
-    EXPECT_EQ(last(), "longer message|message");
-    EXPECT_RAISES("message", "longer message!", oxErrMsgIdAndTxt(msg(), "%s!", id()));
-    EXPECT_EQ(last(), "message|longer message!");
+    EXPECT_RAISES("A:b", "longer message!", oxErrMsgIdAndTxt(msg(), "%s!", id() + 2));
+    EXPECT_EQ(last(), "A:b|longer message!");
 }
 
 // The record keeps a shared copy, off the list; errors without a stack drop it.
@@ -57,10 +52,8 @@ TEST_F(LastError, StackIsASharedCopy) {
         const Contexts inner;
         oxArray *a = arr("1 2 3");
         oxSetLastErrIdAndMsgAndStack("A:b", "m", a);
-        EXPECT_NE(stack(), a);
-        EXPECT_EQ(oxGetPr(stack()), oxGetPr(a));
-        EXPECT_EQ(oxGetArrayScopeField(stack()), oxSCOPE_ERROR_STACK);
-        EXPECT_EQ(oxGetArrayScopeField(a), oxSCOPE_TEMPORARY);
+        EXPECT_TRUE(stack() != a && oxGetPr(stack()) == oxGetPr(a));
+        EXPECT_TRUE(stack()->scope == oxSCOPE_ERROR_STACK && oxIsTemp(a));
         oxSetLastErrIdAndMsgAndStack("A:b", "m", stack()); // the one that is replaced
     }
     EXPECT_EQ(text(stack()), "double 1x3: 1 2 3");
@@ -71,32 +64,25 @@ TEST_F(LastError, StackIsASharedCopy) {
     EXPECT_EQ(stack(), nullptr);
     EXPECT_RAISES("A:b", "y", oxSimpleErrStackAndMsgIdAndTxt(arr("4"), "A:b", "y"));
     EXPECT_EQ(text(stack()), "double 1x1: 4");
-    oxSetLastErrIdAndMsg("A:b", "m");
-    EXPECT_EQ(stack(), nullptr);
 }
 
 TEST_F(LastError, RecordsAreExchanged) {
     oxErrorState mine;
     oxInitErrorState(&mine);
-    EXPECT_EQ(mine.mode, 1);
     oxSetErrorMode(3);
     oxSetLastErrIdAndMsg("A:b", "outer");
     oxErrorState *s = &mine;
     oxSwapErrorState(&s);
-    EXPECT_EQ(oxGetErrorState(), &mine);
+    EXPECT_TRUE(oxGetErrorState() == &mine && oxGetErrorMode() == 1);
     EXPECT_EQ(last(), "|");
     EXPECT_RAISES("C:d", "inner", oxErrMsgIdAndTxt("C:d", "inner"));
-    EXPECT_STREQ(mine.message, "inner");
     oxSetErrorState(s);
     EXPECT_EQ(last(), "A:b|outer");
+    EXPECT_STREQ(mine.message, "inner");
     mine.mode = 9;
     oxClearErrorState(&mine);
-    EXPECT_FALSE(mine.message || mine.identifier);
-    EXPECT_EQ(mine.message_capacity + mine.identifier_capacity, 0u);
+    EXPECT_TRUE(!mine.message && !mine.message_capacity && !mine.identifier_capacity);
     EXPECT_EQ(mine.mode, 9);
-    oxErrorCleanup();
-    EXPECT_EQ(last(), "|");
-    EXPECT_EQ(oxGetErrorMode(), 3);
 }
 
 } // namespace

