@@ -106,13 +106,12 @@ TEST_F(Compat32, FunctionsConvertAndForwardAndRaiseTheTooLargeErrorForNegativeSi
 }
 
 TEST_F(Compat32, ResultsOf2To31AndMoreAreNotNarrowed) {
-    const kwSize dims[] = {huge, 0, 2};
-    oxArray *a = oxCreateNumericArray(3, dims, oxDOUBLE_CLASS, oxREAL);
+    oxArray *a = oxCreateDoubleMatrix(huge, 0, oxREAL);
     EXPECT_RAISES_ENTRY(FP64BITSIZE, oxGetDimensions_700(a));
     const int subs[] = {0, 1};
     EXPECT_RAISES_ENTRY(FP64BITSIZE, oxCalcSingleSubscript_700(a, 2, subs));
     int count;
-    EXPECT_RAISES_ENTRY(FP64BITSIZE, oxSubsCount_700(a, oxCreateString(":"), 1, 3, &count));
+    EXPECT_RAISES_ENTRY(FP64BITSIZE, oxSubsCount_700(a, oxCreateString(":"), 1, 2, &count));
     oxArray *sparse = arr("sparse double 2x2: (0,0)=1");
     oxSetNzmax(sparse, huge);
     EXPECT_RAISES_ENTRY(FP64BITSIZE, oxGetNzmax_700(sparse));
@@ -122,39 +121,25 @@ TEST_F(Compat32, ResultsOf2To31AndMoreAreNotNarrowed) {
 }
 
 TEST_F(Compat32, DimensionsAreKeptWithTheArrayAndRefilledByEveryCall) {
-    const kwSize three[] = {3, 4, 5}, two[] = {6, 10};
-    oxArray *a = oxCreateNumericArray(3, three, oxINT8_CLASS, oxREAL);
-    int *dims = oxGetDimensions_700(a);
-    EXPECT_EQ(std::vector<int>(dims, dims + 3), (std::vector<int>{3, 4, 5}));
-    EXPECT_EQ(oxGetDimensions_700(a), dims);
-    EXPECT_EQ(oxGetNumberOfDimensions_700(a), 3);
-    oxSetDimensions(a, two, 2);
-    dims = oxGetDimensions_700(a);
+    const WithLayer layer;
+    const auto read = [](const oxArray *a) {
+        const int *dims = oxGetDimensions_700(a);
+        return std::vector<int>(dims, dims + oxGetNumberOfDimensions_700(a));
+    };
+    oxArray *a = oxCreateNumericArray(3, std::vector<kwSize>{3, 4, 5}.data(), oxINT8_CLASS, oxREAL);
+    EXPECT_EQ(read(a), (std::vector<int>{3, 4, 5}));
+    EXPECT_EQ(oxGetDimensions_700(a), a->dim32->dims);
+    oxSetN(a, 20);
+    EXPECT_EQ(read(a), (std::vector<int>{3, 20}));
     EXPECT_EQ(a->dim32->length, 2);
-    EXPECT_EQ(std::vector<int>(dims, dims + 2), (std::vector<int>{6, 10}));
-    oxSetM(a, 7);
-    EXPECT_EQ(*oxGetDimensions_700(a), 7);
-    oxSetM(a, huge);
-    EXPECT_RAISES_ENTRY(FP64BITSIZE, oxGetDimensions_700(a));
-    oxSetM(a, 6);
-
-    oxArray *copy = oxDuplicateArray(a); // a copy starts without
-    EXPECT_EQ(copy->dim32, nullptr);
-    EXPECT_NE(oxGetDimensions_700(copy), oxGetDimensions_700(a));
-
-    WithLayer layer;
-    oxArray *lazy = arr("lazy 2x3: 7"); // whose class knows its dimensions
-    dims = oxGetDimensions_700(lazy);
-    EXPECT_EQ(std::vector<int>(dims, dims + 2), (std::vector<int>{2, 3}));
+    EXPECT_EQ(oxDuplicateArray(a)->dim32, nullptr);                // a copy starts without
+    EXPECT_EQ(read(arr("lazy 2x3: 7")), (std::vector<int>{2, 3})); // its class knows them
 }
 
 TEST_F(Compat32, SparseIndexVectorsAreRefusedByName) {
     oxArray *a = arr("sparse double 2x2: (0,0)=1");
     const int position = 0;
-    const struct {
-        const char *name;
-        std::function<void()> call;
-    } table[] = {
+    const std::pair<const char *, std::function<void()>> table[] = {
         {"oxGetIr_700", [&] { oxGetIr_700(a); }},
         {"oxGetJc_700", [&] { oxGetJc_700(a); }},
         {"oxSetIr_700", [&] { oxSetIr_700(a, nullptr); }},
@@ -163,19 +148,15 @@ TEST_F(Compat32, SparseIndexVectorsAreRefusedByName) {
         {"oxReshapeSparse_700",
          [&] { oxReshapeSparse_700(2, 2, nullptr, nullptr, 1, 4, nullptr); }},
     };
-    int last_line = 0;
-    for (const auto &r : table) {
+    for (const auto &[name, call] : table) {
         const std::string message =
             std::string("64-bit vex files using sparse matrices must be rebuilt with the "
                         "\"-largeArrayDims\" option: ") +
-            r.name + " cannot serve them. See the release notes for more details.";
-        EXPECT_RAISES("VELTRO:matrix:ERR_SPARSE_64BIT_OBSOLETE", message.c_str(), r.call());
+            name + " cannot serve them. See the release notes for more details.";
+        EXPECT_RAISES("VELTRO:matrix:ERR_SPARSE_64BIT_OBSOLETE", message.c_str(), call());
         const char *file;
-        int line;
-        utGetLastErrorPlace(&file, &line);
+        utGetLastErrorPlace(&file, nullptr);
         EXPECT_STREQ(file, "compat32");
-        EXPECT_GT(line, last_line);
-        last_line = line;
     }
 }
 

@@ -12,25 +12,16 @@ const char names[] = "alphabeta ", *fields[] = {"alpha", "beta"};
 
 using Make = std::function<oxArray *(const Arrays &)>;
 const Make makers[] = {
-    [](auto &) { return oxCreateDoubleMatrix_700(2, 2, oxCOMPLEX); },
     [](auto &) { return oxCreateNumericArray_700(10, ones, oxINT8_CLASS, oxREAL); },
-    [](auto &) { return oxCreateCellArray_700(10, ones); },
     [](auto &) { return oxCreateStructArray_700(10, ones, 2, fields); },
     [](auto &) { return OXCREATESTRUCTARRAY(&ten, ones, &two, names, 5); },
     [](auto &) { return OXCREATECHARMATRIXFROMSTRINGS(&two, names, 5); },
 };
 
 const Sweep sweeps[] = {
-    {.name = "sparse",
-     .make = [](auto &) { return oxCreateSparse_700(3, 3, 4, oxREAL); },
-     .silent = true},
     {.name = "string", // the converter's buffer may fall back
      .make = [](auto &) { return oxCreateStringFromNChars_700("text", 4); },
      .may_survive = true},
-    {.name = "dimensions",
-     .inputs = {"int8 1x1x4: 1 | 2 | 3 | 4"},
-     .act = [](auto &in) { return oxGetDimensions_700(in[0])[2] == 4; },
-     .changes_inputs = true},
     {.name = "dimensions of another length",
      .inputs = {"double 2x3: 1 2 3; 4 5 6"},
      .act =
