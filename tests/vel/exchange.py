@@ -65,6 +65,11 @@ for matrix in (sparse, (sparse + 1j * sparse).tocsc(), sparse > 0.5, sparse.toco
     through_vel("s.npz")
     back = scipy.sparse.load_npz("back.npz")
     assert back.dtype == matrix.dtype and (back != matrix).nnz == 0, "sparse npz"
+scipy.sparse.save_npz("wide.npz", scipy.sparse.csr_matrix((1, 10**9)))
+refused = subprocess.run([vel, "convert", "wide.npz", "x.vel"], capture_output=True, text=True)
+assert (refused.returncode, refused.stderr) == (
+    1, "vel: wide.npz: 1000000000 columns take 8000000008 bytes for their starts alone; "
+    "--force reads the file nevertheless\n")
 square = scipy.sparse.random(9, 9, 0.3, random_state=3).tocsc()
 for matrix, symmetry in ((sparse, "general"), (square + square.T, "symmetric"),
                          (square - square.T, "skew-symmetric"),

@@ -41,6 +41,23 @@ protected:
         const int status = pclose(pipe);
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
     }
+    // Runs the lines of a file beside this one that begin with "$ "; what they print, and [STATUS]
+    // if that is not 0, are the lines behind them. Lines that begin with "# " are notes.
+    void expect_transcript(const std::string &name) const {
+        std::ifstream in(OX_SOURCE_DIR "/tests/vel/" + name);
+        ASSERT_TRUE(in) << name;
+        std::string expected, actual;
+        for (std::string line; std::getline(in, line);) {
+            if (line.starts_with("# ")) continue;
+            expected += line + '\n';
+            if (!line.starts_with("$ ")) continue;
+            const Outcome o = run("{ " + line.substr(2) + "\n} 2>&1");
+            actual += line + '\n' + o.out;
+            if (!o.out.empty() && o.out.back() != '\n') actual += '\n';
+            if (o.status != 0) actual += '[' + std::to_string(o.status) + "]\n";
+        }
+        EXPECT_EQ(actual, expected);
+    }
     void write(const std::string &name, const std::string &bytes) const {
         std::ofstream(folder_ / name, std::ios::binary) << bytes;
     }
