@@ -6,7 +6,6 @@
 #include "numbers.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <vector>
 
@@ -22,15 +21,16 @@ public:
         : in_(in), lines_(in), name_(name), separator_(separator) {}
 
     oxArray *read() {
-        rows_ = count_lines(in_);
-        if (next_row()) begin();
-        if (!a_) throw Failure(Exit::data, name_ + ":1:1: the file holds no rows of numbers");
+        if (!next_row() || !begin())
+            throw Failure(Exit::data, name_ + ":1:1: the file holds no rows of numbers");
         do {
-            parse_row(block_.data() + n_ * (m_ % rows_together));
-            if (++m_ % rows_together == 0) store();
+            parse_row(row_to());
+            end_row();
+            plain_rows();
         } while (next_row());
         store();
-        cut();
+        set_rows(m_);
+        oxSetM(a_, m_);
         return a_;
     }
 
@@ -52,7 +52,7 @@ private:
     }
 
     // Counts the columns in the first row and leaves it out when it is a header.
-    void begin() {
+    bool begin() {
         if (first_line_ == 1 && row_.starts_with("\xEF\xBB\xBF")) row_.remove_prefix(3);
         size_t numbers = 0, empty = 0;
         for (size_t at = 0; at <= row_.size(); ++n_) {
@@ -61,23 +61,47 @@ private:
             numbers += parse_number(text, x);
             empty += trimmed(text).empty();
         }
-        if (numbers + empty == 0 && (--rows_, !next_row())) return;
-        // Each row takes a byte for each cell at least, which bounds what blank lines can ask for.
-        rows_ = std::min<uint64_t>(rows_, (in_.size() + 1) / n_);
-        a_ = oxCreateDoubleMatrix(rows_, n_, oxREAL);
+        if (numbers + empty == 0 && !next_row()) return false;
         block_.resize(n_ * rows_together);
+        a_ = oxCreateDoubleMatrix(0, n_, oxREAL);
+        return true;
+    }
+
+    // Rows of numbers and nothing else, without looking for their ends first.
+    void plain_rows() {
+        for (std::string_view text; !(text = lines_.ahead()).empty();) {
+            const char *const end = text.data() + text.size();
+            const char *p = text.data();
+            size_t rows = 0;
+            for (const char *next; p < end && (next = plain_row(p, end, row_to())); p = next) {
+                end_row();
+                ++rows;
+            }
+            lines_.pass(static_cast<size_t>(p - text.data()), rows);
+            if (p < end) return;
+        }
+    }
+    // Behind the row, or null when it has to be looked at closely. The text ends with a line end.
+    const char *plain_row(const char *p, const char *end, double *to) const {
+        for (size_t j = 0;; ++p) {
+            while (*p == ' ') ++p;
+            const auto [stop, error] = read_number(p, end, to[j]);
+            if (error == std::errc())
+                p = stop;
+            else if (stop == p && (*p == separator_ || (j > 0 && (*p == '\r' || *p == '\n'))))
+                to[j] = oxGetNaN();
+            else
+                return nullptr;
+            if (++j == n_) break;
+            if (*p != separator_) return nullptr;
+        }
+        p += *p == '\r';
+        return *p == '\n' ? p + 1 : nullptr;
     }
 
     void parse_row(double *to) {
         size_t at = 0, j = 0;
-        for (; at <= row_.size() && j < n_; ++j) {
-            const char *p = row_.data() + at, *end = row_.data() + row_.size();
-            const auto [stop, error] = std::from_chars(p, end, to[j]);
-            if (error == std::errc() && (stop == end || *stop == separator_))
-                at = static_cast<size_t>(stop - row_.data()) + 1;
-            else
-                to[j] = unusual(at);
-        }
+        while (at <= row_.size() && j < n_) to[j++] = value(at);
         if (j == n_ && at > row_.size()) return;
         const size_t last = at;
         for (; at <= row_.size(); ++j) cell(at);
@@ -105,8 +129,7 @@ private:
         ++at;
         return text;
     }
-    // Blank, quoted, with a plus sign, out of range, or no number at all.
-    double unusual(size_t &at) {
+    double value(size_t &at) {
         const size_t start = at;
         const std::string text = cell(at);
         double x = oxGetNaN();
@@ -116,21 +139,38 @@ private:
     }
 
     // --- The matrix ---
+    double *row_to() { return block_.data() + n_ * (m_ % rows_together); }
+    void end_row() {
+        if (++m_ % rows_together == 0) store();
+    }
     void store() {
-        const size_t last = m_, first = (m_ - 1) / rows_together * rows_together;
-        if (stored_ == last) return;
+        const size_t first = stored_;
+        if (m_ > rows_) set_rows(std::max(expected_rows(), m_ + m_ / 4));
         double *p = oxGetPr(a_);
         for (size_t j = 0; j < n_; ++j)
-            for (size_t i = first; i < last; ++i) p[j * rows_ + i] = block_[(i - first) * n_ + j];
-        stored_ = last;
+            for (size_t i = first; i < m_; ++i) p[j * rows_ + i] = block_[(i - first) * n_ + j];
+        stored_ = m_;
     }
-    // Blank lines, and lines inside of quotations, were taken for rows.
-    void cut() {
-        if (m_ == rows_) return;
+    // What the file will come to if it goes on like the text that is in memory, and a little more.
+    size_t expected_rows() {
+        const std::string_view text = lines_.ahead();
+        double line = static_cast<double>(row_.size() + 1);
+        if (!text.empty())
+            line = static_cast<double>(text.size()) /
+                   static_cast<double>(std::count(text.begin(), text.end(), '\n'));
+        return m_ + 8 + static_cast<size_t>(1.02 * static_cast<double>(lines_.left()) / line);
+    }
+    // The columns get room for so many elements each; a row takes a byte for each cell at least.
+    void set_rows(size_t rows) {
+        rows = std::max<size_t>(m_, std::min<uint64_t>(rows, in_.size() / n_ + 1));
         double *p = oxGetPr(a_);
-        for (size_t j = 1; j < n_; ++j)
-            std::memmove(p + j * m_, p + j * rows_, m_ * sizeof(double));
-        oxSetM(a_, m_);
+        for (size_t j = 1; rows < rows_ && j < n_; ++j)
+            std::memmove(p + j * rows, p + j * rows_, stored_ * sizeof *p);
+        p = static_cast<double *>(oxRealloc(p, rows * n_ * sizeof *p));
+        oxSetPr(a_, p);
+        for (size_t j = n_ - 1; rows > rows_ && j > 0; --j)
+            std::memmove(p + j * rows, p + j * rows_, stored_ * sizeof *p);
+        rows_ = rows;
     }
 
     [[noreturn]] void fail(size_t at, const std::string &what) const {
@@ -146,6 +186,7 @@ private:
     const std::string &name_;
     char separator_;
     std::string_view row_;
+    // There is room for rows_ rows, m_ have been read, of which stored_ are in their columns.
     size_t first_line_ = 0, rows_ = 0, n_ = 0, m_ = 0, stored_ = 0;
     std::vector<double> block_;
     oxArray *a_ = nullptr;
