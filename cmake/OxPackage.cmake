@@ -4,8 +4,12 @@ if(NOT OX_PACKAGE)
   return()
 endif()
 
-# ox_debian(COMPONENT PACKAGE SECTION DEPENDS SYNOPSIS TEXT): a package, and the documents that every one has.
-function(ox_debian component package section depends synopsis text)
+# ox_debian(COMPONENT PACKAGE SECTION MULTIARCH DEPENDS SYNOPSIS TEXT): a package, and the documents that every
+# one has. Only CPack of 3.31 knows the field Multi-Arch; until then it is a second line of the section.
+function(ox_debian component package section multiarch depends synopsis text)
+  if(multiarch)
+    string(APPEND section "\nMulti-Arch: ${multiarch}")
+  endif()
   string(TOUPPER ${component} upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package} PARENT_SCOPE)
   set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION ${section} PARENT_SCOPE)
@@ -23,16 +27,19 @@ set(what "oxarray owns the one data type of a numerical computing environment: t
 N-dimensional array of numbers, text, cells or fields, full or sparse. It
 creates, indexes, converts, joins, compares, shares and serialises arrays.")
 set(same "(= ${PROJECT_VERSION})")
-ox_debian(runtime libox1 libs "" "N-dimensional arrays for numerical computing, shared libraries"
+ox_debian(runtime libox1 libs same "" "N-dimensional arrays for numerical computing, shared libraries"
   "${what}\n\nThis package has the libraries that programs and extension modules run with.")
-ox_debian(devel libox-dev libdevel "libox1 ${same}" "N-dimensional arrays for numerical computing, development files"
+ox_debian(devel libox-dev libdevel same "libox1 ${same}"
+  "N-dimensional arrays for numerical computing, development files"
   "${what}\n\nThis package has the headers for C and C++, the CMake package and the file\nfor pkg-config.")
-ox_debian(fortran libox-fortran-dev libdevel "libox-dev ${same}"
+# Of one architecture through what it depends on: neither same nor foreign.
+ox_debian(fortran libox-fortran-dev libdevel "" "libox-dev ${same}"
   "N-dimensional arrays for numerical computing, Fortran interface"
   "${what}\n\nThis package has the sources of the Fortran module, which the user's own\ncompiler translates, and declarations for code in fixed form.")
-ox_debian(tools ox-tools math "libox1 ${same}" "N-dimensional arrays for numerical computing, command-line tool"
+ox_debian(tools ox-tools math foreign "libox1 ${same}"
+  "N-dimensional arrays for numerical computing, command-line tool"
   "${what}\n\nThis package has vel, which lists, shows, converts, checks and compares files\nof arrays and runs extension modules.")
-ox_debian(doc ox-doc doc "" "N-dimensional arrays for numerical computing, documents"
+ox_debian(doc ox-doc doc foreign "" "N-dimensional arrays for numerical computing, documents"
   "${what}\n\nThis package has the guide for authors of extension modules and the\ndescriptions of formats.")
 
 install(CODE "execute_process(COMMAND gzip -9nf \"\$ENV{DESTDIR}/usr/${CMAKE_INSTALL_MANDIR}/man1/vel.1\" COMMAND_ERROR_IS_FATAL ANY)"
@@ -58,6 +65,6 @@ foreach(component RUNTIME TOOLS)
   set(CPACK_DEBIAN_${component}_DEBUGINFO_PACKAGE ON)
 endforeach()
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/libs)
-# shlibs is a file of ours: with a generated one come scripts that call ldconfig besides the trigger.
+# CPack adds scripts that call ldconfig, besides the trigger that suffices: lintian warns, nothing is harmed.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${debian}/triggers ${debian}/shlibs)
 include(CPack)

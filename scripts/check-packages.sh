@@ -29,6 +29,12 @@ done
     's/^project(oxarray VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)-gdb.py" ] || die "the printers are not where gdb looks"
 [[ $(dpkg-deb -I "$packages"/libox1_*.deb triggers) == *ldconfig* ]] || die "libox1: no ldconfig trigger"
 
+for deb in "$packages"/*.deb; do # How the architectures share it: see ox_debian.
+    printf '%s=%s ' "$(dpkg-deb -f "$deb" Package)" "$(dpkg-deb -f "$deb" Multi-Arch)"
+done >"$work/multiarch"
+[ "$(<"$work/multiarch")" = "libox-dev=same libox-fortran-dev=no libox1=same ox-doc=foreign ox-tools=foreign " ] ||
+    die "Multi-Arch: $(<"$work/multiarch")"
+
 say "consumers"
 LD_LIBRARY_PATH=$lib "$work/root/usr/bin/vel" --help >/dev/null
 LD_LIBRARY_PATH=$lib cmake -DPREFIX="$work/root/usr" -DSOURCE="$PWD/tests/package" -DWORK="$work/consumers" \
