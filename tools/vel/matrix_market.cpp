@@ -37,6 +37,24 @@ bool look_up(const std::string &word, const char *const (&names)[N], E &value) {
     return true;
 }
 
+bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+// A number at p behind blanks, the first of them optional when it begins a line; p moves behind it.
+// The text ends with a line end.
+bool take(const char *&p, const char *end, size_t &x) {
+    while (is_blank(*p)) ++p;
+    const auto [stop, error] = std::from_chars(p, end, x);
+    p = stop;
+    return error == std::errc();
+}
+bool take(const char *&p, const char *end, double &x) {
+    if (!is_blank(*p)) return false;
+    while (is_blank(*p)) ++p;
+    const auto [stop, error] = read_number(p, end, x);
+    p = stop;
+    return error == std::errc();
+}
+
 class Parser {
 public:
     Parser(SizedSource &in, const std::string &name, bool force)
@@ -59,12 +77,12 @@ private:
         return true;
     }
     void skip_blanks() {
-        while (!line_.empty() && (line_[0] == ' ' || line_[0] == '\t' || line_[0] == '\r'))
-            line_.remove_prefix(1);
+        while (!line_.empty() && is_blank(line_[0])) line_.remove_prefix(1);
     }
     std::string_view word(const char *what) {
         if (line_.empty()) fail(std::string(what) + " is missing");
-        const std::string_view w = line_.substr(0, line_.find_first_of(" \t\r"));
+        const auto end = std::find_if(line_.begin(), line_.end(), is_blank);
+        const std::string_view w = line_.substr(0, static_cast<size_t>(end - line_.begin()));
         line_.remove_prefix(w.size());
         skip_blanks();
         return w;
@@ -149,10 +167,10 @@ private:
     }
     // Below (true) or on the diagonal; the half above is not part of the file.
     void check_triangle(size_t i, size_t j, double re, double im) const {
+        if (i > j) return;
         const std::string at =
             "entry (" + std::to_string(i + 1) + "," + std::to_string(j + 1) + ")";
         if (i < j) fail(at + " lies above the diagonal of a matrix with symmetry");
-        if (i > j) return;
         if (banner_.symmetry == Symmetry::skew && (re != 0 || im != 0))
             fail(at + " of a skew-symmetric matrix must be 0");
         if (banner_.symmetry == Symmetry::hermitian && im != 0)
@@ -168,21 +186,53 @@ private:
         if (too_many_columns(n_) && !force_) fail(too_many_columns_text(n_));
         Triplets t{m_, n_, banner_.field == Field::complex, banner_.field == Field::pattern, {}};
         t.entries.reserve(banner_.symmetry == Symmetry::general ? count : 2 * count);
-        for (size_t k = 0; k < count; ++k) {
+        for (size_t k = 0; (k += plain_entries(t, count - k)) < count; ++k) {
             next_entry(k, count);
             coordinate(t);
         }
         end_file(count);
         return make_sparse(std::move(t));
     }
+    // Entries as they are usually written, taken where they lie in memory; their number.
+    size_t plain_entries(Triplets &t, size_t most) {
+        size_t taken = 0;
+        for (std::string_view text; taken < most && !(text = lines_.ahead()).empty();) {
+            const char *const end = text.data() + text.size();
+            const char *p = text.data();
+            const size_t before = taken;
+            Triplet e{0, 0, 1, 0};
+            for (const char *next; taken < most && p < end && (next = plain_entry(p, end, t, e));
+                 p = next) {
+                add(t, e);
+                ++taken;
+            }
+            lines_.pass(p - text.data(), taken - before);
+            if (p < end) break;
+        }
+        return taken;
+    }
+    // Behind the entry's line, or null when it has to be looked at closely.
+    const char *plain_entry(const char *p, const char *end, const Triplets &t, Triplet &e) const {
+        if (!take(p, end, e.i) || !is_blank(*p) || !take(p, end, e.j)) return nullptr;
+        if ((!t.logical && !take(p, end, e.re)) || (t.complex && !take(p, end, e.im)))
+            return nullptr;
+        while (is_blank(*p)) ++p;
+        // What is on the diagonal or above it may be a fault.
+        const bool good =
+            --e.i < m_ && --e.j < n_ && (banner_.symmetry == Symmetry::general || e.i > e.j);
+        return good && *p == '\n' ? p + 1 : nullptr;
+    }
     void coordinate(Triplets &t) {
         const size_t i = position("row", m_), j = position("column", n_);
         const double re = t.logical ? 1 : value(), im = t.complex ? value() : 0;
         end_line();
-        t.entries.push_back({i, j, re, im});
+        add(t, {i, j, re, im});
+    }
+    void add(Triplets &t, const Triplet &e) const {
+        t.entries.push_back(e);
         if (banner_.symmetry == Symmetry::general) return;
-        check_triangle(i, j, re, im);
-        if (i != j) t.entries.push_back({j, i, mirrored(re), mirrored_imag(im)});
+        check_triangle(e.i, e.j, e.re, e.im);
+        if (e.i != e.j) t.entries.push_back({e.j, e.i, mirrored(e.re), mirrored_imag(e.im)});
     }
     size_t position(const char *what, size_t size) {
         const size_t i = whole(what);
