@@ -22,7 +22,8 @@ OX_API void oxConvertBufferToType(void *dst, oxClassID dst_class, const void *sr
    array-list context; null when there is no such conversion or no memory is left. An imaginary
    part that comes out all zero is dropped. Complex to logical raises error 67, NaN to logical
    error 66, a sparse array to anything but double and logical VELTRO:unimplementedSparseType.
-   Byte-sized elements that are all 0 or 1 become logical without copying: the arrays share. */
+   Byte-sized elements that are all 0 or 1 become logical without copying: the arrays share. A colon
+   object becomes the range that it stands for, unless it has the class. */
 OX_API oxArray *oxCreateConvertedCopy(const oxArray *a, oxClassID to);
 
 /* The functions below never answer null once the array-list manager is installed: they raise error

@@ -4,6 +4,7 @@
 #include <core/alloc.h>
 #include <core/array_list.h>
 #include <core/create.h>
+#include <core/imaginary.h>
 #include <core/position.h>
 #include <errors/raise.h>
 #include <errors/warn.h>
@@ -12,6 +13,7 @@
 #include <ox/convert.h>
 #include <ox/sharing.h>
 #include <sparse/catenate.h>
+#include <sparse/storage/csc.h>
 
 #include <algorithm>
 #include <cmath>
@@ -82,8 +84,14 @@ private:
     bool any_0_by_0_ = false;
 };
 
+bool has_imaginary_value(const oxArray *scalar) {
+    return has_imag_block(scalar) && (!is_sparse(scalar) || nonzeros(scalar) > 0) &&
+           *imag<double>(scalar) != 0;
+}
+
 kwSize parse_dimension(const oxArray *d) {
-    const double x = oxIsDouble(d) && d->get_number_of_elements() == 1 ? oxGetScalar(d) : -1;
+    const bool scalar = oxIsDouble(d) && d->get_number_of_elements() == 1;
+    const double x = scalar && !has_imaginary_value(d) ? oxGetScalar(d) : -1;
     if (!(x >= 0) || std::isinf(x) || x != std::floor(x))
         oxErrMsgIdAndTxt("VELTRO:catenate:invalidDimension", "Dimension must be a finite integer.");
     return x == 0 ? no_dimension : double_to_size(x) - 1;

@@ -68,9 +68,12 @@ void check_common(const oxArray *a, const double *x, kwSize n) {
                              "Size vector elements should be nonnegative.");
 }
 
-// A finite integer as a size. What 64 bits cannot hold no array has; the largest stands for it.
-kwSize to_size(const oxArray *a, double x) {
+// Value k, a finite integer, as a size; x holds it rounded, which matters to 64-bit classes. What
+// 64 bits cannot hold no array has; the largest stands for it.
+kwSize to_size(const oxArray *a, kwSize k, double x) {
     if (!is_numeric(a) || !std::isfinite(x) || x != std::trunc(x)) raise_not_real_int();
+    const bool wide = a->class_code == oxINT64_CLASS || a->class_code == oxUINT64_CLASS;
+    if (wide && !is_sparse(a)) return data<kwSize>(a)[k];
     return x < 0x1p64 ? static_cast<kwSize>(x) : std::numeric_limits<kwSize>::max();
 }
 
@@ -89,7 +92,7 @@ kwSize *read_size_vector(const oxArray *a, kwSize *ndims) {
                          "Size vector must be a row vector with integer elements.");
     if (!x) raise_not_real_int();
     auto *dims = static_cast<kwSize *>(oxMalloc(n * sizeof(kwSize)));
-    for (kwSize k = 0; k < n; ++k) dims[k] = to_size(a, x[k]);
+    for (kwSize k = 0; k < n; ++k) dims[k] = to_size(a, k, x[k]);
     *ndims = n;
     return dims;
 }
@@ -100,7 +103,7 @@ kwSize read_scalar_size(const oxArray *a) {
                          "Size arguments must be integer scalars.");
     const RawArray<double> x = read_values(a);
     check_common(a, x.get(), 1);
-    return to_size(a, x ? x[0] : 0);
+    return to_size(a, 0, x ? x[0] : 0);
 }
 
 constexpr int none = -1;

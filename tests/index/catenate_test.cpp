@@ -63,7 +63,7 @@ TEST_F(Catenate, Refusals) {
     // clang-format on
     for (const auto &[form, operands, id, text] : rows)
         EXPECT_RAISES((std::string("VELTRO:") + id).c_str(), text, cat(form, operands));
-    for (const char *d : {"1.5", "-1", "NaN", "Inf", "1 2", "int8 1x1: 1", "double 0x0"})
+    for (const char *d : {"1.5", "-1", "NaN", "1+2i", "Inf", "1 2", "int8 1x1: 1", "double 0x0"})
         EXPECT_RAISES("VELTRO:catenate:invalidDimension", "Dimension must be a finite integer.",
                       cat(dimension, {d, "1"}));
     const WithLayer layer;

@@ -87,7 +87,15 @@ TEST_F(Convert, EveryRule) {
             EXPECT_EQ(oxIsScalarDoubleFlagSet(b), oxIsDouble(b) && oxGetNumberOfElements(b) == 1);
         }
         EXPECT_EQ(describe(a), before);
+        EXPECT_EQ(layer_calls.objects_created, layer_calls.objects_released); // none, or one freed
     }
+}
+
+TEST_F(Convert, AColonObjectIsConvertedAsItsRange) {
+    const oxArray *a = oxCreateColonObj(3, -1, 0);
+    EXPECT_EQ(text(oxCreateConvertedCopy(a, oxINT8_CLASS)), "int8 1x4: 3 2 1 0");
+    EXPECT_EQ(text(oxCreateConvertedCopy(a, oxLOGICAL_CLASS)), "logical 1x4: 1 1 1 0");
+    EXPECT_NO_WARNING(oxMustBe(const_cast<oxArray *>(a), oxCHAR_CLASS));
 }
 
 TEST_F(Convert, WhatCannotBeIsRaised) {

@@ -153,6 +153,7 @@ TEST_F(Reshape, Sizes) {
         {twelve, false, {"char 0x3", "12"}, {1, 12}},
         {"double 0x5", true, {"7 0 1e300"}, {7, 0, ~kwSize{0}}},
         {"double 0x5", false, {"double 0x0", "5"}, {0, 5}},
+        {"double 0x5", true, {"int64 1x2: 9007199254740993 0"}, {9007199254740993, 0}}, // exact
     };
     for (const auto &[a, vector, args, sizes] : rows)
         EXPECT_EQ(reshape(arr(a), vector, args), sizes) << args[0];

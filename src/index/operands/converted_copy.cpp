@@ -1,5 +1,6 @@
 // A whole array converted to another class.
 #include <containers/copies.h>
+#include <containers/object_layer.h>
 #include <containers/structs.h>
 #include <core/alloc.h>
 #include <core/array_list.h>
@@ -9,6 +10,7 @@
 #include <core/header_copy.h>
 #include <core/imaginary.h>
 #include <core/size_check.h>
+#include <index/operands/colon_range.h>
 #include <index/operands/convert.h>
 #include <sparse/storage/csc.h>
 
@@ -41,9 +43,11 @@ oxArray *empty_of_class(const oxArray *a, int to) {
     return make_full_nd(a->ndims, a->get_dimensions(), to, false);
 }
 
+// The class layer would not hear of the copy again once it is a struct.
 oxArray *object_as_struct(const oxArray *a) {
     oxArray *copy = deep_copy(a);
     if (!copy) return nullptr;
+    if (object_layer().object_release) object_layer().object_release(copy);
     set_class(copy, oxSTRUCT_CLASS);
     copy->record.classname = nullptr;
     copy->record.tag = 0;
@@ -97,8 +101,13 @@ Converted convert_full(const oxArray *a, int to, oxArray **out) {
     return Converted::done;
 }
 
-// A source of class logical, char or a number.
+// A source of class logical, char or a number. A colon object is converted as the range that it
+// stands for: the numbers of its record would be no record of the other class.
 Converted convert_values(const oxArray *a, int to, oxArray **out) {
+    if (a->has_flag(oxFLAG_COLON)) {
+        const ArrayGuard range(expand_colon(a));
+        return range ? convert_values(range.get(), to, out) : Converted::impossible;
+    }
     const bool empty = a->get_number_of_elements() == 0;
     if (to == oxLOGICAL_CLASS) {
         if (is_complex(a)) return Converted::complex_to_logical;

@@ -6,6 +6,7 @@
 #include <core/dispatch.h>
 #include <core/imaginary.h>
 #include <errors/raise.h>
+#include <index/operands/colon_range.h>
 #include <index/operands/convert.h>
 #include <ox/errors.h>
 #include <ox/warnings.h>
@@ -62,6 +63,11 @@ extern "C" {
 oxArray *oxMustBe(oxArray *a, oxClassID to) {
     if (a->class_code == to) return a;
     if (to == oxVOID_CLASS) return oxMustBeSparse(a);
+    if (a->has_flag(oxFLAG_COLON)) { // its range is looked at and converted, not its record
+        const ArrayGuard range(expand_colon(a));
+        if (!range) raise_invalid(a, to);
+        return oxMustBe(range.get(), to);
+    }
     oxArray *copy = nullptr;
     if (holds_values(a->class_code)) check_values(a, to);
     if (holds_values(a->class_code) || is_unknown_empty(a) || a->class_code == oxOPAQUE_CLASS ||
@@ -99,7 +105,7 @@ oxArray *oxMustBeComplex(oxArray *a) {
     oxArray *copy =
         is_numeric(a) ? oxCreateConvertedCopy(a, oxGetClassID(a)) : oxMustBe(a, oxDOUBLE_CLASS);
     const kwSize count = is_sparse(copy) ? copy->num.nzmax : copy->get_number_of_elements();
-    if (!count) return copy;
+    if (!count || is_complex(copy)) return copy;
     copy->num.pimag = oxCallocEx(count, class_info(copy->class_code).element_size);
     if (!copy->num.pimag) raise_out_of_memory();
     return copy;
