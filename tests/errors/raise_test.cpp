@@ -1,4 +1,5 @@
-// Raising: identifiers, messages, the prefix, translation, and what a raise cleans up.
+// Raising: identifiers, messages, the prefix, translation, what a raise cleans up, and the record
+// of the last error.
 #include <errors/raise.h>
 #include <support/suite.h>
 
@@ -43,17 +44,9 @@ TEST_F(Raise, TableEntries) {
     }
 }
 
-void raise_with_list(const char *id, const char *fmt, ...) {
-    va_list args;
-    va_start(args, fmt);
-    oxVErrMsgIdAndTxt(id, fmt, args);
-}
-
 TEST_F(Raise, Forms) {
-    EXPECT_RAISES("A:b", "4 of y", raise_with_list("A:b", "%d of %s", 4, "y"));
-    EXPECT_RAISES("A:b", "5", oxSimpleErrMsgIdAndTxt("A:b", "%d", 5));
+    EXPECT_RAISES("A:b", "4 of y", oxErrMsgIdAndTxt("A:b", "%d of %s", 4, "y"));
     EXPECT_RAISES("A:b", "6", oxSimpleErrStackAndMsgIdAndTxt(nullptr, "A:b", "%d", 6));
-    EXPECT_RAISES("", "abc.", oxErrMsgTxt("abc"));
     EXPECT_RAISES("", "abc..", oxErrMsgTxt("ab%s", "c."));
     EXPECT_RAISES("", ".", oxErrMsgTxt(""));
     EXPECT_RAISES("VELTRO:UndefinedFunction",
@@ -114,6 +107,21 @@ TEST_F(Raise, WithoutAnyMemory) {
     EXPECT_EQ(last(), "|");
 }
 
+// The utility library's own errors take the same way.
+TEST_F(Raise, FromTheMessageCatalogue) {
+    static const utMessage rows[] = {{77, "vel", "BadPage", "Page %Iu of \"%s\" is missing."},
+                                     {0x360001, "vel", "Late", ""}};
+    ASSERT_TRUE(ut_mem_add_primary_message_table(rows, 2));
+    EXPECT_RAISES("VELTRO:vel:BadPage", "Page 4294967297 of \"log\" is missing.",
+                  ut_error(77, "pages", 41, (kwSize{1} << 32) + 1, "log"));
+    const char *file;
+    int line;
+    utGetLastErrorPlace(&file, &line);
+    EXPECT_EQ(file + std::to_string(line), "pages41");
+    EXPECT_STREQ(ut_get_message_component(0x360001), "matrix"); // the first registration wins
+    EXPECT_STRNE(ut_get_message(-1), "");
+}
+
 TEST_F(Raise, ModeZeroRecordsNothing) {
     EXPECT_RAISES("A:b", "first", oxErrMsgIdAndTxt("A:b", "first"));
     EXPECT_EQ(oxSetErrorMode(0), 1);
@@ -122,6 +130,82 @@ TEST_F(Raise, ModeZeroRecordsNothing) {
     EXPECT_EQ(oxSetErrorMode(-7), 0);
     EXPECT_RAISES("C:d", "third", oxErrMsgIdAndTxt("C:d", "third")); // and recorded
     EXPECT_EQ(oxSetErrorMode(1), -7);
+}
+
+// --- The record of the last error ---
+
+using LastError = HostTest;
+
+oxArray *stack() {
+    oxArray *s;
+    oxGetLastErrIdAndMsgAndStack(nullptr, nullptr, &s);
+    return s;
+}
+
+TEST_F(LastError, BuffersGrowToTheLengthAndNeverShrink) {
+    const oxErrorState *s = oxGetErrorState();
+    oxSetLastErrIdAndMsg("A:long", "0123456789");
+    oxSetLastErrIdAndMsg("B", "012");
+    EXPECT_EQ(last(), "B|012");
+    EXPECT_TRUE(s->message_capacity == 11 && s->identifier_capacity == 7);
+    EXPECT_EQ(s->message[10], '\0');
+    oxSetLastErrIdAndMsg(nullptr, nullptr);
+    EXPECT_EQ(last(), "|");
+    FailingAllocation none(1, FailingAllocation::Then::stays);
+    oxSetLastErrIdAndMsg("Z:yxwvuts", "0123456789abc"); // without memory texts are cut
+    EXPECT_EQ(last(), "Z:yxwv|0123456789");
+}
+
+// What is read from the record may be handed back to it, in either place.
+TEST_F(LastError, TextsMayAliasTheRecord) {
+    const auto id = [] { return oxGetErrorState()->identifier; };
+    const auto msg = [] { return oxGetErrorState()->message; };
+    oxSetLastErrIdAndMsg("A:b", "a longer message");
+    oxSetLastErrIdAndMsg(id(), msg());
+    EXPECT_EQ(last(), "A:b|a longer message");
+    oxSetLastErrIdAndMsg(msg(), id());
+    EXPECT_EQ(last(), "a longer message|A:b");
+    EXPECT_RAISES("A:b", "longer message!", oxErrMsgIdAndTxt(msg(), "%s!", id() + 2));
+    EXPECT_EQ(last(), "A:b|longer message!");
+}
+
+// The record keeps a shared copy, off the list; errors without a stack drop it.
+TEST_F(LastError, StackIsASharedCopy) {
+    {
+        const Contexts inner;
+        oxArray *a = arr("1 2 3");
+        oxSetLastErrIdAndMsgAndStack("A:b", "m", a);
+        EXPECT_TRUE(stack() != a && oxGetPr(stack()) == oxGetPr(a));
+        EXPECT_TRUE(stack()->scope == oxSCOPE_ERROR_STACK && oxIsTemp(a));
+        oxSetLastErrIdAndMsgAndStack("A:b", "m", stack()); // the one that is replaced
+    }
+    EXPECT_EQ(text(stack()), "double 1x3: 1 2 3");
+    EXPECT_RAISES("A:b", "x", oxSetErrorMode(0), oxErrMsgIdAndTxt("A:b", "x"));
+    EXPECT_NE(stack(), nullptr) << "mode 0 keeps it";
+    oxSetErrorOn();
+    EXPECT_RAISES("A:b", "x", oxErrMsgIdAndTxt("A:b", "x"));
+    EXPECT_EQ(stack(), nullptr);
+    EXPECT_RAISES("A:b", "y", oxSimpleErrStackAndMsgIdAndTxt(arr("4"), "A:b", "y"));
+    EXPECT_EQ(text(stack()), "double 1x1: 4");
+}
+
+TEST_F(LastError, RecordsAreExchanged) {
+    oxErrorState mine;
+    oxInitErrorState(&mine);
+    oxSetErrorMode(3);
+    oxSetLastErrIdAndMsg("A:b", "outer");
+    oxErrorState *s = &mine;
+    oxSwapErrorState(&s);
+    EXPECT_TRUE(oxGetErrorState() == &mine && oxGetErrorMode() == 1);
+    EXPECT_EQ(last(), "|");
+    EXPECT_RAISES("C:d", "inner", oxErrMsgIdAndTxt("C:d", "inner"));
+    oxSetErrorState(s);
+    EXPECT_EQ(last(), "A:b|outer");
+    EXPECT_STREQ(mine.message, "inner");
+    mine.mode = 9;
+    oxClearErrorState(&mine);
+    EXPECT_TRUE(!mine.message && !mine.message_capacity && !mine.identifier_capacity);
+    EXPECT_EQ(mine.mode, 9);
 }
 
 } // namespace

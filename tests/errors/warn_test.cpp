@@ -1,4 +1,4 @@
-// Warnings: shown, recorded, raised, with their hint, callbacks and hooks in order.
+// Warnings: shown, recorded, raised, with their hint, callbacks and hooks in order; their manager.
 #include <errors/raise.h>
 #include <errors/warn.h>
 #include <support/suite.h>
@@ -17,26 +17,16 @@ std::string last_warning() {
     return std::string(id) + '|' + msg;
 }
 
-class Warn : public HostTest {
-protected:
-    void SetUp() override {
-        HostTest::SetUp();
+struct Warn : HostTest {
+    Warn() {
         utSetLastWarningMsg(context(), "none", "none");
         utSetLastPrintedWarningId(context(), "none");
     }
 };
 
-void warn_with_list(const char *id, const char *fmt, ...) {
-    va_list args;
-    va_start(args, fmt);
-    oxVWarningMsgIdAndTxt(id, fmt, args);
-    va_end(args);
-}
-
 TEST_F(Warn, Forms) {
     EXPECT_WARNS("V:x", "3 of 1099511627776",
                  oxWarningMsgIdAndTxt("V:x", "%d of %Iu", 3, kwSize{1} << 40));
-    EXPECT_WARNS("V:y", "list", warn_with_list("V:y", "%s", "list"));
     EXPECT_WARNS("V:z", "Division by zero is not allowed.", oxWarningIdAndMsg("V:z", FDIVBYZERO));
     EXPECT_EQ(last_warning(), "V:z|Division by zero is not allowed.");
 }
@@ -123,6 +113,63 @@ TEST_F(Warn, DefaultHandlerPrintsALine) {
     const auto standard = oxSetWarningMessageHandler(other);
     EXPECT_EQ(oxSetWarningMessageHandler(nullptr), oxWarningHandler(other));
     EXPECT_EQ(oxSetWarningMessageHandler(nullptr), standard);
+}
+
+// --- The manager: statuses, modes, callbacks, records ---
+
+TEST_F(Warn, StatusIsTheIdentifiersOwnElseTheDefault) {
+    for (const char *id : {"VELTRO:m", "VELTRO:a", "VELTRO:z", "VELTRO:b", ""})
+        EXPECT_TRUE(utSetWarningStatus(context(), id, 0));
+    EXPECT_TRUE(utSetWarningStatus(context(), "VELTRO:m", 2));
+    EXPECT_FALSE(utSetWarningStatus(context(), "VELTRO:a", 3));
+    const std::pair<const char *, int> rows[] = {{"VELTRO:a", 0}, {"VELTRO:b", 0}, {"VELTRO:m", 2},
+                                                 {"VELTRO:z", 0}, {"", 0},         {nullptr, 0},
+                                                 {"VELTRO:c", 1}, {"VELTRO:A", 1}};
+    for (const auto &[id, status] : rows)
+        EXPECT_EQ(utGetWarningStatus(context(), id), status) << (id ? id : "null");
+    EXPECT_TRUE(utSetWarningStatus(context(), "all", 2)); // forgets the single ones
+    EXPECT_EQ(utGetWarningStatus(context(), "VELTRO:a"), 2);
+}
+
+int changes;
+
+TEST_F(Warn, EverySettingFiresTheStatusCallbacksAndModesAreSeparate) {
+    changes = 0;
+    EXPECT_TRUE(utRegisterSetWarningStatusCallback(context(), [] { ++changes; }));
+    const utSetWarningStatusCallback second = [] { changes += 100; };
+    for (int times = 0; times < 2; ++times) // known the second time
+        EXPECT_TRUE(utRegisterSetWarningStatusCallback(context(), second));
+    utSetWarningStatus(context(), "VELTRO:x", 0);
+    utSetWarningStatus(context(), "all", 1);
+    utSetWarningStatus(context(), "VELTRO:x", 9); // refused
+    EXPECT_EQ(changes, 202);
+    for (int on : {2, 3, 7}) {
+        utResetWarningManager(context()); // the callbacks stay
+        changes = 0;
+        for (int times = 0; times < 2; ++times) utSetWarningMode(context(), on, true);
+        EXPECT_EQ(changes, on == 7 ? 0 : 101);
+        for (int mode = 0; mode < 9; ++mode)
+            EXPECT_EQ(utIsWarningModeOn(context(), mode), mode == on && on != 7);
+    }
+}
+
+TEST_F(Warn, RecordsMayBeRecordedAgain) {
+    utSetLastWarningMsg(context(), "VELTRO:x", "text");
+    const char *identifier, *message;
+    utGetLastWarningMsg(context(), &identifier, &message);
+    utSetLastWarningMsg(context(), message, identifier);
+    EXPECT_EQ(last_warning(), "text|VELTRO:x");
+}
+
+TEST_F(Warn, LackOfMemoryChangesNothing) {
+    for (const std::size_t n : {1, 2}) {
+        const FailingAllocation of_either_text(n);
+        utSetLastWarningMsg(context(), "VELTRO:y", "new");
+        EXPECT_EQ(last_warning(), "none|none");
+    }
+    const FailingAllocation of_the_identifier(1);
+    EXPECT_FALSE(utSetWarningStatus(context(), "VELTRO:y", 2));
+    EXPECT_EQ(utGetWarningStatus(context(), "VELTRO:y"), 1);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Formatting with the width prefixes, printing to a sink, lower-case copies, Fortran strings.
+// Formatting with the width prefixes, and printing to a sink.
 #include "ut.h"
 
 #include <cstring>
@@ -55,21 +55,6 @@ TEST(Format, PrintfGoesToTheSinkWhole) {
     EXPECT_EQ(utPrintf("%s|", large.c_str()), 5001);
     EXPECT_EQ(printed, "4294967303 x\n" + large + "|");
     utSetPrintSink(previous);
-}
-
-TEST(Format, CopiesCutPadAndLower) {
-    char buffer[8];
-    EXPECT_STREQ(utLowerCaseCopy(buffer, "AZaz@[\xc4", 8), "azaz@[\xc4");
-    EXPECT_STREQ(utLowerCaseCopy(buffer, "FNOMEM_ox", 4), "fno");
-    for (const auto &[text, fortran] : std::initializer_list<std::pair<const char *, std::string>>{
-             {"  a b", "  a b "}, {"", "   "}, {"", ""}, {"abcdef", "abc"}, {nullptr, "  "}}) {
-        std::string copy(fortran.size() + 1, '#');
-        utC2fstr(text, copy.data(), fortran.size());
-        EXPECT_EQ(copy, fortran + '#');
-        char *back = utF2cstr(fortran.data(), fortran.size());
-        EXPECT_EQ(std::string(text ? text : "").substr(0, fortran.size()), back);
-        utFree(back);
-    }
 }
 
 } // namespace

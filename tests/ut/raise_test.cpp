@@ -1,4 +1,4 @@
-// The message catalogue, raising with and without memory, protected items, memory, numbers.
+// The exception with and without memory, protected items, memory, numbers.
 #include "ut.hpp"
 
 #include <cfenv>
@@ -9,24 +9,6 @@
 #include <vector>
 
 namespace {
-
-TEST(Messages, TablesCanBeAddedAndUnknownCodesHaveATextToo) {
-    static const utMessage rows[] = {{77, "vel", "BadPage", "Page %Iu of \"%s\" is missing."},
-                                     {0x360001, "vel", "Late", ""}};
-    ASSERT_TRUE(ut_mem_add_primary_message_table(rows, 2));
-    try {
-        ut_error(77, "pages", 41, (std::size_t{1} << 32) + 1, "log");
-    } catch (const ut::simple_exception &error) {
-        EXPECT_STREQ(error.identifier(), "VELTRO:vel:BadPage");
-        EXPECT_STREQ(error.message(), "Page 4294967297 of \"log\" is missing.");
-    }
-    const char *file;
-    int line;
-    utGetLastErrorPlace(&file, &line);
-    EXPECT_EQ(file + std::to_string(line), "pages41");
-    EXPECT_STREQ(ut_get_message_component(0x360001), "matrix"); // the first registration wins
-    EXPECT_STRNE(ut_get_message(-1), "");
-}
 
 TEST(Exception, IsMadeWithoutMemoryToo) {
     utSetAllocationFault([] { return true; });
