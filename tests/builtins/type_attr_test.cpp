@@ -30,25 +30,15 @@ TEST_F(TypeAttr, GivesTheSmallestArrayOrNull) {
         in >> name;
         const oxClassID id = std::isdigit(name[0]) ? static_cast<oxClassID>(std::stoi(name))
                                                    : oxClassIDFromClassName(name.c_str());
-        EXPECT_EQ(text(oxCreateArrayFromTypeAttr(id, attributes(in))), text(arr(r.fields[1])))
-            << r.fields[0];
+        const oxArray_attributes asked = attributes(in);
+        const oxArray *a = oxCreateArrayFromTypeAttr(id, asked);
+        EXPECT_EQ(text(a), text(arr(r.fields[1]))) << r.fields[0];
+        EXPECT_TRUE(!a || a->get_attributes() == asked) << r.fields[0];
     }
     const oxArray *a = oxCreateArrayFromTypeAttr(oxSINGLE_CLASS, sparse_complex | oxATTR_MATRIX);
     ASSERT_NE(a, nullptr);
     EXPECT_EQ(oxGetNzmax(a), 1u);
     EXPECT_TRUE(oxIsSingle(a) && oxIsComplex(a));
-}
-
-TEST_F(TypeAttr, EveryClassInEveryShapeHasWhatWasAskedFor) {
-    for (oxArray_attributes shape = oxATTR_SCALAR; shape <= oxATTR_ND; shape <<= 1)
-        for (int id = oxCELL_CLASS; id <= oxUINT64_CLASS; ++id) {
-            const auto *a =
-                oxCreateArrayFromTypeAttr(static_cast<oxClassID>(id), full_real | shape);
-            ASSERT_EQ(a == nullptr, id == oxVOID_CLASS);
-            if (!a) continue;
-            EXPECT_EQ(a->get_attributes(), full_real | shape);
-            EXPECT_EQ(oxGetClassID(a), id);
-        }
 }
 
 TEST(TypeAttrSweep, EveryAllocationFailsOnce) {
