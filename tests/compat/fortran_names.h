@@ -3,15 +3,6 @@
 #include <compat/fortran.h>
 
 #define ENTRY(NAME, name, result, arguments, value) result NAME arguments;
-#define SIZED(...)
-namespace ox::fortran {
-extern "C" {
-#include <compat/fortran.def>
-}
-} // namespace ox::fortran
-#undef ENTRY
-#undef SIZED
-#define ENTRY(...)
 #define SIZED(NAME, name, result, arguments, value) result NAME arguments;
 namespace ox::fortran {
 using Size = int;
@@ -19,7 +10,9 @@ extern "C" {
 #include <compat/fortran.def>
 }
 } // namespace ox::fortran
+#undef ENTRY
 #undef SIZED
+#define ENTRY(...)
 #define SIZED(NAME, name, result, arguments, value) result NAME##730 arguments;
 namespace ox::fortran::wide_sizes {
 using Size = kwSize;

@@ -1,4 +1,5 @@
-// The Fortran entry points, called as a Fortran compiler calls them.
+// The Fortran entry points, called as a Fortran compiler calls them; they and the 32-bit level
+// under failing allocations.
 #include "fortran_names.h"
 
 #include <support/suite.h>
@@ -116,6 +117,42 @@ TEST_F(Fortran, RaisingWarningAndWithdrawnFunctions) {
         "it must call OXCREATEDOUBLEMATRIX instead. A Fortran Dravon S-function that does "
         "not call OXCREATEFULL is to be recompiled in the current release.",
         OXCREATEFULL(&one, &one, &zero));
+}
+
+// --- Both under failing allocations ---
+
+TEST(CompatSweep, EveryAllocationFailsOnce) {
+    static const int ones[] = {1, 1, 1, 1, 1, 1, 1, 1, 2, 2}, ten = 10;
+    static const char names[] = "alphabeta ", *fields[] = {"alpha", "beta"};
+    oxArray *(*const makers[])(const Arrays &) = {
+        [](auto &) { return oxCreateNumericArray_700(10, ones, oxINT8_CLASS, oxREAL); },
+        [](auto &) { return oxCreateStructArray_700(10, ones, 2, fields); },
+        [](auto &) { return OXCREATESTRUCTARRAY(&ten, ones, &two, names, 5); },
+        [](auto &) { return OXCREATECHARMATRIXFROMSTRINGS(&two, names, 5); },
+    };
+    for (const auto make : makers) sweep_everywhere({{}}, make);
+    const auto dimensions = [](auto &in) {
+        oxGetDimensions_700(in[0]); // kept at another length
+        const kwSize dims[] = {1, 2, 3};
+        return oxSetDimensions(in[0], dims, 3) == 0 && oxGetDimensions_700(in[0])[2] == 3;
+    };
+    sweep({.name = "dimensions",
+           .inputs = {"double 2x3: 1 2 3; 4 5 6"},
+           .act = dimensions,
+           .silent = true,
+           .changes_inputs = true});
+    sweep({.name = "position in many dimensions",
+           .inputs = {"double 2x2: 1 2; 3 4"},
+           .act = [](auto &in) { return oxCalcSingleSubscript_700(in[0], 10, ones) > 0; }});
+    sweep({.name = "Fortran class name", .inputs = {"char 1x1: 'x'"}, .act = [](auto &in) {
+               return OXISCLASS(&in[0], "char ", 5) == one;
+           }});
+    const auto characters = [](auto &) {
+        char block[8], *p = block;
+        OXCOPYCHARACTERTOPTR(&p, "text ", &one, 5);
+        return block[0] == 't';
+    };
+    sweep({.name = "Fortran characters", .act = characters});
 }
 
 } // namespace

@@ -4,7 +4,7 @@ subroutine vexFunction(nlhs, plhs, nrhs, prhs) bind(C, name="vexFunction")
   implicit none
   integer(c_int), value :: nlhs, nrhs
   integer(ox_handle) :: plhs(*), prhs(*)
-  integer(ox_handle) :: a, c, s, v, pr, pi, block
+  integer(ox_handle) :: a, c, s, pr, pi, block
   integer(ox_size) :: dims(3), jc(3)
   integer(c_int) :: dims32(2), i4(3)
   integer(c_int8_t) :: i1(3)
@@ -15,49 +15,43 @@ subroutine vexFunction(nlhs, plhs, nrhs, prhs) bind(C, name="vexFunction")
   complex(c_float_complex) :: z8(2)
   complex(c_double_complex) :: z16(2)
   character(len=6) :: names(2), text
-  integer :: checked = 0, failed
+  integer :: checked, failed
 
   checked = 0
   failed = 0
-
-  dims = [2, 3, 4] ! 1: sizes of both widths
+  dims = [2, 3, 4] ! 1 and 2: sizes of both widths
   dims32 = [5, 6]
   a = OXCREATENUMERICARRAY730(3_ox_size, dims, oxINT16_CLASS, oxREAL)
-  call check(OXGETNUMBEROFELEMENTS730(a) == 24 .and. OXGETNUMBEROFDIMENSIONS(a) == 3 .and. &
-             OXGETN(a) == 12 .and. OXGETM700(a) == 2 .and. OXISINT16(a) == 1)
-  call check(OXSETDIMENSIONS(a, dims32, 2) == 0 .and. OXGETN730(a) == 6) ! 2
-  call check(OXCALCSINGLESUBSCRIPT(a, 2, [1, 2]) == 11) ! 3
+  call check(OXGETNUMBEROFELEMENTS730(a) == 24 .and. OXGETNUMBEROFDIMENSIONS(a) == 3 .and. OXGETM700(a) == 2)
+  call check(OXSETDIMENSIONS(a, dims32, 2) == 0 .and. OXGETN730(a) == 6 .and. OXCALCSINGLESUBSCRIPT(a, 2, [1, 2]) == 11)
   call OXDESTROYARRAY(a)
 
-  a = OXCREATESPARSE730(4_ox_size, 2_ox_size, 3_ox_size, oxREAL) ! 4: sparse index vectors
+  a = OXCREATESPARSE730(4_ox_size, 2_ox_size, 3_ox_size, oxREAL) ! 3: sparse index vectors
   call OXCOPYKWINDEXTOPTR730(OXGETJC730(a), [0_ox_size, 1_ox_size, 2_ox_size], 3_ox_size)
   call OXCOPYKWINDEXTOPTR(OXGETIR730(a), [3_ox_size, 0_ox_size], 2)
-  call OXCOPYREAL8TOPTR(OXGETPR(a), [7d0, 8d0], 2)
   call OXCOPYPTRTOKWINDEX(OXGETJC730(a), jc, 3)
   call check(OXISSPARSE(a) == 1 .and. OXGETNZMAX730(a) == 3 .and. jc(3) == 2 .and. OXGETSCALAR(a) == 0)
 
-  names = ['left  ', 'right '] ! 5: structs and cells
+  names = ['left  ', 'right '] ! 4 and 5: structs and cells
   s = OXCREATESTRUCTMATRIX730(1_ox_size, 2_ox_size, 2, names)
   call OXSETFIELD730(s, 1_ox_size, 'right', OXCREATEDOUBLESCALAR(3d0))
-  v = OXGETFIELD(s, 1, 'right   ')
-  call check(OXGETSCALAR(v) == 3 .and. OXGETFIELDNUMBER(s, 'left') == 0 .and. &
-             OXGETFIELDBYNUMBER(s, 0, 1) == 0 .and. OXGETFIELDNAMEBYNUMBER(s, 1) == 'right')
-  call check(OXADDFIELD(s, 'third') == 2 .and. OXGETNUMBEROFFIELDS(s) == 3) ! 6
+  call check(OXGETSCALAR(OXGETFIELD(s, 1, 'right   ')) == 3 .and. OXGETFIELDNUMBER(s, 'left') == 0 .and. &
+             OXGETFIELDNAMEBYNUMBER(s, 1) == 'right' .and. OXADDFIELD(s, 'third') == 2)
   c = OXCREATECELLMATRIX(1, 2)
   call OXSETCELL(c, 1, s)
-  call check(OXGETCELL730(c, 0_ox_size) == 0 .and. OXISSTRUCT(OXGETCELL(c, 1)) == 1) ! 7
+  call check(OXGETCELL730(c, 0_ox_size) == 0 .and. OXISSTRUCT(OXGETCELL(c, 1)) == 1)
 
-  a = OXCREATECHARMATRIXFROMSTRINGS(2, names) ! 8: text
-  call check(OXGETSTRING(a, text, 6) == 1 .and. text == 'lreifg' .and. OXGETCLASSNAME(a) == 'char')
-  call check(OXCLASSIDFROMCLASSNAME('uint8') == oxUINT8_CLASS .and. OXISCLASS(a, 'char ') == 1) ! 9
-  block = OXMALLOC(7) ! 10
+  a = OXCREATECHARMATRIXFROMSTRINGS(2, names) ! 6: text
+  call check(OXGETSTRING(a, text, 6) == 1 .and. text == 'lreifg' .and. OXGETCLASSNAME(a) == 'char' .and. &
+             OXISCLASS(a, 'char ') == 1 .and. OXCLASSIDFROMCLASSNAME('uint8') == oxUINT8_CLASS)
+  block = OXMALLOC(7) ! 7
   call OXCOPYCHARACTERTOPTR(block, 'ab    ', 6)
   text = 'xxxxxx'
   call OXCOPYPTRTOCHARACTER(block, text, 5)
   call check(text == 'ab   x')
   call OXFREE(block)
 
-  a = OXCREATEDOUBLEMATRIX730(3_ox_size, 1_ox_size, oxCOMPLEX) ! 11 to 16: every copy, there and back
+  a = OXCREATEDOUBLEMATRIX730(3_ox_size, 1_ox_size, oxCOMPLEX) ! 8 to 13: every copy, there and back
   pr = OXGETPR(a)
   pi = OXGETPI(a)
   call OXCOPYREAL4TOPTR(pr, [1.0, 2.0, 3.0], 3)
@@ -86,16 +80,13 @@ subroutine vexFunction(nlhs, plhs, nrhs, prhs) bind(C, name="vexFunction")
   call OXCOPYPTRTOCOMPLEX8(pr, pi, z8, 2)
   call check(all(z8 == cmplx([5, 6], [7, 8])))
 
-  a = OXDUPLICATEARRAY(c) ! 17: numbers and the data in place
-  call check(OXISCELL(a) == 1 .and. OXISNAN(OXGETNAN()) == 1 .and. OXISFINITE(OXGETINF()) == 0)
-  a = OXCREATEDOUBLEMATRIX(2, 2, oxREAL)
-  r8(:2) = [9, 9]
+  a = OXCREATEDOUBLEMATRIX(2, 2, oxREAL) ! 14 and 15: the data in place, and numbers
   call assign(a)
   call OXCOPYPTRTOREAL8(OXGETPR(a), r8, 3)
-  call check(all(r8 == [1, 2, 3])) ! 18
-  if (nrhs > 0) failed = int(prhs(1))
+  call check(all(r8 == [1, 2, 3]))
+  call check(OXISNAN(OXGETNAN()) == 1 .and. OXISFINITE(OXGETINF()) == 0)
 
-  if (failed == 0 .and. nlhs <= 1 .and. checked /= 18) failed = 100
+  if (failed == 0 .and. nlhs <= 1 .and. checked /= 15) failed = 100
   plhs(1) = OXCREATEDOUBLESCALAR(real(failed, c_double))
 
 contains
