@@ -47,9 +47,11 @@ public:
         if (converted != given) made_[made_count_++] = converted;
         converted_[count_++] = converted;
         classes_ |= 1U << converted->class_code;
-        any_0_by_0_ = any_0_by_0_ || is_0_by_0(converted);
+        alike_ = alike_ && is_like_first(converted);
     }
-    bool any_0_by_0() const { return any_0_by_0_; }
+    // Whether all are real matrices of one shape with elements: whatever is joined, their extents
+    // agree.
+    bool alike() const { return alike_; }
     bool any_of_class(int id) const { return classes_ >> id & 1; }
     void make_sparse() {
         for (kwSize k = 0; k < count_; ++k) {
@@ -76,12 +78,18 @@ public:
     const oxArray *const *end() const { return converted_ + count_; }
 
 private:
+    bool is_like_first(const oxArray *a) const {
+        const kwSize *d = a->get_dimensions(), *e = converted_[0]->get_dimensions();
+        return a->ndims == 2 && d[0] == e[0] && d[1] == e[1] && d[0] != 0 && d[1] != 0 &&
+               !has_imag_block(a);
+    }
+
     const oxArray *local_[2 * few];
     RawArray<const oxArray *> heap_;
     const oxArray **converted_ = local_, **made_ = local_ + few;
     kwSize count_ = 0, made_count_ = 0;
     uint32_t classes_ = 0; // of the converted operands, a bit each
-    bool any_0_by_0_ = false;
+    bool alike_ = true;
 };
 
 bool has_imaginary_value(const oxArray *scalar) {
@@ -98,11 +106,10 @@ kwSize parse_dimension(const oxArray *d) {
 }
 
 // Deliberate: a char operand makes a numeric result char, whatever the interpreter chose.
-oxClassID result_class(oxCatContext *context, int n, const oxArray *args[]) {
+oxClassID result_class(oxCatContext *context, int n, const oxArray *args[], bool any_char) {
     const oxClassID chosen = context->choose_class(context, n, args);
     const bool numeric = chosen >= oxDOUBLE_CLASS && chosen <= oxUINT64_CLASS;
-    const auto is_char = [](const oxArray *a) { return a->is_char(); };
-    return numeric && std::any_of(args, args + n, is_char) ? oxCHAR_CLASS : chosen;
+    return numeric && any_char ? oxCHAR_CLASS : chosen;
 }
 
 void check_tags(const Operands &operands) {
@@ -164,7 +171,8 @@ void warn_of_empty(kwSize dim) {
 // Drops what does not count and checks the rest: 0-by-0 operands, and empty ones that disagree
 // (with one warning a call).
 void check_extents(Operands &operands, kwSize dim, bool sparse) {
-    if (operands.any_0_by_0()) operands.filter([](const oxArray *a) { return !is_0_by_0(a); });
+    if (operands.alike()) return;
+    operands.filter([](const oxArray *a) { return !is_0_by_0(a); });
     if (operands.count() == 0) return;
     const oxArray *reference = *operands.begin();
     for (const oxArray *a : operands)
@@ -182,30 +190,47 @@ void check_extents(Operands &operands, kwSize dim, bool sparse) {
     if (warn) warn_of_empty(dim);
 }
 
+// The sum of the extents. It is exact: saturated at the limit it would pass the check.
+kwSize joint_extent(const Operands &operands, kwSize dim) {
+    kwSize total = 0;
+    bool over = false;
+    if (operands.alike())
+        over =
+            __builtin_mul_overflow(operands.count(), extent_along(*operands.begin(), dim), &total);
+    else
+        for (const oxArray *a : operands)
+            over |= __builtin_add_overflow(total, extent_along(a, dim), &total);
+    if (over) oxErrMsg(FPMAXSIZE);
+    return total;
+}
+
 // Joins two or more operands whose extents agree. Raises 19 above the element limit.
 oxArray *join(const Operands &operands, kwSize dim, bool sparse) {
     const oxArray *first = *operands.begin();
     if (dim == no_dimension) raise_mismatch(sparse);
     if (dim >= most_dimensions) oxErrMsg(FNOMEM);
-    kwSize ndim = std::max(first->ndims, dim + 1), total = 0;
+    kwSize ndim = std::max(first->ndims, dim + 1);
     auto dims = RawArray<kwSize>::make(ndim);
     if (!dims) oxErrMsg(FNOMEM);
-    // The sum is exact: saturated at the limit it would pass the check.
-    for (const oxArray *a : operands)
-        if (__builtin_add_overflow(total, extent_along(a, dim), &total)) oxErrMsg(FPMAXSIZE);
+    const kwSize total = joint_extent(operands, dim);
     for (kwSize k = 0; k < ndim; ++k) dims[k] = k == dim ? total : extent_along(first, k);
     while (ndim > 2 && dims[ndim - 1] == 1) --ndim;
     oxCheckDim(dims.get(), ndim, kwSize{1});
     if (sparse)
         return sparse_catenate(dim == 0, operands.count(), operands.all(), dims[0], dims[1]);
-    return join_full({operands.count(), operands.all(), first, dim, ndim, dims.get()});
+    const bool scalars = operands.alike() && first->get_number_of_elements() == 1;
+    return join_full({operands.count(), operands.all(), first, dim, ndim, dims.get(), scalars});
 }
 
 oxArray *catenate(kwSize dim, int n, const oxArray *args[], oxCatConvertFcn convert,
                   oxCatContext *context) {
     if (n == 0) return make_full(0, 0, oxDOUBLE_CLASS, false);
-    const oxClassID id = result_class(context, n, args);
-    const bool sparse = std::any_of(args, args + n, is_sparse);
+    bool sparse = false, any_char = false;
+    for (int k = 0; k < n; ++k) {
+        sparse |= is_sparse(args[k]);
+        any_char |= args[k]->is_char();
+    }
+    const oxClassID id = result_class(context, n, args, any_char);
     Operands operands(static_cast<kwSize>(n));
     for (int k = 0; k < n; ++k) operands.add(args[k], convert(context, id, args[k]));
     if (sparse) operands.make_sparse();

@@ -6,6 +6,7 @@
 #include <core/class_table.h>
 #include <core/create.h>
 #include <core/destroy.h>
+#include <core/dispatch.h>
 #include <core/header_copy.h>
 #include <core/imaginary.h>
 #include <core/stream_copy.h>
@@ -116,6 +117,20 @@ oxArray *join_numbers(const CatParts &p) {
     return c.release();
 }
 
+oxArray *join_scalars(const CatParts &p) {
+    const int id = p.reference->class_code;
+    oxArray *c = make_uninit_nd(p.ndim, p.dims, id, false);
+    if (!c) return nullptr;
+    visit_width(class_info(id).element_size, [&]<class T>(std::type_identity<T>) {
+        T *to = data<T>(c);
+        for (kwSize k = 0; k < p.n; ++k) {
+            const T *from = data<T>(p.operands[k]);
+            to[k] = from ? *from : T{};
+        }
+    });
+    return c;
+}
+
 // A header like the reference's with zeroed storage for the result; null without memory.
 oxArray *make_like_reference(const CatParts &p, kwSize bytes_each) {
     oxArray *c = copy_header(p.reference, copy_clears | oxFLAG_SCALAR_DOUBLE, CopyDims::zero);
@@ -205,7 +220,7 @@ oxArray *join_full(const CatParts &parts) {
     if (is_struct_like(a)) return join_structs(parts);
     if (a->class_code == oxFUNCTION_CLASS) return join_handles(parts);
     if (a->class_code == oxOPAQUE_CLASS) return join_opaque(parts);
-    return join_numbers(parts);
+    return parts.scalars ? join_scalars(parts) : join_numbers(parts);
 }
 
 } // namespace ox

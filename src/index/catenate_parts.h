@@ -13,6 +13,7 @@ struct CatParts {
     kwSize dim;
     kwSize ndim;
     const kwSize *dims;
+    bool scalars; // every operand is one real element
 };
 
 // The joined array, on no list; containers share their elements with the operands. Null without
