@@ -83,9 +83,15 @@ private:
         return e;
     }
 
-    std::string text(uint64_t type) {
+    Element next(uint64_t type, uint64_t n, const char *what) {
         const Element e = next();
-        require(e.type == type, "type of a text");
+        require(e.type == type && e.n == n, what);
+        return e;
+    }
+
+    std::string text() {
+        const Element e = next();
+        require(e.type == 1, "type of a text");
         return std::string(reinterpret_cast<const char *>(bytes_.data()) + e.at, e.n);
     }
 
@@ -94,15 +100,13 @@ private:
         if (outer.n == 0) return require(!a, "a null array");
         require(a != nullptr, "an array that is not null");
         position = outer.at;
-        const Element flags = next();
-        const std::size_t w = wide_ ? 8 : 4;
-        require(flags.type == 6 && flags.n == 2 * w, "flags");
+        const std::size_t w = wide_ ? 8 : 4, ndims = oxGetNumberOfDimensions(a);
+        const Element flags = next(6, 2 * w, "flags");
         expect_flags(size_word(flags.at), size_word(flags.at + w), a);
-        const Element dims = next();
-        require(dims.type == 5 && dims.n == w * oxGetNumberOfDimensions(a), "dimensions");
-        for (std::size_t k = 0; k < oxGetNumberOfDimensions(a); ++k)
+        const Element dims = next(5, w * ndims, "dimensions");
+        for (std::size_t k = 0; k < ndims; ++k)
             require(size_word(dims.at + k * w) == oxGetDimensions(a)[k], "a dimension");
-        require(text(1) == name, "name");
+        require(text() == name, "name");
         contents(a);
         require(position == outer.at + outer.n, "length of the element");
     }
@@ -134,7 +138,7 @@ private:
             return;
         }
         if (!oxIsStruct(a)) return numbers(a, n);
-        if (oxIsObject(a)) require(text(1) == oxGetClassName(a), "class name");
+        if (oxIsObject(a)) require(text() == oxGetClassName(a), "class name");
         fields(a);
         for (kwSize k = 0; k < n; ++k)
             for (int f = 0; f < oxGetNumberOfFields(a); ++f)
@@ -142,10 +146,8 @@ private:
     }
 
     void fields(const oxArray *a) {
-        const Element length = next();
-        require(length.type == 5 && length.n == 4, "slot length");
-        const std::size_t slot = value(length, 0);
-        const std::string names = text(1);
+        const std::size_t slot = value(next(5, 4, "slot length"), 0);
+        const std::string names = text();
         require(names.size() == slot * static_cast<std::size_t>(oxGetNumberOfFields(a)), "names");
         for (int f = 0; f < oxGetNumberOfFields(a); ++f)
             require(names.c_str() + static_cast<std::size_t>(f) * slot ==
@@ -154,8 +156,7 @@ private:
     }
 
     void indices(const kwIndex *index, kwSize n) {
-        const Element e = next();
-        require(e.type == (wide_ ? 12u : 5u) && e.n == n * unit(e.type), "an index vector");
+        const Element e = next(wide_ ? 12 : 5, n * (wide_ ? 8 : 4), "an index vector");
         for (kwSize k = 0; k < n; ++k) require(value(e, k) == index[k], "an index");
     }
 

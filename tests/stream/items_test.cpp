@@ -49,17 +49,15 @@ TEST_F(Items, StatusesOfReading) {
 
 TEST_F(Items, PaddingMustBeThereInFilesOnly) {
     const Bytes bytes = hex("02000000 05000000 0102030405");
-    TestStream file({Carrier::file}, bytes), sequential({Carrier::sequential}, bytes);
-    oiItem_tag item{};
-    EXPECT_EQ(oiGetCurrentItem(file.get(), &item), oiSHORT_READ);
-    EXPECT_EQ(oiGetCurrentItem(sequential.get(), &item), oiSHORT_READ);
-    EXPECT_EQ(item.data, nullptr);
-    TestStream buffer({}, carried({}, bytes));
-    unsigned char room[5];
-    item.data = room;
-    EXPECT_EQ(oiGetCurrentItem(buffer.get(), &item), oiSUCCESS);
-    EXPECT_EQ(buffer->offset, 24u);
-    EXPECT_EQ(oiGetCurrentItem(buffer.get(), &item), oiSHORT_READ);
+    for (const Carrier c : {Carrier::buffer, Carrier::file, Carrier::sequential}) {
+        TestStream s({c}, carried({c}, bytes));
+        unsigned char room[5];
+        oiItem_tag item{0, 0, room, 0};
+        const bool buffer = c == Carrier::buffer;
+        EXPECT_EQ(oiGetCurrentItem(s.get(), &item), buffer ? oiSUCCESS : oiSHORT_READ);
+        EXPECT_TRUE(!buffer || s->offset == 24);
+        EXPECT_EQ(oiGetCurrentItem(s.get(), &item), oiSHORT_READ);
+    }
 }
 
 TEST_F(Items, StatusesOfWriting) {
@@ -123,87 +121,76 @@ TEST_F(Items, PrefixesAndPairsAtCreation) {
     constexpr uint32_t fresh = oiBUFFER | oiPREFIX_PENDING, none = 0;
     const struct {
         const char *bytes;
-        uint16_t version, indicator, options;
+        bool swapped;
+        uint16_t options;
         uint32_t flags; // none: refused
     } cases[] = {
-        {"0001494f00000000", 0, 0, 0, oiBUFFER},
-        {"0001494f01000000", 0, 0, 0, oiBUFFER | oiWIDE},
-        {"0001494f00000000", 0, 0, oiWIDE, oiBUFFER | oiWIDE},
-        {"01004f4900010000", 0, 0, 0, oiBUFFER | oiWIDE},
-        {"0000494f01000000", 0, 0, oiWIDE, fresh}, // no prefix: the option does not hold either
-        {"00", 0, 0, 0, fresh},
-        {"", oiSWAPPED_VERSION, oiSWAPPED_INDICATOR, oiCOMPRESS, fresh | oiCOMPRESS},
-        {"", 0, 0, oiCOMPRESS | oiOPTION16, fresh | oiOPTION16},
-        {"0001", 0, 0, 0, none},
-        {"01000001494f0000", 0, 0, 0, none},
-        {"00014f4900000000", 0, 0, 0, none},
-        {"", 0, oiSWAPPED_INDICATOR, 0, none},
-        {"", 2, 0, 0, none},
+        {"0001494f00000000", false, 0, oiBUFFER},
+        {"0001494f01000000", false, 0, oiBUFFER | oiWIDE},
+        {"0001494f00000000", false, oiWIDE, oiBUFFER | oiWIDE},
+        {"01004f4900010000", false, 0, oiBUFFER | oiWIDE},
+        {"0000494f01000000", false, oiWIDE, fresh}, // no prefix: the option does not hold either
+        {"00", false, 0, fresh},
+        {"", true, oiCOMPRESS, fresh | oiCOMPRESS},
+        {"", false, oiCOMPRESS | oiOPTION16, fresh | oiOPTION16},
+        {"0001", false, 0, none},
+        {"01000001494f0000", false, 0, none},
+        {"00014f4900000000", false, 0, none},
     };
     for (const auto &c : cases) {
-        const Bytes bytes = hex(c.bytes);
-        void *block = oxMallocEx(bytes.size());
-        if (block) std::memcpy(block, bytes.data(), bytes.size());
-        oiStreamRec_tag *s = oiCreateBufferStream(block, c.version, c.indicator, nullptr, nullptr,
-                                                  nullptr, bytes.size(), c.options);
-        ASSERT_EQ(s ? s->flags : none, c.flags) << c.bytes;
-        if (!s) oxFreeEx(block); // still the caller's
-        if (!s) continue;
+        TestStream s({Carrier::buffer, c.swapped, c.options}, hex(c.bytes)); // the bytes stay ours
+        ASSERT_EQ(s.get() ? s->flags : none, c.flags) << c.bytes;
+        if (!s.get()) continue;
         EXPECT_EQ(s->offset, c.flags & oiPREFIX_PENDING ? 0u : 8u);
-        const oiItem_tag item{oiUINT8, 1, const_cast<char *>("x"), 0};
-        EXPECT_EQ(oiPutItem(s, &item, nullptr), oiSUCCESS);
+        EXPECT_EQ(s.put(oiUINT8, {1}), oiSUCCESS);
         EXPECT_EQ(s->offset, s->flags & oiWIDE ? 24u : 16u) << "with the prefix";
-        oiResetBufferStream(s);
+        oiResetBufferStream(s.get());
         EXPECT_EQ(s->offset, 0u);
         EXPECT_TRUE(s->flags & oiPREFIX_PENDING);
-        oiDisposeBufferStream(s);
     }
+    const auto pair = [](uint16_t version, uint16_t indicator) {
+        return oiCreateBufferStream(nullptr, version, indicator, nullptr, nullptr, nullptr, 0, 0);
+    };
+    EXPECT_TRUE(!pair(0, oiSWAPPED_INDICATOR) && !pair(2, 0));
     const auto room = [](oiStreamRec_tag *, kwSize, kwSize *, kwSize *) { return int32_t{0}; };
     EXPECT_EQ(oiCreateSequentialStream(nullptr, 0, 0, room, 0, nullptr, nullptr, 0), nullptr);
     EXPECT_EQ(oiCreateSequentialStream(stdin, 0, 0, nullptr, 0, nullptr, nullptr, 0), nullptr);
     EXPECT_EQ(oiCreateSequentialStream(stdin, 0, 1, room, 0, nullptr, nullptr, 0), nullptr);
-    oiDisposeFileStream(nullptr);
-    oiDisposeBufferStream(nullptr);
 }
 
 TEST_F(Items, SeekToTheEndIgnoresTheOffset) {
     FILE *f = std::tmpfile();
     fputs("0123456789", f);
-    EXPECT_EQ(oiFseek64(f, 100, 2), 0);
-    EXPECT_EQ(oiFtell64(f), 10);
-    EXPECT_EQ(oiFseek64(f, 4, 0), 0);
-    EXPECT_EQ(oiFseek64(f, -1, 1), 0);
-    EXPECT_EQ(oiFtell64(f), 3);
-    EXPECT_NE(oiFseek64(f, 0, 3), 0);
-    EXPECT_NE(oiFseek64(f, 0, -1), 0);
+    EXPECT_TRUE(oiFseek64(f, 100, 2) == 0 && oiFtell64(f) == 10);
+    EXPECT_TRUE(oiFseek64(f, 4, 0) == 0 && oiFseek64(f, -1, 1) == 0 && oiFtell64(f) == 3);
+    EXPECT_TRUE(oiFseek64(f, 0, 3) != 0 && oiFseek64(f, 0, -1) != 0);
     fclose(f);
 }
 
 // What the callbacks of a caller see: the request without padding, with 8 for the prefix.
 TEST_F(Items, ReserveIsAskedForTheBareRoom) {
     static kwSize asked, block_offset;
-    static unsigned char block[128];
+    unsigned char block[128] = {};
     const auto room = [](oiStreamRec_tag *, kwSize n, kwSize *offset, kwSize *capacity) -> int32_t {
         asked = n;
         *offset += block_offset; // may move it
         *capacity = *offset + n;
         return n < 64 ? oiSUCCESS : 42;
     };
-    block_offset = 0;
-    block[0] = block[1] = 0;
     oiStreamRec_tag *s = oiCreateBufferStream(block, 0, 0, room, nullptr, nullptr, 128, 0);
-    oiItem_tag item{oiUINT8, 9, block + 64, 0};
-    EXPECT_EQ(oiPutItem(s, &item, nullptr), oiSUCCESS);
-    EXPECT_EQ(asked, 8u + 8 + 9);
-    EXPECT_EQ(s->capacity, 25u);
-    EXPECT_EQ(s->offset, 32u);
-    item.count = 3;
-    block_offset = 8;
-    EXPECT_EQ(oiPutItem(s, &item, nullptr), oiSUCCESS);
-    EXPECT_EQ(asked, 8u);
-    EXPECT_EQ(s->offset, 48u);
-    item.count = 64;
-    EXPECT_EQ(oiPutItem(s, &item, nullptr), 42) << "returned as it is";
+    const struct {
+        uint64_t count;
+        kwSize block_offset, asked, offset;
+        int32_t status;
+    } cases[] = {{9, 0, 8 + 8 + 9, 32, oiSUCCESS}, {3, 8, 8, 48, oiSUCCESS}, {64, 0, 72, 48, 42}};
+    for (const auto &c : cases) {
+        block_offset = c.block_offset;
+        const oiItem_tag item{oiUINT8, c.count, block + 64, 0};
+        EXPECT_EQ(oiPutItem(s, &item, nullptr), c.status) << "returned as it is";
+        EXPECT_EQ(asked, c.asked);
+        EXPECT_EQ(s->offset, c.offset);
+        EXPECT_TRUE(c.count != 9 || s->capacity == 25u);
+    }
     oiSetStreamPtr(s, nullptr);
     oiDisposeBufferStream(s);
 }

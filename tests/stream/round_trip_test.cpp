@@ -11,18 +11,15 @@ class RoundTrip : public HostTest {};
 
 // --- Random arrays of every class that streams can hold, nested ---------------------------------
 
-void fill(Random &r, void *data, kwSize bytes) {
-    auto *p = static_cast<unsigned char *>(data);
-    for (kwSize k = 0; k < bytes; ++k) p[k] = static_cast<unsigned char>(r.bits());
-}
-
 // The first n elements of both parts.
 oxArray *filled(Random &r, oxArray *a, kwSize n) {
-    const kwSize bytes = n * oxGetElementSize(a);
-    auto *p = static_cast<unsigned char *>(oxGetData(a));
-    fill(r, p, bytes);
-    if (oxIsComplex(a)) fill(r, oxGetImagData(a), bytes);
-    for (kwSize k = 0; k < bytes && oxIsLogical(a); ++k) p[k] = oxIsSparse(a) ? 1 : p[k] & 1;
+    for (void *part : {oxGetData(a), oxGetImagData(a)}) {
+        auto *p = static_cast<unsigned char *>(part);
+        for (kwSize k = 0; p && k < n * oxGetElementSize(a); ++k) {
+            p[k] = static_cast<unsigned char>(r.bits());
+            if (oxIsLogical(a)) p[k] = oxIsSparse(a) ? 1 : p[k] & 1;
+        }
+    }
     if (oxIsChar(a) && r.chance(0.5))
         for (kwSize k = 0; k < n; ++k) oxGetChars(a)[k] &= 0x7F;
     return a;
@@ -197,10 +194,9 @@ TEST_F(RoundTrip, DeepestNestingThatIsWrittenIsRead) {
     EXPECT_EQ(oxAreMatricesEqual(static_cast<oxArray *>(item.data), a), 1);
     EXPECT_EQ(s.put(nested(oiNESTING_LIMIT + 1)), oiSHORT_WRITE);
     // The same bytes with one more cell around them.
-    const Bytes bytes = s.contents();
-    Bytes deeper = hex("0e000000 00000000 06000000 08000000 01000000 00000000"
-                       "05000000 08000000 01000000 01000000 01000000 00000000");
-    deeper.insert(deeper.end(), bytes.begin() + 8, bytes.end());
+    Bytes deeper = joined(hex("0e000000 00000000 06000000 08000000 01000000 00000000"
+                              "05000000 08000000 01000000 01000000 01000000 00000000"),
+                          cut(s.contents(), 8));
     const auto n = static_cast<uint32_t>(deeper.size() - 8);
     std::memcpy(&deeper[4], &n, 4);
     TestStream t({Carrier::sequential}, deeper);

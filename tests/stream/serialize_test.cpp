@@ -22,31 +22,21 @@ oxArray *deserialized(const Bytes &b, const char **tag = nullptr) {
 
 TEST_F(Serialize, VectorsCarryArrayAndTag) {
     const std::string longest(70, 'n');
-    const struct {
-        const char *tag, *back;
-    } cases[] = {{nullptr, nullptr},
-                 {"", nullptr},
-                 {"name", "name"},
-                 {longest.c_str(), longest.c_str() + 7}};
-    for (const auto &c : cases) {
+    const std::pair<const char *, const char *> tags[] = {{nullptr, nullptr},
+                                                          {"", nullptr},
+                                                          {"name", "name"},
+                                                          {longest.c_str(), longest.c_str() + 7}};
+    oxArray *a = arr("struct 1x1 a: {char 1x2: 'hi'}");
+    for (const auto &[given, back] : tags) {
         for (const uint16_t options : std::initializer_list<uint16_t>{0, 8, 16, 32, 56}) {
-            oxArray *a = arr("struct 1x1 a: {char 1x2: 'hi'}");
-            const oxArray *v = oxSerializeWithTagEx(a, c.tag, options);
-            EXPECT_EQ(oxGetClassID(v), oxUINT8_CLASS);
-            EXPECT_EQ(oxGetM(v), 1u);
-            EXPECT_TRUE(oxIsTemp(v));
-            Bytes bytes = bytes_of(v);
+            const oxArray *v = oxSerializeWithTagEx(a, given, options);
+            EXPECT_TRUE(oxGetClassID(v) == oxUINT8_CLASS && oxGetM(v) == 1 && oxIsTemp(v));
+            const Bytes bytes = bytes_of(v), before = bytes;
             EXPECT_EQ(bytes.size() % 8, 0u);
             EXPECT_EQ(bytes[4], options & oiWIDE ? 1 : 0);
-            const Bytes before = bytes;
             const char *tag = "left alone";
-            const oxArray *back = deserialized(bytes, &tag);
-            EXPECT_EQ(text(back), text(a));
-            EXPECT_EQ(tag == nullptr, c.back == nullptr);
-            if (tag && c.back) {
-                EXPECT_STREQ(tag, c.back);
-                EXPECT_EQ(tag, ut_symtab_add(c.back)) << "interned";
-            }
+            EXPECT_EQ(text(deserialized(bytes, &tag)), text(a));
+            EXPECT_EQ(tag, back ? ut_symtab_add(back) : nullptr) << "interned";
             EXPECT_EQ(bytes, before);
         }
     }
@@ -55,23 +45,19 @@ TEST_F(Serialize, VectorsCarryArrayAndTag) {
 }
 
 TEST_F(Serialize, SecondElementIsSubsystemData) {
-    const Bytes one = bytes_of(oxSerialize(arr("double 1x1: 1")));
-    const Bytes item(one.begin() + 8, one.end());
+    const Bytes one = bytes_of(oxSerialize(arr("double 1x1: 1"))), item = cut(one, 8);
     const auto with = [&](const Bytes &tail) { return joined(one, tail); };
-    Bytes longer = one;
-    longer[12] += 8;
-    EXPECT_NE(deserialized(one), nullptr);
-    EXPECT_NE(deserialized(with(item)), nullptr);
-    EXPECT_NE(deserialized(with(joined(item, item))), nullptr) << "what follows is not read";
+    for (const Bytes &tail : {Bytes(), item, joined(item, item)}) // what follows is not read
+        EXPECT_NE(deserialized(with(tail)), nullptr);
     const struct {
         const char *what;
         Bytes bytes;
     } refused[] = {
-        {"half a second element", with(Bytes(item.begin(), item.begin() + 24))},
+        {"half a second element", with(cut(item, 0, 24))},
         {"a second one that is no array", with(hex("02000100 07000000"))},
         {"an empty second one", with(hex("0e000000 00000000"))},
         {"a byte too many", with({0})},
-        {"an end behind the bytes", longer},
+        {"an end behind the bytes", patched(one, 12, {static_cast<unsigned char>(one[12] + 8)})},
         {"no array", hex("0001494f00000000 02000100 07000000")},
         {"an empty array element", hex("0001494f00000000 0e000000 00000000")},
         {"a prefix", hex("0001494f00000000")},
@@ -88,6 +74,8 @@ TEST_F(Serialize, SecondElementIsSubsystemData) {
 
 // --- A class layer ---------------------------------------------------------------------------
 
+oxArray *&payload_of(const oxArray *a) { return *static_cast<oxArray **>(a->get_opaque_giblet()); }
+
 // Objects hold one array, which is also what they save.
 struct Thing : xxInfo {
     const char *name = "thing";
@@ -97,20 +85,16 @@ struct Thing : xxInfo {
     std::string found;
     oxArray *save(const oxArray *a, oiStreamRec_tag *s) override {
         if (shared && !s->subsystem) oiSetSubsystemData(s, arr(shared));
-        auto **payload = static_cast<oxArray **>(a->get_opaque_giblet());
-        return payload && *payload ? oxDuplicateArray(*payload) : nullptr;
+        return payload_of(a) ? oxDuplicateArray(payload_of(a)) : nullptr;
     }
     bool load(oxArray *a, const oxArray *contents, oiStreamRec_tag *s) override {
         if (const oxArray *kept = s ? oiGetSubsystemData(s) : nullptr)
             found = text(oxDeserialize(oxGetData(kept), oxGetNumberOfElements(kept)));
-        if (can_load)
-            *static_cast<oxArray **>(a->get_opaque_giblet()) =
-                oxCreateSharedCopyNotOnArrayList(contents);
+        if (can_load) payload_of(a) = oxCreateSharedCopyNotOnArrayList(contents);
         return can_load;
     }
     void release(oxArray *a) override {
-        if (a->get_opaque_giblet())
-            oxDestroyArray(*static_cast<oxArray **>(a->get_opaque_giblet()));
+        if (a->get_opaque_giblet()) oxDestroyArray(payload_of(a));
     }
 };
 Thing thing, unknown;
@@ -130,10 +114,6 @@ oxArray *make_thing(const char *name, kwSize, const kwSize *) {
 oxArray *make_unknown(const char *name, const oxArray *contents) {
     asked_for += std::string(", unknown ") + name;
     return opaque_of(&unknown, contents);
-}
-
-const oxArray *payload_of(const oxArray *a) {
-    return *static_cast<oxArray *const *>(a->get_opaque_giblet());
 }
 
 TEST_F(Serialize, OpaqueArraysByClassName) {
@@ -160,9 +140,8 @@ TEST_F(Serialize, OpaqueArraysByClassName) {
         const oxArray *back = deserialized(bytes);
         ASSERT_NE(back, nullptr) << c.asked;
         EXPECT_EQ(asked_for, c.asked);
-        const oxArray *element = oxGetCell(back, 1);
-        EXPECT_EQ(element->get_opaque_info(), c.known ? &thing : &unknown);
-        EXPECT_EQ(text(payload_of(element)), "double 1x2: 1 2");
+        EXPECT_EQ(oxGetCell(back, 1)->get_opaque_info(), c.known ? &thing : &unknown);
+        EXPECT_EQ(text(payload_of(oxGetCell(back, 1))), "double 1x2: 1 2");
     }
     // A class number that nobody knows has a stand-in as well.
     Bytes bytes = bytes_of(oxSerialize(arr("double 1x1: 1")));

@@ -60,58 +60,42 @@ void print_sparse(const oxArray *a, std::string &out) {
 
 // --- Cells and structs: slots in the order of memory ---------------------------------------------
 
-void read_slots(Scanner &in, oxArray *a, kwSize count) {
+template<int id> oxArray *make_container(Scanner &in) {
+    const Dims dims = in.dims();
+    std::vector<std::string> names;
+    for (std::string name; !(name = in.token()).empty(); in.accept(',')) names.push_back(name);
+    std::vector<const char *> pointers;
+    for (const std::string &name : names) pointers.push_back(name.c_str());
+    const bool cell = id == oxCELL_CLASS;
+    oxArray *a = cell ? oxCreateCellArray(dims.size(), dims.data())
+                      : oxCreateStructArray(dims.size(), dims.data(),
+                                            static_cast<int>(names.size()), pointers.data());
+    const kwSize slots = element_count(dims) * (cell ? 1 : names.size());
     in.accept(':');
-    for (kwSize k = 0; k < count && in.accept('{'); ++k) {
+    for (kwSize k = 0; k < slots && in.accept('{'); ++k) {
         if (in.accept('}')) continue;
         a->cell.slots[k] = contained(read_array(in));
         in.expect(in.accept('}'));
     }
+    return a;
 }
 
-void print_slots(const oxArray *a, kwSize count, std::string &out) {
-    if (count && !a->cell.slots) return void(out += ", no data");
-    for (kwSize k = 0; k < count; ++k) {
+void print_container(const oxArray *a, std::string &out) {
+    print_dims(a, out);
+    const int n = oxIsCell(a) ? 0 : field_count(a);
+    for (int k = 0; k < n; ++k) out += (k ? "," : " ") + std::string(a->record.names->names[k]);
+    const kwSize slots = a->get_number_of_elements() * static_cast<kwSize>(oxIsCell(a) ? 1 : n);
+    if (slots && !a->cell.slots) return void(out += ", no data");
+    for (kwSize k = 0; k < slots; ++k) {
         out += k == 0 ? ": {" : " {";
         if (a->cell.slots[k]) out += text(a->cell.slots[k]);
         out += '}';
     }
 }
 
-oxArray *make_cell_of(Scanner &in) {
-    const Dims dims = in.dims();
-    oxArray *a = oxCreateCellArray(dims.size(), dims.data());
-    read_slots(in, a, element_count(dims));
-    return a;
-}
-
-void print_cell(const oxArray *a, std::string &out) {
-    print_dims(a, out);
-    print_slots(a, a->get_number_of_elements(), out);
-}
-
-oxArray *make_struct_of(Scanner &in) {
-    const Dims dims = in.dims();
-    std::vector<std::string> names;
-    for (std::string name; !(name = in.token()).empty(); in.accept(',')) names.push_back(name);
-    std::vector<const char *> pointers;
-    for (const std::string &name : names) pointers.push_back(name.c_str());
-    oxArray *a = oxCreateStructArray(dims.size(), dims.data(), static_cast<int>(names.size()),
-                                     pointers.data());
-    read_slots(in, a, element_count(dims) * names.size());
-    return a;
-}
-
-void print_struct(const oxArray *a, std::string &out) {
-    print_dims(a, out);
-    const int n = field_count(a);
-    for (int k = 0; k < n; ++k) out += (k ? "," : " ") + std::string(a->record.names->names[k]);
-    print_slots(a, a->get_number_of_elements() * static_cast<kwSize>(n), out);
-}
-
 oxArray *make_object(Scanner &in) {
     const std::string class_name = in.token();
-    oxArray *a = make_struct_of(in);
+    oxArray *a = make_container<oxSTRUCT_CLASS>(in);
     oxSetClassName(a, class_name.c_str());
     return a;
 }
@@ -119,14 +103,15 @@ oxArray *make_object(Scanner &in) {
 void print_object(const oxArray *a, std::string &out) {
     out += ' ';
     out += oxGetClassName(a);
-    print_struct(a, out);
+    print_container(a, out);
 }
 
 } // namespace
 
 const TextForm object_form = {"object", oxIsObject, make_object, print_object};
 const TextForm sparse_form = {"sparse", is_sparse, make_sparse_of, print_sparse};
-const TextForm cell_form = {"cell", oxIsCell, make_cell_of, print_cell};
-const TextForm struct_form = {"struct", oxIsStructClass, make_struct_of, print_struct};
+const TextForm cell_form = {"cell", oxIsCell, make_container<oxCELL_CLASS>, print_container};
+const TextForm struct_form = {"struct", oxIsStructClass, make_container<oxSTRUCT_CLASS>,
+                              print_container};
 
 } // namespace ox::test

@@ -61,17 +61,14 @@ void BareTest::TearDown() {
 void HostTest::SetUp() {
     BareTest::SetUp();
     install_managers();
-    oxEnterNewArrayListContext(); // both are the first, at index 0
-    oxEnterNewAllocListContext();
+    contexts_.emplace();
 }
 
 void HostTest::TearDown() {
     oxApplyToAllArraysOnArrayList([](oxArray *a) {
         EXPECT_STREQ(rule_text(check_header(a, CheckDepth::header)), "well formed");
     });
-    oxExitArrayListContext(0, nullptr, 0, true);
-    oxFreeAllocListContext();
-    oxRestorePreviousAllocListContext(0);
+    contexts_.reset();
     BareTest::TearDown();
 }
 

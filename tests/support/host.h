@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <optional>
 
 namespace ox::test {
 
@@ -47,6 +48,9 @@ class HostTest : public BareTest {
 protected:
     void SetUp() override;
     void TearDown() override;
+
+private:
+    std::optional<Contexts> contexts_; // the first ones
 };
 
 } // namespace ox::test

@@ -1,6 +1,5 @@
-// Matrix Market files: every meaningful kind, and the sentences for bad ones.
+// Matrix Market files: every meaningful kind, and pictures of them.
 #include "braille.h"
-#include "failure.h"
 #include "matrix_market.h"
 
 #include <support/array_text.h>
@@ -53,53 +52,6 @@ TEST_F(MatrixMarket, ReadsEveryKind) {
         const std::string file = std::string("%%MatrixMarket matrix ") + c.kind + "\n" + c.body;
         const oxArray *a = parse(file);
         EXPECT_EQ(ox::test::text(a), ox::test::text(ox::test::arr(c.array))) << file;
-    }
-}
-
-TEST_F(MatrixMarket, SaysWhatIsWrongAndWhere) {
-    const struct {
-        std::string file, sentence; // behind the first two words, unless one of them is wrong
-    } cases[] = {
-        {"", "f:1: a Matrix Market file begins with %%MatrixMarket"},
-        {"%%MatrixMarket vector coordinate real general\n",
-         "f:1: the object 'vector' is not matrix"},
-        {"coordinate real\n", "f:1: the symmetry is missing"},
-        {"array pattern general\n1 1\n", "f:1: an array of a pattern holds no values"},
-        {"coordinate pattern skew-symmetric\n",
-         "f:1: a pattern has no signs and cannot be skew-symmetric"},
-        {"array real hermitian\n", "f:1: only complex matrices can be hermitian"},
-        {"array real general\n% only\n", "f:2: the file ends before the sizes"},
-        {"coordinate real general\n2 x 1\n",
-         "f:2: the number of columns must be a whole number, found 'x'"},
-        {"coordinate real general\n2 2 999999999999\n1 1 1\n",
-         "f:2: the sizes declare 999999999999 entries, the file has room for 1 at most"},
-        {"array real general\n4294967296 4294967296\n1\n",
-         "f:2: the sizes declare 18446744073709551615 entries, the file has room for 1 at most"},
-        {"coordinate real general\n1 99999999 0\n",
-         "f:2: 99999999 columns take 800000000 bytes for their starts alone; --force reads the "
-         "file nevertheless"},
-        {"coordinate real symmetric\n2 3 0\n",
-         "f:2: a matrix with symmetry must be square, not 2-by-3"},
-        {"coordinate real general\n2 2 1\n3 1 1\n", "f:3: row 3 lies outside of 1 to 2"},
-        {"coordinate real general\n2 2 1\n1 1 1 1\n", "f:3: text follows the entry: '1'"},
-        {"coordinate real general\n2 2 2\n1 1 1.25\n", "f:3: the file ends after 1 of 2 entries"},
-        {"coordinate real general\n2 2 1\n1 1 1\n2 2 1\n",
-         "f:4: text follows the last of 1 entries"},
-        {"coordinate real symmetric\n2 2 1\n1 2 1\n",
-         "f:3: entry (1,2) lies above the diagonal of a matrix with symmetry"},
-        {"coordinate complex hermitian\n2 2 1\n1 1 1 1\n",
-         "f:3: entry (1,1) of a hermitian matrix must be real"},
-        {"coordinate real skew-symmetric\n2 2 1\n1 1 1\n",
-         "f:3: entry (1,1) of a skew-symmetric matrix must be 0"},
-    };
-    for (const auto &[file, sentence] : cases) {
-        try {
-            parse(file.starts_with('%') || file.empty() ? file : "%%MatrixMarket matrix " + file);
-            ADD_FAILURE() << file;
-        } catch (const Failure &e) {
-            EXPECT_EQ(e.what(), sentence);
-            EXPECT_EQ(e.status(), Exit::data);
-        }
     }
 }
 

@@ -49,6 +49,8 @@ protected:
         std::string expected, actual;
         for (std::string line; std::getline(in, line);) {
             if (line.starts_with("# ")) continue;
+            for (std::string more; line.ends_with('\\') && std::getline(in, more);)
+                line += '\n' + more;
             expected += line + '\n';
             if (!line.starts_with("$ ")) continue;
             const Outcome o = run("{ " + line.substr(2) + "\n} 2>&1");
@@ -64,9 +66,6 @@ protected:
     std::string bytes_of(const std::string &name) const {
         std::ifstream in(folder_ / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), {}};
-    }
-    size_t files() const {
-        return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
     }
 
     std::filesystem::path folder_;
