@@ -66,16 +66,21 @@ const std::string &matrix_file() {
     return path;
 }
 
+std::string make_table(const char *name, int digits) {
+    std::ofstream out(folder() / name);
+    out.precision(digits);
+    Noise noise;
+    for (std::size_t i = 0; i < table_rows; ++i)
+        for (std::size_t j = 0; j < table_columns; ++j)
+            out << 10 * noise() << (j + 1 < table_columns ? ',' : '\n');
+    return folder() / name;
+}
 const std::string &table_file() {
-    static const std::string path = [] {
-        std::ofstream out(folder() / "table.csv");
-        out.precision(17);
-        Noise noise;
-        for (std::size_t i = 0; i < table_rows; ++i)
-            for (std::size_t j = 0; j < table_columns; ++j)
-                out << noise() << (j + 1 < table_columns ? ',' : '\n');
-        return folder() / "table.csv";
-    }();
+    static const std::string path = make_table("table.csv", 17);
+    return path;
+}
+const std::string &short_table_file() {
+    static const std::string path = make_table("short_table.csv", 3);
     return path;
 }
 
@@ -147,6 +152,9 @@ BENCHMARK_CAPTURE(convert, x, "x.npz")->Name("vel_to_npz/64MiB/ox");
 BENCHMARK_CAPTURE(from_chars, x, table_file, table_rows *table_columns)
     ->Name("read_csv/1e6_numbers/limit_from_chars");
 BENCHMARK_CAPTURE(read_text, x, table_file)->Name("read_csv/1e6_numbers/ox");
+BENCHMARK_CAPTURE(from_chars, x, short_table_file, table_rows *table_columns)
+    ->Name("read_csv/1e6_short_numbers/limit_from_chars");
+BENCHMARK_CAPTURE(read_text, x, short_table_file)->Name("read_csv/1e6_short_numbers/ox");
 BENCHMARK_CAPTURE(from_chars, x, sparse_file, 3 * entries + 3)
     ->Name("read_mtx/1e6_entries/limit_from_chars");
 BENCHMARK_CAPTURE(read_text, x, sparse_file)->Name("read_mtx/1e6_entries/ox");

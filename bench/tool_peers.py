@@ -1,6 +1,7 @@
 """Reading text by the vel tool, process start and all, beside NumPy and SciPy:
-tool_peers.py VEL FOLDER. Prints seconds; the files are removed."""
-import os, subprocess, sys, time
+tool_peers.py VEL FOLDER. Prints seconds, and in brackets those of all processors, which a busy
+machine disturbs less; the files are removed."""
+import os, subprocess, sys
 
 import numpy as np
 import scipy.io, scipy.sparse
@@ -9,21 +10,27 @@ vel, folder = sys.argv[1:]
 os.chdir(folder)
 
 
-def best(work, rounds=3):
-    times = []
-    for _ in range(rounds):
-        start = time.perf_counter()
-        work()
-        times.append(time.perf_counter() - start)
-    return min(times)
+def seconds(work):
+    """Of the clock and of the processors, children included."""
+    before = os.times()
+    work()
+    after = os.times()
+    return after.elapsed - before.elapsed, sum(after[:4]) - sum(before[:4])
 
 
 def compare(what, file, peer, rounds):
-    ours = best(lambda: subprocess.run([vel, "convert", file, "t.vel"], check=True), rounds)
-    theirs = best(lambda: peer(file), rounds)
-    print("%s: vel %.2f s, peer %.2f s, %.1f times as fast" % (what, ours, theirs, theirs / ours))
+    ours, theirs = [
+        [min(t) for t in zip(*(seconds(work) for _ in range(rounds)))]
+        for work in (
+            lambda: subprocess.run([vel, "convert", file, "t.vel"], check=True),
+            lambda: peer(file),
+        )
+    ]
+    print("%s: vel %.2f s (%.2f s), peer %.2f s (%.2f s), %.1f (%.1f) times as fast"
+          % (what, *ours, *theirs, theirs[0] / ours[0], theirs[1] / ours[1]))
 
 
+print("peers: NumPy %s, SciPy %s" % (np.__version__, scipy.__version__))
 rng = np.random.default_rng(1)
 entries = int(os.environ.get("ENTRIES", 10**7))
 try:
