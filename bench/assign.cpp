@@ -1,19 +1,16 @@
 // Assignments and deletions of double matrices beside memcpy (or, for one value, a fill) of the
 // same bytes.
+#include "subscripts.h"
+
 #include <benchmark/benchmark.h>
 #include <ox.h>
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
-#include <random>
 #include <string>
 #include <vector>
 
 namespace {
-
-using Subs = std::vector<const oxArray *>;
-using Make = std::function<Subs(kwSize)>;
 
 oxArray *ones(kwSize m, kwSize n) {
     oxArray *a = oxCreateDoubleMatrix(m, n, oxREAL);
@@ -21,26 +18,8 @@ oxArray *ones(kwSize m, kwSize n) {
     return a;
 }
 
-oxArray *positions(kwSize extent, kwSize n) {
-    std::mt19937_64 engine(42);
-    oxArray *a = oxCreateDoubleMatrix(1, n, oxREAL);
-    for (kwSize k = 0; k < n; ++k) oxGetPr(a)[k] = static_cast<double>(1 + engine() % extent);
-    return a;
-}
-
 oxArray *range(kwSize first, kwSize last) {
     return oxCreateColonObj(static_cast<double>(first), 1, static_cast<double>(last));
-}
-
-oxArray *colon() {
-    const kwSize dims[2] = {1, 1};
-    oxArray *a = oxCreateCharArray(2, dims);
-    oxGetChars(a)[0] = ':';
-    return a;
-}
-
-void destroy(const Subs &s) {
-    for (const oxArray *x : s) oxDestroyArray(const_cast<oxArray *>(x));
 }
 
 void assign(benchmark::State &state, kwSize m, const Make &make, bool value) {
@@ -101,7 +80,8 @@ void push_back(benchmark::State &state, kwSize n) {
 // A tenth of the columns, or of the elements, goes from a fresh copy; making it is not timed.
 void erase(benchmark::State &state, kwSize m, bool linear) {
     oxArray *a = linear ? ones(1, m * m) : ones(m, m);
-    oxArray *gone = linear ? positions(m * m, m * m / 10) : positions(m, m / 10), *all = colon();
+    oxArray *gone = linear ? random_positions(m * m, m * m / 10) : random_positions(m, m / 10),
+            *all = colon();
     std::sort(oxGetPr(gone), oxGetPr(gone) + oxGetNumberOfElements(gone));
     for (auto _ : state) {
         state.PauseTiming();
@@ -143,12 +123,12 @@ const int registered = [] {
          }},
         {"assign_random", "limit_memcpy", false,
          [](kwSize m) {
-             return Subs{positions(m, m / 2), positions(m, m / 2)};
+             return Subs{random_positions(m, m / 2), random_positions(m, m / 2)};
          }},
         {"assign_value", "limit_fill", true, [](kwSize) { return Subs{colon()}; }},
         {"assign_value_random", "limit_fill", true,
          [](kwSize m) {
-             return Subs{positions(m, m / 2), positions(m, m / 2)};
+             return Subs{random_positions(m, m / 2), random_positions(m, m / 2)};
          }},
     };
     for (kwSize m : {kwSize{500}, kwSize{3000}}) {

@@ -1,28 +1,19 @@
 // References of double matrices beside memcpy of the result's bytes into a warm block.
+#include "subscripts.h"
+
 #include <benchmark/benchmark.h>
 #include <ox.h>
 
 #include <cstring>
-#include <functional>
 #include <random>
 #include <string>
 #include <vector>
 
 namespace {
 
-using Subs = std::vector<const oxArray *>;
-using Make = std::function<Subs(kwSize)>;
-
 oxArray *square(kwSize m) {
     oxArray *a = oxCreateDoubleMatrix(m, m, oxREAL);
     for (kwSize k = 0; k < m * m; ++k) oxGetPr(a)[k] = static_cast<double>(k);
-    return a;
-}
-
-oxArray *random_positions(kwSize extent, kwSize n) {
-    std::mt19937_64 engine(42);
-    oxArray *a = oxCreateDoubleMatrix(1, n, oxREAL);
-    for (kwSize k = 0; k < n; ++k) oxGetPr(a)[k] = static_cast<double>(1 + engine() % extent);
     return a;
 }
 
@@ -38,13 +29,6 @@ oxArray *range(kwSize first, kwSize step, kwSize last) {
                             static_cast<double>(last));
 }
 
-oxArray *colon() {
-    const kwSize dims[2] = {1, 1};
-    oxArray *a = oxCreateCharArray(2, dims);
-    oxGetChars(a)[0] = ':';
-    return a;
-}
-
 void reference(benchmark::State &state, kwSize m, const Make &make) {
     oxArray *a = square(m);
     Subs s = make(m);
@@ -53,7 +37,7 @@ void reference(benchmark::State &state, kwSize m, const Make &make) {
         benchmark::DoNotOptimize(oxGetData(b));
         oxDestroyArray(b);
     }
-    for (const oxArray *x : s) oxDestroyArray(const_cast<oxArray *>(x));
+    destroy(s);
     oxDestroyArray(a);
 }
 
@@ -66,7 +50,7 @@ void limit(benchmark::State &state, kwSize m, const Make &make) {
         std::memcpy(oxGetData(b), oxGetData(a), bytes);
         benchmark::ClobberMemory();
     }
-    for (const oxArray *x : s) oxDestroyArray(const_cast<oxArray *>(x));
+    destroy(s);
     oxDestroyArray(b);
     oxDestroyArray(a);
 }

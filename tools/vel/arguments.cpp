@@ -1,6 +1,7 @@
 // What the words of a command line mean as arrays.
 #include "arguments.h"
 
+#include "command.h"
 #include "csv.h"
 #include "failure.h"
 #include "formats.h"
@@ -62,6 +63,15 @@ bool split_place(const std::string &word, std::string &file, std::string &place)
     file = word.substr(0, end == std::string::npos ? end : end + 4);
     place = end == std::string::npos ? "" : word.substr(end + 5);
     return true;
+}
+
+void add_place_options(CLI::App &word, std::string &file, std::string &path) {
+    word.add_option("file", file, "a VEL file, FILE.vel:PLACE, or another file")->required();
+    word.add_option("path", path, "a variable, or what is inside: s.a{3}, t(2).b");
+}
+
+void add_force_option(CLI::App &word, bool &force) {
+    word.add_flag("--force", force, "read sparse files of 2^26 columns and more");
 }
 
 const oxArray *parse_argument(const std::string &word, const ReadOptions &options) {

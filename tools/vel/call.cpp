@@ -109,7 +109,7 @@ std::function<int()> declare_call(CLI::App &word) {
     add_form_options(word, options->form, options->compress);
     word.add_flag("--json", options->json, "print the outputs as JSON");
     word.add_flag("--stats", options->stats, "say what leaving the contexts reclaimed");
-    word.add_flag("--force", options->force, "read sparse files of 2^26 columns and more");
+    add_force_option(word, options->force);
     // Arguments are taken as they stand: the parser would split what is in brackets.
     word.allow_extras();
     word.footer(argument_help);

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace vel {
@@ -33,5 +34,7 @@ std::function<int()> declare_show(CLI::App &word);
 // Options that several words share.
 struct Form;
 void add_form_options(CLI::App &word, Form &form, bool &compress);
+void add_place_options(CLI::App &word, std::string &file, std::string &path);
+void add_force_option(CLI::App &word, bool &force);
 
 } // namespace vel

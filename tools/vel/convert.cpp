@@ -56,7 +56,7 @@ std::function<int()> declare_convert(CLI::App &word) {
     word.add_option("out", options->out, "the file to write")->required();
     word.add_option("--name", options->name, "what to call the variable, where there is one");
     add_form_options(word, options->write.form, options->write.compress);
-    word.add_flag("--force", options->force, "read sparse files of 2^26 columns and more");
+    add_force_option(word, options->force);
     word.footer(
         "The ends of the names say the formats: .vel, .ser (serialised bytes), .csv, .tsv,\n"
         ".mtx (Matrix Market), .npy, .npz, and for OUT .json.");

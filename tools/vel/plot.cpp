@@ -123,13 +123,11 @@ int run(const PlotOptions &options) {
 
 std::function<int()> declare_plot(CLI::App &word) {
     auto options = std::make_shared<PlotOptions>();
-    word.add_option("file", options->file, "a VEL file, FILE.vel:PLACE, or another file")
-        ->required();
-    word.add_option("path", options->path, "a variable, or what is inside: s.a{3}, t(2).b");
+    add_place_options(word, options->file, options->path);
     word.add_option("-o,--out", options->out, "write a PNG file instead");
     word.add_option("--width", options->columns, "characters in a line, when not the terminal's");
     add_color_option(word, options->color);
-    word.add_flag("--force", options->force, "read sparse files of 2^26 columns and more");
+    add_force_option(word, options->force);
     word.add_flag("--json", options->json, "print what would be drawn as JSON");
     word.footer("Full arrays become heat maps, sparse ones pictures of their pattern, structs and "
                 "cells\ntrees of sizes. Blocks of large ones are drawn as one dot: the mean of a "

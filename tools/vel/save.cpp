@@ -46,7 +46,7 @@ std::function<int()> declare_save(CLI::App &word) {
     word.add_option("out", options->out, "the VEL file to write")->required();
     word.add_option("variables", options->assignments, "the variables, each NAME=ARG")->required();
     add_form_options(word, options->form, options->compress);
-    word.add_flag("--force", options->force, "read sparse files of 2^26 columns and more");
+    add_force_option(word, options->force);
     word.footer(argument_help);
     return [options] { return run(*options); };
 }

@@ -116,9 +116,7 @@ int run(const ShowOptions &options) {
 
 std::function<int()> declare_show(CLI::App &word) {
     auto options = std::make_shared<ShowOptions>();
-    word.add_option("file", options->file, "a VEL file, FILE.vel:PLACE, or another file")
-        ->required();
-    word.add_option("path", options->path, "a variable, or what is inside: s.a{3}, t(2).b");
+    add_place_options(word, options->file, options->path);
     word.add_option("--rows", options->rows, "rows a:b");
     word.add_option("--cols", options->columns, "columns a:b");
     word.add_option("--head", options->head, "the first rows");
@@ -127,7 +125,7 @@ std::function<int()> declare_show(CLI::App &word) {
     CLI::Option *hex =
         word.add_flag("--hex", options->hex, "the elements of a VEL file as they are stored");
     add_color_option(word, options->color);
-    word.add_flag("--force", options->force, "read sparse files of 2^26 columns and more");
+    add_force_option(word, options->force);
     hex->excludes(word.add_flag("--json", options->json, "print JSON"));
     return [options] { return run(*options); };
 }
