@@ -104,6 +104,7 @@ oxArray *oxMustBeComplex(oxArray *a) {
     if (is_complex(a)) return a;
     oxArray *copy =
         is_numeric(a) ? oxCreateConvertedCopy(a, oxGetClassID(a)) : oxMustBe(a, oxDOUBLE_CLASS);
+    if (!copy) raise_out_of_memory();
     const kwSize count = is_sparse(copy) ? copy->num.nzmax : copy->get_number_of_elements();
     if (!count || is_complex(copy)) return copy;
     copy->num.pimag = oxCallocEx(count, class_info(copy->class_code).element_size);
