@@ -2,7 +2,7 @@
 #include <containers/check_array.h>
 #include <core/imaginary.h>
 #include <index/operands/conversion_warnings.h>
-#include <support/suite.h>
+#include <support/calls.h>
 
 #include <cmath>
 #include <map>
@@ -34,78 +34,63 @@ std::vector<Warning> warnings(const std::string &letters, const std::string &nam
     return w;
 }
 
-struct Row {
-    const char *in;
-    oxClassID to;
-    const char *out; // null: no conversion
-    const char *shown = "";
-};
-
-// Clang-format would spread the table.
-// clang-format off
-const Row rows_of_values[] = {
-    {"-128.5 -127.5 2.5 -2.5 NaN 127.4", oxINT8_CLASS, "int8 1x6: -128 -128 3 -3 0 127", "orn"},
-    {"-0.3 -0.0 0.3 255 255.2", oxUINT8_CLASS, "uint8 1x5: 0 0 0 255 255", "or"},
-    {"0.49999999999999994 0.5 1.5", oxINT32_CLASS, "int32 1x3: 1 1 2", "r"},
-    {"4294967295 4294967296 -1", oxUINT32_CLASS, "uint32 1x3: 4294967295 4294967295 0", "o"},
-    {"1152921504606846976 4503599627370497 -9223372036854775808", oxINT64_CLASS,
-     "int64 1x3: 1152921504606846976 4503599627370497 -9223372036854775808"},
-    {"9223372036854775808 -9223372036854777856 NaN 0.5", oxINT64_CLASS,
-     "int64 1x4: 9223372036854775807 -9223372036854775808 0 1", "onr"},
-    {"9223372036854775808 18446744073709549568 18446744073709551616 -0.3 NaN 2.5", oxUINT64_CLASS,
-     "uint64 1x6: 9223372036854775808 18446744073709549568 18446744073709551615 0 0 3", "onr"},
-    {"int64 1x1: 9007199791611905", oxSINGLE_CLASS, "single 1x1: 9007200328482816"}, // one rounding
-    {"int8 1x2: -5 7", oxCHAR_CLASS, "char 1x2: '\\u0000\\u0007'", "o"},
-    {"uint64 1x1: 18446744073709551615", oxINT64_CLASS, "int64 1x1: 9223372036854775807", "o"},
-    {"char 1x2: 'a\\u0100'", oxINT8_CLASS, "int8 1x2: 97 127", "o"},
-    {"0 -0.0 2 1e-300", oxLOGICAL_CLASS, "logical 1x4: 0 0 1 1"},
-    {"65535.9 3.7 97.5 70000 -1 NaN", oxCHAR_CLASS, "char 1x6: '\\uffff\\u0003a\\uffff\\u0000\\u0000'"},
-    {"1.5+2.5i 3", oxINT8_CLASS, "int8 1x2: 2+3i 3+0i", "rr"}, // each part may warn
-    {"1+0.2i 2", oxINT8_CLASS, "int8 1x2: 1 2", "r"}, // the imaginary part came out zero
-    {"97+1i", oxCHAR_CLASS, "char 1x1: 'a'"},
-    {"double 0x3", oxSTRUCT_CLASS, "struct 0x3"},
-    {"logical 0x0", oxCHAR_CLASS, nullptr}, // an empty one too
-    {"struct 1x1 a: {1}", oxCELL_CLASS, "cell 1x1x1: {1}"},
-    {"object Point 1x1 px: {1}", oxSTRUCT_CLASS, "struct 1x1 px: {1}"},
-    {"object Point 1x1 px: {1}", oxCELL_CLASS, "cell 1x1x1: {1}"},
-    {"sparse double 2x2: (0,0)=3 (1,1)=-1", oxLOGICAL_CLASS, "sparse logical 2x2: (0,0)=1 (1,1)=1"},
-};
-// clang-format on
+// The first array converted to the class of the second.
+oxArray *converted(const Arrays &in) { return oxCreateConvertedCopy(in[0], oxGetClassID(in[1])); }
 
 TEST_F(Convert, EveryRule) {
-    for (const Row &row : rows_of_values) {
-        SCOPED_TRACE(std::string(row.in) + " to " + oxArrayClassIDName(row.to));
-        const oxArray *a = arr(row.in);
-        const std::string before = describe(a);
-        oxArray *b = nullptr;
-        const char *name = oxArrayClassIDName(row.to == oxCHAR_CLASS ? oxUINT16_CLASS : row.to);
-        EXPECT_TRUE(
-            warns(warnings(row.shown, name), [&] { b = oxCreateConvertedCopy(a, row.to); }));
-        EXPECT_EQ(text(b), row.out ? text(arr(row.out)) : "null");
-        if (b) {
-            EXPECT_FALSE(check_array(b));
-            EXPECT_EQ(oxIsScalarDoubleFlagSet(b), oxIsDouble(b) && oxGetNumberOfElements(b) == 1);
-        }
-        EXPECT_EQ(describe(a), before);
-        EXPECT_EQ(layer_calls.objects_created, layer_calls.objects_released); // none, or one freed
-    }
+    const char *const logical = "logical 0x0", *const character = "char 0x0";
+    const auto to = [](const std::string &name, const char *in, const char *values,
+                       const char *letters = "") {
+        const std::vector<Warning> shown = warnings(letters, name);
+        expect_rows(converted, {{{in, name + " 0x0"}, name + values, shown}}, {.silent = true});
+    };
+    to("int8", "-128.5 -127.5 2.5 -2.5 NaN 127.4", " 1x6: -128 -128 3 -3 0 127", "orn");
+    to("uint8", "-0.3 -0.0 0.3 255 255.2", " 1x5: 0 0 0 255 255", "or");
+    to("int32", "0.49999999999999994 0.5 1.5", " 1x3: 1 1 2", "r");
+    to("uint32", "4294967295 4294967296 -1", " 1x3: 4294967295 4294967295 0", "o");
+    to("int64", "1152921504606846976 4503599627370497 -9223372036854775808",
+       " 1x3: 1152921504606846976 4503599627370497 -9223372036854775808");
+    to("int64", "9223372036854775808 -9223372036854777856 NaN 0.5",
+       " 1x4: 9223372036854775807 -9223372036854775808 0 1", "onr");
+    to("uint64", "9223372036854775808 18446744073709549568 18446744073709551616 -0.3 NaN 2.5",
+       " 1x6: 9223372036854775808 18446744073709549568 18446744073709551615 0 0 3", "onr");
+    to("single", "int64 1x1: 9007199791611905", " 1x1: 9007200328482816"); // one rounding
+    to("int64", "uint64 1x1: 18446744073709551615", " 1x1: 9223372036854775807", "o");
+    to("int8", "char 1x2: 'a\\u0100'", " 1x2: 97 127", "o");
+    to("int8", "1.5+2.5i 3", " 1x2: 2+3i 3+0i", "rr"); // each part may warn
+    to("int8", "1+0.2i 2", " 1x2: 1 2", "r");          // the imaginary part came out zero
+    expect_rows(
+        converted,
+        {{{"int8 1x2: -5 7", character}, "char 1x2: '\\u0000\\u0007'", warnings("o", "uint16")},
+         {{"65535.9 3.7 97.5 70000 -1 NaN", character},
+          "char 1x6: '\\uffff\\u0003a\\uffff\\u0000\\u0000'"},
+         {{"97+1i", character}, "char 1x1: 'a'"},
+         {{"logical 0x0", character}, "null"}, // an empty one too
+         {{"0 -0.0 2 1e-300", logical}, "logical 1x4: 0 0 1 1"},
+         {{"1 NaN", logical}, std::string("!nologicalnan ") + oxGetErrorTableEntry(FNOLOGICALNAN)},
+         {{"sparse double 1x1: (0,0)=1+1i", logical},
+          std::string("!nologicalcomplex ") + oxGetErrorTableEntry(FNOLOGICALCOMPLEX)},
+         {{"sparse double 2x2: (0,0)=3 (1,1)=-1", logical}, "sparse logical 2x2: (0,0)=1 (1,1)=1"},
+         {{"double 1x2x2: 1+1i 2 | 3 4", "single 0x0"}, "single 1x2x2: 1+1i 2 | 3 4"},
+         {{"3:-1:0", "int8 0x0"}, "int8 1x4: 3 2 1 0"}, // the range of a colon object
+         {{"3:-1:0", logical}, "logical 1x4: 1 1 1 0"},
+         {{"uint8 1x2: 1 0", logical}, "logical 1x2: 1 0"},
+         {{"double 0x3", "struct 0x0"}, "struct 0x3"},
+         {{"double 0x2x2", "cell 0x0"}, "cell 0x2x2"},
+         {{"struct 1x1 a: {1}", "cell 0x0"}, "cell 1x1x1: {1}"},
+         {{"object Point 1x1 px: {1}", "struct 0x0"}, "struct 1x1 px: {1}"},
+         {{"object Point 1x1 px: {1}", "cell 0x0"}, "cell 1x1x1: {1}"}},
+        {.silent = true});
+    for (const char *other : {"single 0x0", "int8 0x0", "char 0x0"})
+        expect_rows(converted, {{{"sparse double 1x1: (0,0)=1", other},
+                                 "!unimplementedSparseType Attempt to convert to unimplemented "
+                                 "sparse type"}});
 }
 
-TEST_F(Convert, AColonObjectIsConvertedAsItsRange) {
-    const oxArray *a = oxCreateColonObj(3, -1, 0);
-    EXPECT_EQ(text(oxCreateConvertedCopy(a, oxINT8_CLASS)), "int8 1x4: 3 2 1 0");
-    EXPECT_EQ(text(oxCreateConvertedCopy(a, oxLOGICAL_CLASS)), "logical 1x4: 1 1 1 0");
-    EXPECT_NO_WARNING(oxMustBe(const_cast<oxArray *>(a), oxCHAR_CLASS));
-}
-
-TEST_F(Convert, WhatCannotBeIsRaised) {
-    const auto to = [](const char *in, oxClassID id) { oxCreateConvertedCopy(arr(in), id); };
-    EXPECT_RAISES_ENTRY(FNOLOGICALNAN, to("1 NaN", oxLOGICAL_CLASS));
-    EXPECT_RAISES_ENTRY(FNOLOGICALCOMPLEX, to("sparse double 1x1: (0,0)=1+1i", oxLOGICAL_CLASS));
-    for (oxClassID id : {oxSINGLE_CLASS, oxINT8_CLASS, oxCHAR_CLASS})
-        EXPECT_RAISES("VELTRO:unimplementedSparseType",
-                      "Attempt to convert to unimplemented sparse type",
-                      to("sparse double 1x1: (0,0)=1", id));
+TEST_F(Convert, AnObjectThatBecomesAnotherClassIsReleasedOnce) {
+    for (oxClassID id : {oxSTRUCT_CLASS, oxCELL_CLASS})
+        oxCreateConvertedCopy(arr("object Point 1x1 px: {1}"), id);
+    EXPECT_EQ(layer_calls.objects_created, layer_calls.objects_released);
 }
 
 TEST_F(Convert, ElementsBeforeANanAreWrittenWhenItRaises) {
@@ -158,69 +143,61 @@ TEST_F(Convert, ImaginaryPartsGoWhenTheyAreZero) {
     oxArray *shared = arr("1+0i"), *marked = arr("1 2");
     oxCreateSharedDataCopy(shared);
     oxMarkImagData(marked);
-    const std::pair<oxArray *, bool> rows[] = {
-        {arr("1+0i 2-0i"), false},
-        {arr("1+0i 2+NaN*i"), true},
-        {arr("int8 1x2: 1+0i 2+1i"), true},
-        {shared, true},
-        {marked, true},
-        {arr("sparse double 2x2 nzmax 3: (0,0)=1+0i"), false}};
-    for (auto [a, kept] : rows) {
+    for (auto [a, kept] : {std::pair{arr("1+0i 2-0i"), false},
+                           {arr("1+0i 2+NaN*i"), true},
+                           {arr("int8 1x2: 1+0i 2+1i"), true},
+                           {shared, true},
+                           {marked, true},
+                           {arr("sparse double 2x2 nzmax 3: (0,0)=1+0i"), false}}) {
         oxFreeImagIfZero(a);
         EXPECT_EQ(oxIsComplex(a), kept);
     }
 }
 
-TEST_F(Convert, FailingAllocations) {
-    for (auto [in, id] : {std::pair{"double 1x2: 1 2", oxINT8_CLASS},
-                          {"double 1x2x2: 1+1i 2 | 3 4", oxSINGLE_CLASS},
-                          {"uint8 1x2: 1 0", oxLOGICAL_CLASS},
-                          {"double 0x2x2", oxCELL_CLASS},
-                          {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS}}) {
-        const auto make = [id](const Arrays &a) { return oxCreateConvertedCopy(a[0], id); };
-        sweep({.name = in, .inputs = {in}, .make = make, .silent = true});
-    }
+TEST_F(Convert, WhatMustBe) {
+    const std::string impossible = "!invalidConversion Conversion to ",
+                      unsparse = "!unimplementedSparseType";
+    expect_rows([](auto &in) { return oxMustBe(in[0], oxGetClassID(in[1])); },
+                {{{"1", "struct 0x0"}, impossible + "struct from double is not possible."},
+                 {{"object Point 1x1 px: {1}", "double 0x0"},
+                  impossible + "double from Point is not possible."},
+                 {{"cell 0x0", "double 0x0"}, impossible + "double from cell is not possible."},
+                 // Chars warn of values outside their range, not of fractions.
+                 {{"3.7 65535", "char 0x0"}, "char 1x2: '\\u0003\\uffff'"},
+                 {{"97:2:99", "char 0x0"}, "char 1x2: 'ac'"},
+                 {{"-0.5", "char 0x0"}, "char 1x1: '\\u0000'", warnings("c", "")},
+                 {{"65536", "char 0x0"}, "char 1x1: '\\uffff'", warnings("c", "")},
+                 {{"NaN", "char 0x0"}, "char 1x1: '\\u0000'", warnings("c", "")},
+                 {{"int8 1x1: 1+1i", "char 0x0"},
+                  "!noConversionComplexToChar Complex values cannot be converted to chars"}},
+                {.bare = false, .other_raise = true});
+    expect_rows([](auto &in) { return oxMustBeFullDouble(in[0]); },
+                {{{"sparse logical 1x2: (0,1)=1"}, "0 1"},
+                 {{"char 1x1: 'a'"}, "97"},
+                 {{"cell 1x1: {1}"}, "!invalidConversion"},
+                 {{"struct 1x1 a: {1}"}, "!invalidConversion"},
+                 {{"function_handle 1x1: 8"}, "!invalidConversion"}},
+                {.bare = false, .other_raise = true});
+    expect_rows([](auto &in) { return oxMustBeComplex(in[0]); },
+                {{{"int8 1x2: 1 2"}, "int8 1x2: 1+0i 2+0i"}, {{"logical 1x2: 1 0"}, "1+0i 0+0i"}},
+                {.bare = false, .other_raise = true});
+    expect_rows([](auto &in) { return oxMustBeSparse(in[0]); },
+                {{{"int8 1x1: 1"}, unsparse},
+                 {{"double 1x1x2: 1 | 2"}, unsparse},
+                 {{"cell 1x1: {1}"}, unsparse}});
 }
 
-using MustBe = Convert;
-
-TEST_F(MustBe, TheArrayItselfOrItsForm) {
+TEST_F(Convert, WhatIsAlreadyItOrNothingAtAll) {
     oxArray *d = arr("1+1i 2"), *sp = arr("sparse double 1x2: (0,1)=3");
     EXPECT_TRUE(oxMustBe(d, oxDOUBLE_CLASS) == d && oxMustBe(sp, oxVOID_CLASS) == sp &&
                 oxMustBeFullDouble(d) == d && oxMustBeComplex(d) == d);
-    EXPECT_EQ(text(oxMustBeComplex(arr("int8 1x2: 1 2"))), text(arr("int8 1x2: 1+0i 2+0i")));
-    EXPECT_EQ(text(oxMustBeComplex(arr("logical 1x2: 1 0"))), text(arr("1+0i 0+0i")));
-    for (const char *in : {"sparse logical 1x2: (0,1)=1", "int8 1x2: 0 3", "char 1x1: 'a'"})
-        EXPECT_EQ(oxMustBeFullDouble(arr(in))->get_attributes() & oxATTR_FULL, oxATTR_FULL);
     oxArray *unknown = oxCreateNumericMatrix(0, 3, oxUNKNOWN_CLASS, oxREAL);
     EXPECT_EQ(text(oxMustBeFullDouble(unknown)), "double 0x3");
     EXPECT_RAISES("VELTRO:invalidConversion", "Conversion to double from unknown is not possible.",
                   oxMustBe(unknown, oxDOUBLE_CLASS));
-}
-
-TEST_F(MustBe, NamesBothClassesWhenItCannotBe) {
-    for (auto [in, to, message] :
-         {std::tuple{"1", oxSTRUCT_CLASS, "Conversion to struct from double is not possible."},
-          {"object Point 1x1 px: {1}", oxDOUBLE_CLASS,
-           "Conversion to double from Point is not possible."},
-          {"cell 0x0", oxDOUBLE_CLASS, "Conversion to double from cell is not possible."}})
-        EXPECT_RAISES("VELTRO:invalidConversion", message, oxMustBe(arr(in), to));
-    for (const char *in : {"cell 1x1: {1}", "struct 1x1 a: {1}", "function_handle 1x1: 8"})
-        EXPECT_RAISES("VELTRO:invalidConversion", nullptr, oxMustBeFullDouble(arr(in)));
-    for (const char *in : {"int8 1x1: 1", "double 1x1x2: 1 | 2", "cell 1x1: {1}"})
-        EXPECT_RAISES("VELTRO:unimplementedSparseType", nullptr, oxMustBeSparse(arr(in)));
-}
-
-TEST_F(MustBe, CharWarnsOfValuesOutsideItsRangeOnly) {
-    for (auto [in, shown] :
-         {std::pair{"3.7 65535", ""}, {"-0.5", "c"}, {"65536", "c"}, {"NaN", "c"}})
-        EXPECT_TRUE(warns(warnings(shown, ""), [&] { oxMustBe(arr(in), oxCHAR_CLASS); }));
-    EXPECT_RAISES("VELTRO:noConversionComplexToChar", "Complex values cannot be converted to chars",
-                  oxMustBe(arr("int8 1x1: 1+1i"), oxCHAR_CLASS));
-    oxArray *a = arr("1 2");
-    FailingAllocation fault(1); // reads as an impossible conversion
+    const FailingAllocation fault(1); // reads as an impossible conversion
     EXPECT_RAISES("VELTRO:invalidConversion", "Conversion to int8 from double is not possible.",
-                  oxMustBe(a, oxINT8_CLASS));
+                  oxMustBe(d, oxINT8_CLASS));
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // Sparse assignment and deletion: the growth rule, statuses, operands of other kinds.
 #include <sparse/assign.h>
 #include <sparse/growth.h>
-#include <support/suite.h>
+
+#include "random_sparse.h"
 
 namespace {
 
@@ -9,30 +10,20 @@ using SparseAssign = HostTest;
 
 TEST_F(SparseAssign, GrowthRule) {
     const kwSize huge = kwSize{1} << 40;
-    const struct {
-        kwSize nzmax, q, delta, m, n, expected;
-        bool possible;
-    } rows[] = {
-        {10, 2, 2, 100, 100, 20, true}, // five columns' worth of room
-        {10, 2, 2, 4, 3, 12, true},     // but no more than all elements
-        {max_size - 6, 1, 1, huge, huge, max_size - 1, true},
-        {max_size - 5, 1, 1, huge, huge, max_size - 4, true}, // 2^48 - 1 refused: the exact need
-        {max_size - 1, 1, 1, huge, huge, max_size, true},     // 2^48 - 1 accepted here
-        {max_size, 1, 1, 1 << 20, 1 << 20, kwSize{1} << 40, true},
-        {max_size, 1, 1, huge, huge, 0, false},
+    // capacity, elements now and to come, rows and columns; the answer, 0 where none is possible
+    const kwSize rows[][6] = {
+        {10, 2, 2, 100, 100, 20}, // five columns' worth of room
+        {10, 2, 2, 4, 3, 12},     // but no more than all elements
+        {max_size - 6, 1, 1, huge, huge, max_size - 1},
+        {max_size - 5, 1, 1, huge, huge, max_size - 4}, // 2^48 - 1 refused: the exact need
+        {max_size - 1, 1, 1, huge, huge, max_size},     // 2^48 - 1 accepted here
+        {max_size, 1, 1, 1 << 20, 1 << 20, kwSize{1} << 40},
+        {max_size, 1, 1, huge, huge, 0},
     };
-    for (const auto &r : rows) {
-        const Growth g = grown_capacity(r.nzmax, r.q, r.delta, r.m, r.n);
-        EXPECT_EQ(g.possible, r.possible);
-        EXPECT_EQ(g.possible ? g.nzmax : 0, r.expected);
+    for (const auto &[nzmax, q, delta, m, n, expected] : rows) {
+        const Growth g = grown_capacity(nzmax, q, delta, m, n);
+        EXPECT_EQ(g.possible ? g.nzmax : 0, expected);
     }
-}
-
-oxArray *random_sparse(Random &random, kwSize m, kwSize n) {
-    oxArray *full = oxCreateDoubleMatrix(m, n, oxREAL);
-    for (kwSize k = 0; k < m * n; ++k)
-        if (random.chance(0.5)) oxGetPr(full)[k] = static_cast<double>(random.between(1, 9));
-    return oxMustBeSparse(full);
 }
 
 // One column at a time and many in one rebuild leave the same elements and the same capacity.
@@ -86,52 +77,44 @@ TEST_F(SparseAssign, CapacitiesThatCannotBe) {
 }
 
 TEST_F(SparseAssign, TargetsAndSourcesOfOtherKinds) {
-    const struct {
-        const char *target, *columns, *source, *expected;
-    } rows[] = {
-        {"double 2x2: 1 0; 0 2", "double 1x1: 1", "double 2x1: 0; 3",
-         "sparse double 2x2: (1,0)=3 (1,1)=2"},
-        {"sparse double 3x1", "double 1x1: 1", "double 1x3: 1 0 2",
-         "sparse double 3x1: (0,0)=1 (2,0)=2"},
-        {"sparse logical 2x1", "char 1x1: ':'", "double 1x1: 3",
-         "sparse logical 2x1: (0,0)=1 (1,0)=1"},
-        {"sparse double 2x2: (0,0)=1+2i (1,1)=3+0i", "double 1x1: 1", "double 1x1: 0",
-         "sparse double 2x2: (1,1)=3"},
+    const char *const rows[][4] = {
+        {"1 0; 0 2", "1", "0; 3", "sparse double 2x2: (1,0)=3 (1,1)=2"},
+        {"sparse double 3x1", "1", "1 0 2", "sparse double 3x1: (0,0)=1 (2,0)=2"},
+        {"sparse logical 2x1", "char 1x1: ':'", "3", "sparse logical 2x1: (0,0)=1 (1,0)=1"},
+        {"sparse double 1x2: (0,0)=1+2i (0,1)=3+0i", "1", "0", "sparse double 1x2: (0,1)=3"},
     };
-    for (const auto &r : rows) {
-        oxArray *a = arr(r.target);
-        ASSERT_EQ(spAss4(a, arr(r.source), arr(r.columns)), spOK) << r.target;
-        EXPECT_TRUE(oxAreMatricesEqual(a, arr(r.expected))) << text(a) << " is not " << r.expected;
+    for (const auto &[target, columns, source, expected] : rows) {
+        oxArray *a = arr(target);
+        ASSERT_EQ(spAss4(a, arr(source), arr(columns)), spOK) << target;
+        EXPECT_TRUE(oxAreMatricesEqual(a, arr(expected))) << text(a) << " is not " << expected;
     }
-    oxArray *a = arr("sparse double 2x2: (0,0)=1 (1,0)=2");
-    ASSERT_EQ(spAss4(a, a, arr("double 1x2: 2 1")), spOK);
-    EXPECT_EQ(text(a), text(arr("sparse double 2x2: (0,1)=1 (1,1)=2")));
 }
 
 TEST_F(SparseAssign, FailingAllocations) {
-    const auto one_more = [](const Arrays &in, auto assign) {
-        oxArray *b = oxCreateDoubleMatrix(1, 1, oxCOMPLEX); // a temporary, which success consumes
-        *oxGetPr(b) = *oxGetPi(b) = 1;
-        return assign(in[0], b, in[1]) == spOK;
-    };
-    const auto fails = [](std::function<bool(const Arrays &)> act) {
+    using Assign = spStatus (*)(const Arrays &in, oxArray *b);
+    const auto fails = [](Assign assign, bool deletes = false) {
+        const auto act = [=](const Arrays &in) {
+            if (deletes) return assign(in, nullptr) == spOK;
+            oxArray *b = oxCreateDoubleMatrix(1, 1, oxCOMPLEX); // a temporary: success consumes it
+            *oxGetPr(b) = *oxGetPi(b) = 1;
+            return assign(in, b) == spOK;
+        };
+        const std::vector<std::string> inputs = {"sparse double 3x2: (0,0)=1", "4", "1 2",
+                                                 "double 3x1: 1; 0; 2"};
         sweep({.name = "assignment",
-               .inputs = {"sparse double 3x2: (0,0)=1", "double 1x1: 4", "double 1x2: 1 2",
-                          "double 3x1: 1; 0; 2"},
+               .inputs = inputs,
                .act = act,
                .bare = false,
                .changes_inputs = true});
     };
-    for (auto *assign : {spAss4, spAss5, spAss6}) {
-        fails([&](const Arrays &in) { return one_more(in, assign); });
-        fails([&](const Arrays &in) { return assign(in[0], nullptr, in[2]) == spOK; });
-    }
-    fails([&](const Arrays &in) {
-        return one_more(in, [&](auto *a, auto *b, auto *i) { return spAss3(a, b, i, in[2]); });
-    });
-    fails([&](const Arrays &in) { // a full target
-        return one_more(in, [&](auto *, auto *b, auto *j) { return spAss4(in[3], b, j); });
-    });
+    fails([](auto &in, auto *b) { return spAss3(in[0], b, in[1], in[2]); });
+    fails([](auto &in, auto *b) { return spAss4(in[3], b, in[1]); }); // a full target
+    fails([](auto &in, auto *b) { return spAss4(in[0], b, in[1]); });
+    fails([](auto &in, auto *b) { return spAss5(in[0], b, in[1]); });
+    fails([](auto &in, auto *b) { return spAss6(in[0], b, in[1]); });
+    fails([](auto &in, auto *b) { return spAss4(in[0], b, in[2]); }, true);
+    fails([](auto &in, auto *b) { return spAss5(in[0], b, in[2]); }, true);
+    fails([](auto &in, auto *b) { return spAss6(in[0], b, in[2]); }, true);
 }
 
 } // namespace

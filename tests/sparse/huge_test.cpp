@@ -1,6 +1,6 @@
 // Arrays of far more elements than any memory holds: nothing as long as m times n is ever formed.
-#include <sparse/storage/csc.h>
-#include <support/suite.h>
+#include <core/check_header.h>
+#include <support/calls.h>
 
 #include <algorithm>
 #include <fstream>
@@ -46,9 +46,6 @@ oxArray *scattered(kwSize tall, kwSize wide) {
     for (kwSize j = 0; j < wide; ++j) oxGetJc(a)[j + 1] += oxGetJc(a)[j];
     return a;
 }
-void expect_well_formed(const oxArray *a) {
-    EXPECT_EQ(broken_csc_rule(rows(a), cols(a), oxGetNzmax(a), oxGetJc(a), oxGetIr(a)), 0);
-}
 double element(const oxArray *a, kwIndex i, kwIndex j) {
     const oxArray *b = oxSparseReference(a, &i, 1, &j, 1);
     return oxGetNumNonZeroEl(b) ? oxGetPr(b)[0] : 0;
@@ -84,7 +81,7 @@ TEST_F(HostTest, HugeSparseArraysWorkInMemoryForTheirColumnsAndElements) {
     oxSetDimensions(reshaped, half, 2);
     oxSetArrayScope(a, 0); // no temporary, which would be taken apart
     ox_inResizeSparseArray(reshaped, a);
-    expect_well_formed(reshaped);
+    EXPECT_EQ(check_header(reshaped, CheckDepth::storage), 0);
     EXPECT_FALSE(oxAreMatricesEqual(a, reshaped));
     oxSetDimensions(back, whole, 2);
     ox_inResizeSparseArray(back, reshaped);
@@ -104,7 +101,7 @@ TEST_F(HostTest, HugeSparseArraysWorkInMemoryForTheirColumnsAndElements) {
     EXPECT_EQ(spAss5(back, nullptr, arr("5")), spOK);
     EXPECT_EQ(spAss4(back, nullptr, arr(wide)), spOK);
     EXPECT_EQ(spAss6(back, nullptr, arr("1")), spTooLarge);
-    expect_well_formed(back);
+    EXPECT_EQ(check_header(back, CheckDepth::storage), 0);
     EXPECT_TRUE(rows(back) == m - 1 && cols(back) == n - 2);
     EXPECT_RAISES_ENTRY(FNOMEM, oxMustBeFull(back));
     oxSetArrayScope(a, 4);
@@ -114,18 +111,14 @@ TEST_F(HostTest, WideSparseArraysAreTransposedAndJoined) {
     const kwSize tall = 1000000, wide = 10 * tall;
     const auto limit = memory_limit(3 * wide * 8 + (kwSize{64} << 20)); // array, widest result
     oxArray *a = scattered(tall, wide), *t = oxTranspose(a), *tt = oxTranspose(t);
-    expect_well_formed(t);
+    EXPECT_EQ(check_header(t, CheckDepth::storage), 0);
     EXPECT_TRUE(rows(t) == wide && oxAreMatricesEqual(a, tt));
     oxDestroyArray(t);
     oxDestroyArray(tt);
 
-    oxCatContext context{[](oxCatContext *, int, const oxArray **) { return oxDOUBLE_CLASS; },
-                         nullptr};
-    const auto same = [](oxCatContext *, oxClassID, const oxArray *x) { return x; };
-    const oxArray *both[] = {a, a};
     for (const int form : {oxCAT_VERTICAL, oxCAT_HORIZONTAL}) {
-        oxArray *c = oxCatenateDispatch(form, 2, both, same, &context);
-        expect_well_formed(c);
+        oxArray *c = cat(form, {a, a});
+        EXPECT_EQ(check_header(c, CheckDepth::storage), 0);
         EXPECT_EQ(cols(c), form == oxCAT_VERTICAL ? wide : 2 * wide);
         EXPECT_EQ(oxGetNumNonZeroEl(c), 2 * nnz);
         oxDestroyArray(c);

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <optional>
 
 namespace ox::test {
@@ -18,20 +17,17 @@ void trim(Dims &d) {
     while (d.size() > 2 && d.back() == 1) d.pop_back();
 }
 
-double slot_value(const oxArray *slot) { return slot ? oxGetScalar(slot) : -1; }
-
 bool is_numeric_class(int cls) { return cls >= oxLOGICAL_CLASS && cls <= oxUINT64_CLASS; }
 
 [[noreturn]] void fail(const char *id, const char *text) { throw NaiveError{id, text}; }
-[[noreturn]] void fail_bad() {
-    fail("VELTRO:badsubscript",
-         "Subscript indices must either be real positive integers or logicals.");
-}
-[[noreturn]] void fail_outside() {
-    fail("VELTRO:badsubscript", "Index exceeds matrix dimensions.");
-}
 [[noreturn]] void fail_entry(oxErrorMessage n) {
     throw NaiveError{entry_id(n), oxGetErrorTableEntry(n)};
+}
+kwSize position(double x) {
+    if (x < 1 || x != std::floor(x))
+        fail("VELTRO:badsubscript",
+             "Subscript indices must either be real positive integers or logicals.");
+    return static_cast<kwSize>(x);
 }
 
 bool is_colon(const oxArray *s) {
@@ -39,64 +35,30 @@ bool is_colon(const oxArray *s) {
 }
 bool is_colon_object(const oxArray *s) { return s->has_flag(oxFLAG_COLON); }
 
-Positions range(double first, double step, double last) {
-    Positions p;
-    for (double x = first; step > 0 ? x <= last : step < 0 && x >= last; x += step) {
-        if (x < 1) fail_bad();
-        p.push_back(static_cast<kwSize>(x));
-    }
-    return p;
-}
-
 Positions read_positions(const oxArray *s, kwSize extent) {
-    if (is_colon(s)) return range(1, 1, static_cast<double>(extent));
-    if (is_colon_object(s)) {
-        double v[3];
-        oxGetColonObjValues(s, v);
-        return range(v[0], v[1], v[2]);
-    }
     Positions p;
+    if (is_colon(s) || is_colon_object(s)) {
+        double v[3] = {1, 1, static_cast<double>(extent)}; // first, step, last
+        if (is_colon_object(s)) oxGetColonObjValues(s, v);
+        for (double x = v[0]; v[1] > 0 ? x <= v[2] : x >= v[2]; x += v[1]) p.push_back(position(x));
+        return p;
+    }
     const kwSize n = oxGetNumberOfElements(s);
-    if (n != 0 && oxIsComplex(s)) fail_bad();
     const double *values = n ? oxGetPr(oxMustBeFullDouble(const_cast<oxArray *>(s))) : nullptr;
     for (kwSize k = 0; k < n; ++k) {
-        double x = values[k];
         if (oxIsLogical(s)) {
-            if (x != 0) p.push_back(k + 1);
+            if (values[k] != 0) p.push_back(k + 1);
             continue;
         }
-        const double wrap = oxIsInt8(s) ? 256 : oxIsInt16(s) ? 65536 : oxIsInt32(s) ? 0x1p32 : 0;
-        if (x < 0) x += wrap; // signed classes are read as unsigned
-        if (!(x >= 1) || x != std::floor(x) || x > 281474976710655.0) fail_bad();
-        p.push_back(static_cast<kwSize>(x));
+        p.push_back(position(oxIsComplex(s) ? 0 : values[k]));
     }
     return p;
 }
 
 kwSize dim(const Dims &d, kwSize k) { return k < d.size() ? d[k] : 1; }
 
-Dims folded(const Dims &d, kwSize nsubs) {
-    Dims e;
-    for (kwSize k = 0; k < nsubs; ++k) e.push_back(dim(d, k));
-    for (kwSize k = nsubs; k < d.size(); ++k) e.back() *= d[k];
-    return e;
-}
-
 Dims without_ones(Dims d) {
     std::erase(d, kwSize{1});
-    return d;
-}
-
-std::optional<kwSize> vector_dimension(const Dims &d) {
-    if (without_ones(d).size() != 1) return {};
-    kwSize k = 0;
-    while (d[k] == 1) ++k;
-    return k;
-}
-
-Dims oriented(kwSize nd, kwSize k, kwSize n) {
-    Dims d(nd, 1);
-    d[k] = n;
     return d;
 }
 
@@ -104,34 +66,61 @@ Dims dims_of(const oxArray *s) {
     return Dims(oxGetDimensions(s), oxGetDimensions(s) + oxGetNumberOfDimensions(s));
 }
 
-Dims linear_shape(const Dims &a, const oxArray *s, kwSize n) {
-    const auto ka = vector_dimension(a), ki = vector_dimension(dims_of(s));
-    if (is_colon(s)) return {n, 1};
-    if (is_colon_object(s)) return ka ? oriented(a.size(), *ka, n) : Dims{1, n};
-    const Dims i = dims_of(s);
-    if (oxIsLogical(s)) {
-        if (n == 0 && (i == Dims{1, 1} || i == Dims{0, 0})) return {0, 0};
-        if (ka) return oriented(a.size(), *ka, n);
-        return ki ? oriented(i.size(), *ki, n) : Dims{n, 1};
-    }
-    return without_ones(i).size() < 2 && ka ? oriented(a.size(), *ka, n) : i;
+// What a vector of dimensions d has when it is n long.
+std::optional<Dims> resized_vector(Dims d, kwSize n) {
+    if (without_ones(d).size() != 1) return {};
+    for (kwSize &x : d)
+        if (x != 1) x = n;
+    return d;
 }
 
-// Calls f(k-th selected, zero-based linear position) over all combinations, first subscript
-// fastest.
-void for_each(const std::vector<Positions> &p, const Dims &extents,
-              const std::function<void(kwSize, kwSize)> &f) {
-    Dims counts;
-    for (const Positions &x : p) counts.push_back(x.size());
-    for (kwSize i = 0; i < element_count(counts); ++i) {
-        kwSize rest = i, at = 0, stride = 1;
-        for (kwSize k = 0; k < p.size(); ++k) {
-            at += (p[k][rest % p[k].size()] - 1) * stride;
-            rest /= p[k].size();
-            stride *= extents[k];
-        }
-        f(i, at);
+Dims linear_shape(const Dims &a, const oxArray *s, kwSize n) {
+    const Dims i = dims_of(s);
+    const auto like_a = resized_vector(a, n), like_i = resized_vector(i, n);
+    if (is_colon(s)) return {n, 1};
+    if (is_colon_object(s)) return like_a.value_or(Dims{1, n});
+    if (!oxIsLogical(s)) return like_a && without_ones(i).size() < 2 ? *like_a : i;
+    if (n == 0 && (i == Dims{1, 1} || i == Dims{0, 0})) return {0, 0};
+    return like_a ? *like_a : like_i.value_or(Dims{n, 1});
+}
+
+// The k-th of all combinations of zero-based subscripts below the counts, the first one fastest.
+Dims combination(kwSize k, const Dims &counts) {
+    Dims subs;
+    for (kwSize n : counts) {
+        subs.push_back(k % n);
+        k /= n;
     }
+    return subs;
+}
+kwSize offset(const Dims &subs, const Dims &extents) {
+    kwSize at = 0;
+    for (kwSize k = subs.size(); k-- > 0;) at = at * dim(extents, k) + subs[k];
+    return at;
+}
+
+Dims counts(const std::vector<Positions> &p) {
+    Dims c;
+    for (const Positions &x : p) c.push_back(x.size());
+    return c;
+}
+
+// The offsets of all that is selected.
+Dims offsets(const std::vector<Positions> &p, const Dims &extents) {
+    Dims all;
+    const Dims c = counts(p);
+    for (kwSize i = 0; i < element_count(c); ++i) {
+        Dims subs = combination(i, c);
+        for (kwSize k = 0; k < p.size(); ++k) subs[k] = p[k][subs[k]] - 1;
+        all.push_back(offset(subs, extents));
+    }
+    return all;
+}
+
+std::vector<Naive::Element> selected(const Naive &a, const std::vector<Positions> &p) {
+    std::vector<Naive::Element> e;
+    for (kwSize at : offsets(p, naive_extents(a.dims, p.size()))) e.push_back(a.elements[at]);
+    return e;
 }
 
 kwSize largest(const Positions &p) { return p.empty() ? 0 : *std::max_element(p.begin(), p.end()); }
@@ -139,77 +128,55 @@ kwSize largest(const Positions &p) { return p.empty() ? 0 : *std::max_element(p.
 // The elements of a in an array of other dimensions, by subscript.
 void regrow(Naive &a, const Dims &dims, const Naive::Element &fill) {
     std::vector<Naive::Element> grown(element_count(dims), fill);
-    const kwSize nd = std::max(dims.size(), a.dims.size());
-    for (kwSize i = 0; i < a.elements.size(); ++i) {
-        kwSize rest = i, at = 0, stride = 1;
-        for (kwSize k = 0; k < nd; ++k) {
-            at += rest % dim(a.dims, k) * stride;
-            rest /= dim(a.dims, k);
-            stride *= dim(dims, k);
-        }
-        grown[at] = a.elements[i];
-    }
+    for (kwSize i = 0; i < a.elements.size(); ++i)
+        grown[offset(combination(i, a.dims), dims)] = a.elements[i];
     a.dims = dims;
     a.elements = std::move(grown);
 }
 
+// Whether the counts but those of 1 are the dimensions of the right side but those of 1.
 void check_counts(const Dims &counts, const Naive &rhs) {
-    if (counts.size() == 1) {
-        if (counts[0] != rhs.numel()) fail_entry(FSUBSASSIGNNUMELMISMATCH);
-        return;
-    }
+    const char *const id = "VELTRO:subsassigndimmismatch";
     const Dims c = without_ones(counts), r = without_ones(rhs.dims);
     for (kwSize k = 0; k < c.size(); ++k) {
         if (k >= r.size())
-            fail("VELTRO:subsassigndimmismatch",
-                 "Assignment has fewer non-singleton rhs dimensions "
-                 "than non-singleton\nsubscripts");
+            fail(id, "Assignment has fewer non-singleton rhs dimensions "
+                     "than non-singleton\nsubscripts");
         if (c[k] != r[k]) fail_entry(FSUBSASSIGNDIMMISMATCH);
     }
     if (r.size() > c.size())
-        fail("VELTRO:subsassigndimmismatch",
-             "Assignment has more non-singleton rhs dimensions than non-singleton\nsubscripts");
+        fail(id, "Assignment has more non-singleton rhs dimensions than non-singleton\nsubscripts");
 }
 
+// What the target of dimensions 0 becomes; a colon takes what the right side has.
 Dims dims_from_nothing(const std::vector<const oxArray *> &subs, const std::vector<Positions> &p,
                        const Naive &rhs, const Dims &old) {
     const kwSize n = subs.size();
     const bool scalar = rhs.numel() == 1;
-    if (n == 1 && !scalar) {
-        if (is_colon(subs[0])) return rhs.dims;
-        if (p[0].size() != rhs.numel()) fail_entry(FSUBSASSIGNNUMELMISMATCH);
+    if (n == 1) {
+        if (is_colon(subs[0])) return scalar ? Dims{1, 1} : rhs.dims;
         if (p[0].empty()) return old;
         const bool column = rhs.dims.size() == 2 && rhs.dims[1] == 1 && rhs.dims[0] != 1;
         return column ? Dims{largest(p[0]), 1} : Dims{1, largest(p[0])};
     }
-    if (n == 1) return {1, is_colon(subs[0]) ? 1 : largest(p[0])};
-    Dims d;
     bool in_place = rhs.dims.size() <= n;
     for (kwSize k = 0; k < n; ++k)
         in_place = in_place && (is_colon(subs[k]) || p[k].size() == dim(rhs.dims, k));
+    Dims d, counts;
     const Dims r = without_ones(rhs.dims);
-    kwSize next = 0;
     for (kwSize k = 0; k < n; ++k) {
-        if (scalar || in_place) {
-            d.push_back(!is_colon(subs[k]) ? largest(p[k]) : scalar ? 1 : dim(rhs.dims, k));
-        } else if (is_colon(subs[k])) {
-            d.push_back(next < r.size() ? r[next++] : 1);
-        } else if (p[k].size() == 1) {
-            d.push_back(largest(p[k]));
-        } else {
-            if (next >= r.size()) check_counts({2, 2}, Naive{rhs.cls, {1, 1}, {{0, 0}}, {}});
-            if (r[next++] != p[k].size()) fail_entry(FSUBSASSIGNDIMMISMATCH);
-            d.push_back(largest(p[k]));
-        }
+        const kwSize all = in_place ? dim(rhs.dims, k) : dim(r, without_ones(counts).size());
+        counts.push_back(is_colon(subs[k]) ? all : p[k].size());
+        d.push_back(is_colon(subs[k]) ? all : largest(p[k]));
     }
-    if (!scalar && !in_place && next < r.size()) check_counts({1, 1}, rhs);
+    if (!scalar) check_counts(counts, rhs);
     trim(d);
     return d;
 }
 
 Dims grown(const Dims &d, const std::vector<Positions> &p) {
     const kwSize n = p.size();
-    const Dims extents = folded(d, n);
+    const Dims extents = naive_extents(d, n);
     Dims g = d;
     g.resize(std::max(n, d.size()), 1);
     bool grows = false;
@@ -222,12 +189,10 @@ Dims grown(const Dims &d, const std::vector<Positions> &p) {
         else if (d.size() != 2)
             fail("VELTRO:indexed_matrix_cannot_be_resized",
                  "Attempt to grow array along ambiguous dimension.");
-        else if (d[0] * d[1] == 0)
-            g = d[1] == 1 ? Dims{l, 1} : Dims{1, l};
-        else if (d[0] == 1)
-            g = {1, l};
+        else if (d[1] == 1 && d[0] != 1)
+            g = {l, 1};
         else
-            g = d[1] == 1 ? Dims{l, 1} : Dims{d[0], (l + d[0] - 1) / d[0]};
+            g = d[0] <= 1 || d[1] == 0 ? Dims{1, l} : Dims{d[0], (l + d[0] - 1) / d[0]};
     }
     trim(g);
     return grows ? g : d; // only growth drops trailing ones
@@ -260,9 +225,9 @@ Naive Naive::read(const oxArray *a) {
     const oxArray *x = numeric ? oxMustBeFullDouble(const_cast<oxArray *>(a)) : nullptr;
     const double *pr = numeric ? oxGetPr(x) : nullptr, *pi = numeric ? oxGetPi(x) : nullptr;
     for (kwSize k = 0; k < n.numel(); ++k) {
-        Element e;
-        for (int f = 0; f < nf; ++f) e.push_back(slot_value(oxGetFieldByNumber(a, k, f)));
-        if (oxIsCell(a)) e = {slot_value(oxGetCell(a, k))};
+        Element e = n.zero();
+        for (kwSize p = 0; !numeric && p < e.size(); ++p)
+            if (const oxArray *slot = oxGetCell(a, k * e.size() + p)) e[p] = oxGetScalar(slot);
         if (numeric) e = {pr[k], pi ? pi[k] : 0};
         n.elements.push_back(e);
     }
@@ -294,8 +259,6 @@ oxArray *Naive::make() const {
     return a;
 }
 
-kwSize Naive::numel() const { return element_count(dims); }
-
 bool Naive::complex() const {
     return std::any_of(elements.begin(), elements.end(),
                        [](const Element &e) { return e.size() == 2 && e[1] != 0; }) &&
@@ -307,37 +270,48 @@ Naive::Element Naive::zero() const {
     return Element(cls == oxCELL_CLASS ? 1 : fields.size(), -1);
 }
 
+Dims naive_extents(const Dims &d, kwSize nsubs) {
+    Dims e;
+    for (kwSize k = 0; k < nsubs; ++k) e.push_back(dim(d, k));
+    for (kwSize k = nsubs; k < d.size(); ++k) e.back() *= d[k];
+    return e;
+}
+
+Dims naive_counts(const Dims &d, const std::vector<const oxArray *> &subs) {
+    std::vector<Positions> p;
+    for (const oxArray *s : subs)
+        p.push_back(read_positions(s, naive_extents(d, subs.size())[p.size()]));
+    return counts(p);
+}
+
 Naive naive_reference(const Naive &a, const std::vector<const oxArray *> &subs) {
-    const Dims extents = folded(a.dims, subs.size());
+    const Dims extents = naive_extents(a.dims, subs.size());
     std::vector<Positions> p;
     for (kwSize k = 0; k < subs.size(); ++k) {
         p.push_back(read_positions(subs[k], extents[k]));
-        if (largest(p[k]) > extents[k]) fail_outside();
+        if (largest(p[k]) > extents[k])
+            fail("VELTRO:badsubscript", "Index exceeds matrix dimensions.");
     }
-    Naive b{a.cls, {}, {}, a.fields};
-    if (subs.size() == 1)
-        b.dims = linear_shape(a.dims, subs[0], p[0].size());
-    else
-        for (const Positions &x : p) b.dims.push_back(x.size());
+    Naive b{a.cls, counts(p), selected(a, p), a.fields};
+    if (subs.size() == 1) b.dims = linear_shape(a.dims, subs[0], p[0].size());
     trim(b.dims);
-    for_each(p, extents, [&](kwSize, kwSize at) { b.elements.push_back(a.elements[at]); });
     return b;
 }
 
 void naive_assign(Naive &a, const std::vector<const oxArray *> &subs, const Naive &rhs,
                   const Naive *filler) {
+    const kwSize n = subs.size();
     const bool nothing = std::all_of(a.dims.begin(), a.dims.end(), [](kwSize d) { return d == 0; });
     const bool scalar = rhs.numel() == 1;
-    const Dims old = nothing ? Dims(subs.size(), 0) : folded(a.dims, subs.size());
+    const Dims old = nothing ? Dims(n, 0) : naive_extents(a.dims, n);
     std::vector<Positions> p;
-    Dims counts;
-    for (kwSize k = 0; k < subs.size(); ++k) {
-        p.push_back(read_positions(subs[k], old[k]));
-        counts.push_back(p[k].size());
-    }
-    for (kwSize k = 0; scalar && k < subs.size(); ++k)
+    for (kwSize k = 0; k < n; ++k) p.push_back(read_positions(subs[k], old[k]));
+    for (kwSize k = 0; scalar && k < n; ++k)
         if (p[k].empty() && !(nothing && is_colon(subs[k]))) return;
-    if (!nothing && !scalar) check_counts(counts, rhs);
+    const bool takes_all = nothing && is_colon(subs[0]);
+    if (n == 1 && !scalar && !takes_all && p[0].size() != rhs.numel())
+        fail_entry(FSUBSASSIGNNUMELMISMATCH);
+    if (n > 1 && !scalar && !nothing) check_counts(counts(p), rhs);
     const Dims dims = nothing ? dims_from_nothing(subs, p, rhs, a.dims) : grown(a.dims, p);
     check_conversion(rhs, a.cls);
     Naive::Element fill = a.zero();
@@ -346,56 +320,38 @@ void naive_assign(Naive &a, const std::vector<const oxArray *> &subs, const Naiv
         if (!a.complex() || !filler->complex()) fill[1] = 0;
     }
     if (dims != a.dims) regrow(a, dims, fill);
-    const Dims extents = folded(a.dims, subs.size());
-    for (kwSize k = 0; nothing && k < subs.size(); ++k)
+    const Dims extents = naive_extents(a.dims, n);
+    for (kwSize k = 0; nothing && k < n; ++k)
         if (is_colon(subs[k])) p[k] = read_positions(subs[k], extents[k]);
-    for_each(p, extents, [&](kwSize k, kwSize at) {
-        if (rhs.numel() != 0) a.elements[at] = converted(rhs.elements[scalar ? 0 : k], a.cls);
-    });
+    const Dims to = offsets(p, extents);
+    for (kwSize k = 0; rhs.numel() != 0 && k < to.size(); ++k)
+        a.elements[to[k]] = converted(rhs.elements[scalar ? 0 : k], a.cls);
 }
 
 void naive_delete(Naive &a, const std::vector<const oxArray *> &subs) {
     const kwSize n = subs.size();
-    kwSize at = n;
-    for (kwSize k = 0; k < n; ++k) {
-        if (is_colon(subs[k])) continue;
-        if (at != n) fail_entry(FBADNULLASSIGN);
-        at = k;
-    }
-    const Dims extents = folded(a.dims, n);
-    const auto along = vector_dimension(a.dims);
-    auto shape = [&](kwSize k, kwSize kept) {
-        Dims d = extents;
-        d[k] = kept;
-        if (n == 1) d = along ? oriented(a.dims.size(), *along, kept) : Dims{1, kept};
-        trim(d);
-        return d;
-    };
-    if (at == n) {
-        a.dims = n == 1 ? Dims{0, 0} : shape(0, 0);
-        a.elements.clear();
-        return;
-    }
+    const auto one = std::find_if_not(subs.begin(), subs.end(), is_colon);
+    if (std::count_if(subs.begin(), subs.end(), is_colon) + 1 < static_cast<long>(n))
+        fail_entry(FBADNULLASSIGN);
+    const bool all = one == subs.end();
+    const Dims extents = naive_extents(a.dims, n);
+    const kwSize at = all ? 0 : static_cast<kwSize>(one - subs.begin());
     if (oxGetNumberOfElements(subs[at]) == 0) return;
-    const Positions p = read_positions(subs[at], extents[at]);
-    if (largest(p) > extents[at]) fail_entry(FSUBSDELDIMMISMATCH);
-    if (p.empty()) return;
-    std::vector<Naive::Element> kept;
-    std::vector<bool> gone(extents[at], false);
-    for (kwSize x : p) gone[x - 1] = true;
-    const auto left = static_cast<kwSize>(std::count(gone.begin(), gone.end(), false));
-    kwSize inner = 1;
-    for (kwSize k = 0; k < at; ++k) inner *= extents[k];
-    for (kwSize i = 0; i < a.elements.size(); ++i)
-        if (!gone[i / inner % extents[at]]) kept.push_back(a.elements[i]);
-    if (a.elements.empty() && left != 0 && n >= a.dims.size()) {
-        a.dims.resize(std::max(a.dims.size(), at + 1), 1);
-        a.dims[at] = left;
-        trim(a.dims);
-    } else {
-        a.dims = shape(at, left);
-    }
-    a.elements = std::move(kept);
+    const Positions gone = read_positions(subs[at], extents[at]);
+    if (largest(gone) > extents[at]) fail_entry(FSUBSDELDIMMISMATCH);
+    if (gone.empty() && !all) return;
+    std::vector<Positions> kept(n);
+    for (kwSize k = 0; k < n; ++k)
+        for (kwSize x = 1; x <= extents[k]; ++x)
+            if (k != at || std::find(gone.begin(), gone.end(), x) == gone.end())
+                kept[k].push_back(x);
+    const kwSize left = kept[at].size();
+    a.elements = selected(a, kept);
+    a.dims = n > 1 ? extents
+             : all ? Dims{0, 0}
+                   : resized_vector(a.dims, left).value_or(Dims{1, left});
+    if (n > 1) a.dims[at] = left;
+    trim(a.dims);
 }
 
 } // namespace ox::test

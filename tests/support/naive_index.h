@@ -28,12 +28,16 @@ struct Naive {
     bool operator==(const Naive &) const = default;
     std::string text() const { return test::text(make()); }
 
-    kwSize numel() const;
+    kwSize numel() const { return element_count(dims); }
     bool complex() const; // some imaginary part is not 0
     Element zero() const;
 };
 
+// The extent that each of nsubs subscripts meets: the last one that of all dimensions left.
+Dims naive_extents(const Dims &dims, kwSize nsubs);
+
 // Each may throw NaiveError.
+Dims naive_counts(const Dims &dims, const std::vector<const oxArray *> &subs); // that they select
 Naive naive_reference(const Naive &a, const std::vector<const oxArray *> &subs);
 void naive_assign(Naive &a, const std::vector<const oxArray *> &subs, const Naive &rhs,
                   const Naive *filler = nullptr);
