@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# check.sh golden|update|levels|fortran LIB... , check.sh documented: see README.md.
+# check.sh golden|update|levels|fortran LIB... , check.sh documented [LIB]: see README.md.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
@@ -64,12 +64,25 @@ fortran)
         diff "$typed" - || { echo "result types (>) that oxfort.inc should not declare so" && status=1; }
     ;;
 documented)
-    # Every function has a comment; one that returns a pointer says when that is null.
+    # Every function has a comment; one that returns a pointer says when that is null, and one that a
+    # library can be seen to raise from says so.
+    list=$(mktemp) raisers=$(mktemp)
+    trap 'rm -f "$list" "$raisers"' EXIT
     awk -v out=list -f "$root/scripts/header-comments.awk" "$root"/include/ut.h "$root"/include/fl.hpp \
-        "$root"/include/ox/*.h "$root/include/ox/object_layer.hpp" "$root/include/ox/text.hpp" | awk -F'\t' '
+        "$root"/include/ox/*.h "$root/include/ox/object_layer.hpp" "$root/include/ox/text.hpp" >"$list"
+    for lib in "$@"; do
+        objdump -d --no-show-raw-insn "$lib" | awk -f "$here/raises.awk" >"$raisers"
+        [ "$(wc -l <"$raisers")" -gt 300 ] || { echo "no disassembly of $lib" && status=1; }
+    done
+    awk -F'\t' -v raisers="$raisers" '
+        BEGIN { while ((getline name < raisers) > 0) raises[name] = 1 }
         $4 ~ /^ *$/ { print $1 ": " $2 " has no comment"; faults++ }
         $3 ~ /^[^(]*\*/ && $4 $5 !~ /[Nn]ull|[Rr]eturns dst/ { print $1 ": " $2 " does not say when it is null"; faults++ }
-        END { printf "%d functions, %d faults\n", NR, faults; exit faults > 0 || NR < 400 }' || status=1
+        $2 in raises && $4 $5 !~ /[Rr]ais(e|ing)|error [0-9]+|VELTRO:/ {
+            print $1 ": " $2 " does not say that it raises"
+            faults++
+        }
+        END { printf "%d functions, %d faults\n", NR, faults; exit faults > 0 || NR < 400 }' "$list" || status=1
     ;;
 *)
     echo "check.sh: unknown word $word" >&2
