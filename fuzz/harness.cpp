@@ -2,6 +2,7 @@
 #include "harness.h"
 
 #include <containers/check_array.h>
+#include <core/check_header.h>
 #include <core/startup.h>
 
 #include <fl.hpp>
@@ -73,16 +74,35 @@ void require_well_formed(const oxArray *a) {
     require(!found, check_rule_text(found.rule));
 }
 
-void finish_item(oiStreamRec_tag *s, const oiItem_tag &item) {
-    if (!item.data || item.data == &item.name) return;
+int32_t read_item(oiStreamRec_tag *s, kwSize offset) {
+    oiItem_tag item{};
+    const int32_t status = oiGetItem(s, &item, offset);
+    require(status == oiSUCCESS || !item.data, "no data without success");
+    if (!item.data || item.data == &item.name) return status;
     if (item.type == oiMATRIX) {
         require_well_formed(static_cast<const oxArray *>(item.data));
         oxDestroyArray(static_cast<oxArray *>(item.data));
-        return;
+        return status;
     }
     const volatile auto *bytes = static_cast<char *>(item.data);
     for (uint64_t k = 0; k < item.count; ++k) static_cast<void>(bytes[k]); // each can be read
     s->free(item.data);
+    return status;
+}
+
+int32_t read_header(oiStreamRec_tag *s, kwSize offset, int mode) {
+    char name[64];
+    std::memset(name, 'x', sizeof name);
+    oiItem_tag item{0, 0, nullptr, reinterpret_cast<uintptr_t>(name)};
+    const int32_t status = oiGetMatrixHeader(s, &item, offset, mode);
+    require(status == oiSUCCESS || !item.data, "no array without success");
+    auto *a = static_cast<oxArray *>(item.data);
+    if (!a) return status;
+    require(std::memchr(name, 0, sizeof name) != nullptr, "the name is terminated");
+    require(check_header(a, CheckDepth::header) == 0, "rules of a header");
+    if (mode) require_well_formed(a);
+    oxDestroyArray(a);
+    return status;
 }
 
 Stream::Stream(uint8_t choice, const uint8_t *data, std::size_t size) {

@@ -26,8 +26,10 @@ private:
 
 // Requires every rule of the structure checker.
 void require_well_formed(const oxArray *a);
-// Requires an item's array to be well formed, or its data to be readable; frees what was allocated.
-void finish_item(oiStreamRec_tag *s, const oiItem_tag &item);
+// Reads an element, or the header of an array, and requires what comes of it to be well formed and
+// its data to be readable; frees what was allocated. The status of reading.
+int32_t read_item(oiStreamRec_tag *s, kwSize offset);
+int32_t read_header(oiStreamRec_tag *s, kwSize offset, int mode);
 
 // Takes bytes from the front of the input, 0 when there are none left.
 class Input {

@@ -32,16 +32,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                    bytes.size());
     if (!s.get()) return 0;
     for (int k = 0; k < 2; ++k) {
-        oiItem_tag item{};
-        const int32_t status = choice & 32
-                                   ? oiGetMatrixHeaderAtCurrentOffset(s.get(), &item, choice & 64)
-                                   : oiGetCurrentItem(s.get(), &item);
-        require(status == oiSUCCESS || !item.data, "no data without success");
-        require(!oiIsVELVariableCompressionEnabled(oiGetGzipString(s.get())), "it is closed");
-        if (choice & 32 && !(choice & 64) && item.data)
-            oxDestroyArray(static_cast<oxArray *>(item.data));
+        if (choice & 32)
+            read_header(s.get(), oiCURRENT_OFFSET, (choice & 64) != 0);
         else
-            finish_item(s.get(), item);
+            read_item(s.get(), oiCURRENT_OFFSET);
+        require(!oiIsVELVariableCompressionEnabled(oiGetGzipString(s.get())), "it is closed");
     }
     return 0;
 }

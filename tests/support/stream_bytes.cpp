@@ -12,6 +12,7 @@ namespace ox::test {
 namespace {
 
 constinit std::size_t asked = 0, failing = 0;
+constinit bool lost = false;
 
 bool strikes() { return ++asked == failing; }
 
@@ -19,7 +20,9 @@ size_t read_less(void *dst, size_t size, size_t n, FILE *f) {
     return fread(dst, size, strikes() && n > 0 ? n - 1 : n, f);
 }
 size_t write_less(const void *src, size_t size, size_t n, FILE *f) {
-    return fwrite(src, size, strikes() && n > 0 ? n - 1 : n, f);
+    const bool loses = strikes() && n > 0;
+    lost = lost || loses;
+    return fwrite(src, size, n - loses, f);
 }
 int seek_or_not(FILE *f, int64_t offset, int whence) {
     return strikes() ? -1 : oiFseek64(f, offset, whence);
@@ -181,8 +184,10 @@ int32_t TestStream::put(int32_t type, const Bytes &data) {
 BrokenCarrier::BrokenCarrier(std::size_t n) {
     asked = 0;
     failing = n;
+    lost = false;
 }
 BrokenCarrier::~BrokenCarrier() { failing = 0; }
 std::size_t BrokenCarrier::calls() { return asked; }
+bool BrokenCarrier::lost_bytes() { return lost; }
 
 } // namespace ox::test

@@ -76,6 +76,7 @@ public:
     explicit BrokenCarrier(std::size_t n);
     ~BrokenCarrier();
     static std::size_t calls();
+    static bool lost_bytes(); // the call that failed was one that writes
 };
 
 } // namespace ox::test

@@ -1,6 +1,5 @@
 // Runs of the vel tool as a user starts it.
 #pragma once
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -35,9 +34,7 @@ protected:
                                   line;
         FILE *pipe = popen(shell.c_str(), "r");
         std::string out;
-        std::array<char, 4096> piece;
-        for (size_t n; (n = fread(piece.data(), 1, piece.size(), pipe)) > 0;)
-            out.append(piece.data(), n);
+        for (int c; (c = getc(pipe)) != EOF;) out += static_cast<char>(c);
         const int status = pclose(pipe);
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
     }
