@@ -9,7 +9,7 @@
 
 namespace {
 
-class CheckArray : public HostTest {};
+using CheckArray = HostTest;
 
 oxArray *&slot(oxArray *a, kwSize i = 0) { return a->cell.slots[i]; }
 
@@ -20,18 +20,13 @@ template<class T> Mend put(T &place, std::type_identity_t<T> value) {
     return [&place, old = std::exchange(place, value)] { place = old; };
 }
 
-const struct {
-    int rule;
-    const char *array;
-    Mend (*breaks)(oxArray *);
-} broken[] = {
+const std::tuple<int, const char *, Mend (*)(oxArray *)> broken[] = {
     {rule_slots_named, "struct 1x1 a: {1}",
      [](oxArray *a) { return put(a->record.names, nullptr); }},
     {rule_table_owners, "struct 1x1 a: {1}",
-     [](oxArray *a) -> Mend {
-         oxArray *sharer = oxCreateSharedDataCopy(a);
-         --a->record.names->reference_count;
-         return [=] { ++a->record.names->reference_count, oxDestroyArray(sharer); };
+     [](oxArray *a) {
+         oxCreateSharedDataCopy(a);
+         return put(a->record.names->reference_count, 1);
      }},
     {rule_cycle, "cell 1x1: {cell 1x2: {} {}}",
      [](oxArray *a) { return put(slot(slot(a), 1), a); }},
@@ -78,11 +73,7 @@ oxArray &in_ring(oxArray &a) {
 
 // A broken state: the record as it is, with fields replaced; blocks are not written to. a is a copy
 // of a sound one; its address matters for rings.
-const struct {
-    int rule;
-    const char *array;
-    void (*breaks)(oxArray &a);
-} broken_records[] = {
+const std::tuple<int, const char *, void (*)(oxArray &a)> broken_records[] = {
     {rule_class, "5", [](oxArray &a) { a.class_code = 5; }},
     {rule_numeric_flag, "5", [](oxArray &a) { a.flag_word &= ~oxFLAG_NUMERIC; }},
     {rule_free_flags, "5", [](oxArray &a) { a.flag_word |= 2; }},

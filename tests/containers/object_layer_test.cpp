@@ -9,21 +9,6 @@ using Layer = HostTest;
 
 constexpr const char *missing = "VELTRO:objectLayerMissing";
 
-TEST_F(Layer, OpaqueElementsAreCopiedAndReleasedByTheirClassAndLazyOnesShared) {
-    const oxArray *a = arr("opaque 1x3: 5 6 7");
-    layer_calls = {};
-    oxDestroyArray(oxCreateDeepCopy(a));
-    EXPECT_TRUE(layer_calls.element_copies == 3 && layer_calls.releases == 1);
-    oxArray *lazy = arr("lazy 2x3: 7");
-    layer_calls = {};
-    oxArray *s = oxCreateSharedDataCopy(lazy), *d = oxCreateDeepCopy(s);
-    EXPECT_TRUE(layer_calls.shares == 2 && layer_calls.element_copies == 0);
-    EXPECT_TRUE(!s->cross_link && d->opaque.giblet == lazy->opaque.giblet);
-    EXPECT_TRUE(oxGetNumberOfElements(d) == 6 && layer_calls.completions > 0);
-    const oxArray *e = oxCreateEmptyCopy(lazy);
-    EXPECT_TRUE(layer_calls.empty_copies == 1 && e->opaque.info == lazy->opaque.info);
-}
-
 TEST_F(Layer, EveryCopyOfAnObjectIsAnnouncedOnce) {
     const WithLayer layer;
     oxArray *a = arr("object Point 1x2 a: {1} {2}");
@@ -48,16 +33,6 @@ TEST_F(Layer, EveryCopyOfAnObjectIsAnnouncedOnce) {
         oxDestroyArray(c);
         EXPECT_EQ(layer_calls.objects_released, 1);
     }
-}
-
-TEST_F(Layer, HandlesOwnWhatTheLayerPutsIntoThem) {
-    const WithLayer layer;
-    oxArray *a = oxCreateFunctionHandle("12"), *b = oxCreateDeepCopy(a);
-    oxDestroyArray(a);
-    EXPECT_TRUE(layer_calls.handle_copies == 1 && layer_calls.handle_releases == 1);
-    EXPECT_EQ(text(b), "function_handle 1x1: 12");
-    oxDestroyArray(oxCreateSkeletonCopy(b, 0)); // an undefined handle is one of zeros
-    oxDestroyArray(b);
 }
 
 TEST_F(Layer, WithoutOneObjectsAndHandlesAreBytesAndTheRestSaysWhatIsMissing) {

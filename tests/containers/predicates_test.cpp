@@ -32,10 +32,7 @@ const std::string whole_vector = real_vector + "IntOrUIntVector IntVector ";
 const std::string single = "FiniteSingleArray FiniteNumericArray Single2dMatrix "
                            "FiniteNumeric2dMatrix FiniteNumeric2dNonComplexMatrix ";
 
-const struct {
-    const char *array;
-    std::string passes;
-} rows_of_table[] = {
+const std::pair<const char *, std::string> rows_of_table[] = {
     {"double 0x0", "Vector"},
     {"double 1x0", "Vector Vector2D"},
     {"double 3x0x2", ""},
@@ -70,10 +67,10 @@ const struct {
 using Predicates = LayerTest;
 
 TEST_F(Predicates, Table) {
-    for (const auto &row : rows_of_table) {
-        SCOPED_TRACE(row.array);
-        const oxArray *a = arr(row.array);
-        const std::string expected = ' ' + row.passes + ' ';
+    for (const auto &[array, passes] : rows_of_table) {
+        SCOPED_TRACE(array);
+        const oxArray *a = arr(array);
+        const std::string expected = ' ' + passes + ' ';
         for (const auto &[name, holds] : predicates)
             EXPECT_EQ(holds(a), expected.find(' ' + name + ' ') != std::string::npos) << name;
     }

@@ -73,7 +73,7 @@ public:
     explicit Walk(uint64_t seed) : random_(seed) { levels_.push_back({0, {}}); }
 
     void step() {
-        if (current().size() < 3 || (total() < 14 && random_.chance(0.2)))
+        if (current().size() < 3 || (current().size() < 6 && random_.chance(0.2)))
             add(arr(leaf()));
         else
             make_a_move();
@@ -92,11 +92,6 @@ private:
 
     std::vector<Handle> &current() { return levels_.back().handles; }
     int here() const { return static_cast<int>(levels_.size()) - 1; }
-    kwSize total() const {
-        kwSize n = 0;
-        for (const Level &l : levels_) n += l.handles.size();
-        return n;
-    }
     Handle &any() {
         Level &level = random_.pick(levels_);
         return random_.pick(level.handles.empty() ? current() : level.handles);
@@ -127,10 +122,8 @@ private:
         if (way == 0) return add(oxCreateReference(h.a), h.value, h.home);
         if (way == 1) return add(oxCreateSharedCopyNotOnArrayList(h.a), h.value, unlisted);
         if (way == 2) return add(oxCreateEmptyCopy(h.a));
-        add(way == 3   ? oxCreateDeepCopy(h.a)
-            : way == 4 ? oxCreateSharedCopy(h.a)
-                       : oxCreateSharedDataCopy(h.a),
-            h.value, here());
+        if (way == 3) return add(oxCreateDeepCopy(h.a), h.value, here());
+        add(way == 4 ? oxCreateSharedCopy(h.a) : oxCreateSharedDataCopy(h.a), h.value, here());
     }
     void claim() {
         Handle &h = current()[mine()];

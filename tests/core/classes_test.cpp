@@ -67,8 +67,7 @@ TEST_F(Classes, DimensionsDecideTheScalarFlag) {
     EXPECT_TRUE(oxGetM(a) == 1 && oxGetN(a) == 6) << "also from its own vector";
     oxSetM(a, 4);
     EXPECT_TRUE(oxGetNumberOfDimensions(a) == 3 && oxGetNumberOfElements(a) == 24);
-    const kwIndex subs[] = {1, 1, 2, 5};
-    EXPECT_EQ(oxCalcSingleSubscript(a, 4, subs), 1u + 4 + 16 + 24 * 5);
+    EXPECT_EQ(oxCalcSingleSubscript(a, 4, Dims{1, 1, 2, 5}.data()), 1u + 4 + 16 + 24 * 5);
     oxSetN(a, 5);
     EXPECT_TRUE(oxGetNumberOfDimensions(a) == 2 && oxGetN(a) == 5);
     EXPECT_TRUE(oxSetDimensions(a, nullptr, 0) == 0 && oxIsEmpty(a));
@@ -89,15 +88,12 @@ TEST_F(Classes, FirstElement) {
 
 // Everything goes but scope, count and place.
 TEST_F(Classes, ReTypingInPlace) {
-    const struct {
-        const char *array;
-        oxClassID to;
-        uint32_t flags;
-    } rows[] = {{"double 2x2x2: 1 2; 3 4 | 5 6; 7 8", oxDOUBLE_CLASS,
-                 oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE},
-                {"1+2i", oxINT8_CLASS, oxFLAG_NUMERIC},
-                {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS, 0},
-                {"struct 1x2 a,b: {1} {} {2} {}", oxVOID_CLASS, 0}};
+    const std::tuple<const char *, oxClassID, uint32_t> rows[] = {
+        {"double 2x2x2: 1 2; 3 4 | 5 6; 7 8", oxDOUBLE_CLASS,
+         oxFLAG_NUMERIC | oxFLAG_SCALAR_DOUBLE},
+        {"1+2i", oxINT8_CLASS, oxFLAG_NUMERIC},
+        {"sparse double 2x2: (0,0)=1", oxLOGICAL_CLASS, 0},
+        {"struct 1x2 a,b: {1} {} {2} {}", oxVOID_CLASS, 0}};
     for (const auto &[array, to, flags] : rows) {
         oxArray *a = arr(array), *sharer = oxCreateSharedDataCopy(a);
         const std::string contents = text(sharer);

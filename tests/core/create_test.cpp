@@ -17,7 +17,6 @@ oxArray *nd(const Dims &dims) {
 
 TEST_F(Create, FullArrays) {
     std::vector<std::pair<oxArray *, const char *>> made = {
-        {nd({2, 1, 2}), "double 2x1x2: 0; 0 | 0; 0"},
         {nd({1, 1, 1}), "double 1x1x1: 0"}, // nothing is trimmed
         {nd({3}), "double 3x1: 0; 0; 0"},
         {nd({}), "double 0x0"},
@@ -25,7 +24,6 @@ TEST_F(Create, FullArrays) {
          "double 1152921504606846976x0x1152921504606846976"}, // never too large
         {oxCreateNumericMatrix(0, huge, oxINT8_CLASS, oxCOMPLEX), "int8 0x1152921504606846976"},
         {oxCreateNumericArray(3, nullptr, oxDOUBLE_CLASS, oxREAL), "double 0x0"},
-        {oxCreateDoubleScalar(-0.5), "double 1x1: -0.5"},
         {oxCreateSingleScalar(0.1f), "single 1x1: 0.1"},
         {oxCreateNumericScalar(oxINT16_CLASS, oxCOMPLEX), "int16 1x1: 0+0i"},
         {oxCreateUninitNumericMatrix(1, 1, oxDOUBLE_CLASS, oxCOMPLEX), "double 1x1: 0+0i"},

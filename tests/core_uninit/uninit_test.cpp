@@ -30,10 +30,10 @@ TEST_F(Uninit, ArraysAreUnlisted) {
 // Out of memory is null; too large, which is the caller's fault, raises as ever.
 TEST_F(Uninit, FailedCreationGivesNull) {
     constexpr kwSize two24 = kwSize{1} << 24;
-    EXPECT_EQ(oxCreateDoubleMatrix(two24, two24, oxREAL), nullptr);
-    EXPECT_EQ(oxCreateNumericMatrix(2, 2, oxUNKNOWN_CLASS, oxREAL), nullptr);
+    EXPECT_FALSE(oxCreateDoubleMatrix(two24, two24, oxREAL) ||
+                 oxCreateNumericMatrix(2, 2, oxUNKNOWN_CLASS, oxREAL) ||
+                 oxCreateUninitDoubleMatrix(two24, two24 / 16, oxREAL));
     EXPECT_RAISES_ENTRY(FPMAXSIZE, oxCreateUninitDoubleMatrix(two24, two24, oxREAL));
-    EXPECT_EQ(oxCreateUninitDoubleMatrix(two24, two24 / 16, oxREAL), nullptr);
 }
 
 TEST_F(Uninit, BlocksAreUnlistedAndRefusedInSilence) {
@@ -48,12 +48,11 @@ TEST_F(Uninit, BlocksAreUnlistedAndRefusedInSilence) {
 // Deliberate: with listeners but no reaction to failure, a block that could not be moved is
 // reported as freed although it lives on.
 TEST_F(Uninit, FailedReallocIsReportedToTheListener) {
-    static std::vector<void *> freed;
-    freed.clear();
+    static void *freed;
     void *a = oxMalloc(8);
-    oxSetAllocListeners(nullptr, [](void *b) { freed.push_back(b); });
+    oxSetAllocListeners(nullptr, [](void *b) { freed = b; });
     EXPECT_EQ(oxRealloc(a, ~kwSize{0}), nullptr);
-    EXPECT_EQ(freed, std::vector<void *>{a});
+    EXPECT_EQ(freed, a);
     oxFreeEx(a);
 }
 
