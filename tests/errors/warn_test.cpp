@@ -109,10 +109,6 @@ TEST_F(Warn, DefaultHandlerPrintsALine) {
     oxWarningMsgIdAndTxt("V:x", "50%%");
     utSetPrintSink(sink);
     EXPECT_EQ(printed, "Warning: 50%\n");
-    const auto other = [](const char *) {};
-    const auto standard = oxSetWarningMessageHandler(other);
-    EXPECT_EQ(oxSetWarningMessageHandler(nullptr), oxWarningHandler(other));
-    EXPECT_EQ(oxSetWarningMessageHandler(nullptr), standard);
 }
 
 // --- The manager: statuses, modes, callbacks, records ---

@@ -1,10 +1,11 @@
-// The aligned heap: a random walk against a shadow model, the kept range, slack, refusal.
+// The aligned heap: a random walk against a shadow model, the kept range, slack, refusal; pools.
 #include "fl.hpp"
 
 #include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <memory>
 #include <random>
 #include <vector>
 #if defined(__linux__)
@@ -39,10 +40,8 @@ struct Shadow {
 };
 
 std::size_t random_size(std::mt19937 &rng) {
-    static constexpr std::size_t bounds[] = {40, 1100, 70000, 3 * MiB};
-    static constexpr int weights[] = {0, 0, 0, 1, 1, 1, 1, 2, 2, 3};
-    const std::size_t top = bounds[weights[rng() % 10]];
-    return 1 + rng() % top;
+    constexpr std::size_t tops[] = {40, 40, 40, 1100, 1100, 1100, 1100, 70000, 70000, 3 * MiB};
+    return 1 + rng() % tops[rng() % 10];
 }
 
 TEST(Heap, RandomWalkKeepsContentsAndReleasesOnlyWhatIsUnused) {
@@ -92,10 +91,8 @@ TEST(Heap, FreedLargeBlocksAreKeptWithinTheLimitAndGivenBack) {
     if (!keeps) GTEST_SKIP() << "nothing is kept here";
     heap().release_kept();
     const std::size_t limit = heap().set_kept_limit(8 * MiB);
-    void *a = heap().allocate(3 * MiB);
-    void *b = heap().allocate(3 * MiB);
-    void *c = heap().allocate(5 * MiB);
-    void *too_large = heap().allocate(9 * MiB);
+    void *a = heap().allocate(3 * MiB), *b = heap().allocate(3 * MiB);
+    void *c = heap().allocate(5 * MiB), *too_large = heap().allocate(9 * MiB);
     heap().free(a);
     heap().free(b);
     heap().free(too_large); // above the limit by itself: goes at once
@@ -137,9 +134,9 @@ TEST(Heap, RefusalLeavesTheBlockAsItWas) {
         const Shadow s{static_cast<unsigned char *>(heap().allocate(size)), size, 5};
         s.fill();
         for (const std::size_t refused : {too_much, 4 * size}) {
-            if (refused != too_much) fl::set_allocation_fault([] { return true; });
             EXPECT_FALSE(heap().allocate(refused) || heap().allocate_zeroed(1, refused) ||
                          heap().reallocate(s.block, refused));
+            fl::set_allocation_fault([] { return true; });
         }
         fl::set_allocation_fault(nullptr);
         EXPECT_TRUE(s.holds(size));
@@ -166,5 +163,45 @@ TEST(Heap, KeptMemoryIsGivenBackBeforeARequestIsRefused) {
     EXPECT_EXIT(request_under_limit(), testing::ExitedWithCode(0), "");
 }
 #endif
+
+// --- Pools ---
+
+void walk_pool(std::size_t elem, std::size_t block) {
+    const std::unique_ptr<fl::pool> pool(fl::create_managed_pool(elem, block));
+    ASSERT_NE(pool, nullptr);
+    std::mt19937 rng(7);
+    std::vector<std::pair<unsigned char *, unsigned char>> live;
+    for (unsigned step = 0; step < 30000; ++step) {
+        // Grows for a while, then shrinks: whole chunks come free.
+        const bool grow = rng() % 10 < (step / 3000 % 2 ? 2u : 8u);
+        if (live.empty() || grow) {
+            auto *element = static_cast<unsigned char *>(pool->allocate());
+            ASSERT_NE(element, nullptr);
+            ASSERT_EQ(reinterpret_cast<std::uintptr_t>(element) % 8, 0u);
+            live.emplace_back(element, static_cast<unsigned char>(step));
+            std::memset(element, live.back().second, elem);
+        } else {
+            const std::size_t k = rng() % live.size();
+            for (std::size_t j = 0; j < elem; ++j) ASSERT_EQ(live[k].first[j], live[k].second);
+            pool->free(live[k].first);
+            live[k] = live.back();
+            live.pop_back();
+        }
+        if (step % 1000 == 0) pool->recover();
+        ASSERT_EQ(pool->live(), live.size());
+    }
+    for (auto [element, value] : live) {
+        EXPECT_EQ(element[elem - 1], value);
+        pool->free(element);
+    }
+    EXPECT_EQ(pool->recover(), !pass_through && !live.empty());
+    EXPECT_FALSE(pool->recover()); // nothing is left to give back
+}
+
+TEST(Pool, ElementsNeverOverlapAndRecoverSparesLiveOnes) {
+    const std::pair<std::size_t, std::size_t> shapes[] = {
+        {104, 8192}, {1, 64}, {24, 1000}, {5000, 4096}, {4096, 65536}};
+    for (const auto &[elem, block] : shapes) walk_pool(elem, block);
+}
 
 } // namespace
