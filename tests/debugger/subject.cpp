@@ -6,8 +6,7 @@
 #include <cstring>
 
 oxArray *scalar, *matrix, *pair, *rows, *big, *words, *wide, *truth, *counts, *sparse, *nothing,
-    *boxes, *people, *shared;
-oxArray *holds_itself;
+    *boxes, *people, *shared, *holds_itself;
 oxArray bad_class, bad_ndims, bad_sizes, bad_vector, bad_data, bad_cells, bad_names, bad_starts;
 oxArray *nowhere = reinterpret_cast<oxArray *>(0x10);
 oiStreamRec_tag *stream;
@@ -33,8 +32,8 @@ void make_numbers() {
     std::memcpy(oxGetData(counts), values, sizeof values);
     truth = oxCreateLogicalScalar(true);
     nothing = oxCreateDoubleMatrix(0, 3, oxREAL);
-    big = oxCreateSparse(kwSize{1} << 40, 1024, 1,
-                         oxREAL); // more elements than a full array may have
+    // More elements than a full array may have.
+    big = oxCreateSparse(kwSize{1} << 40, 1024, 1, oxREAL);
     sparse = oxCreateSparse(3, 4, 8, oxREAL);
     const kwIndex starts[] = {0, 1, 1, 3, 3}, at[] = {2, 0, 1};
     const double stored[] = {7, 8, 9.5};
@@ -45,8 +44,7 @@ void make_numbers() {
 
 void make_containers() {
     words = oxCreateString("it's\ta line");
-    const oxChar units[] = {0x41, 0xD800, 0x20AC, 0};
-    wide = oxCreateStringFromNChars_UTF16(units, 3);
+    wide = oxCreateStringFromNChars_UTF16(u"A\xD800\u20AC", 3);
     boxes = oxCreateCellMatrix(1, 3);
     oxSetCell(boxes, 0, oxCreateDoubleScalar(4));
     oxSetCell(boxes, 1, oxCreateString("two"));
@@ -77,7 +75,6 @@ void damage() {
 extern "C" void ready() { asm volatile(""); }
 
 int main() {
-    oxInitAllocListManager();
     oxInitArrayListManager();
     make_numbers();
     make_containers();
