@@ -11,11 +11,7 @@ symbols() { nm -D --defined-only "$1" | awk '{ sub(/@.*/, "", $3); print $3 }' |
 golden() { echo "$root/abi/$(basename "$1").txt"; }
 
 # missing WHAT FILE: status 1 when stdin has lines that FILE (sorted) lacks; they are printed.
-missing() {
-    local lines
-    lines=$(sort -u | comm -23 - "$2")
-    [ -z "$lines" ] || { echo "$1:" && echo "$lines" && return 1; }
-}
+missing() { ! sort -u | comm -23 - "$2" | sed "1i $1:" | grep .; }
 
 status=0
 case $word in

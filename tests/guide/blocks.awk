@@ -13,9 +13,7 @@ function fault(what) {
     kind = substr($0, 4)
     if (file != "") {
         out = dir "/" file
-        folder = out
-        sub(/\/[^\/]*$/, "", folder)
-        system("mkdir -p '" folder "'")
+        system("mkdir -p \"$(dirname '" out "')\"")
     } else if (kind == "sh") {
         step = sprintf("%s/step-%02d", dir, ++steps)
         out = step ".sh"

@@ -7,16 +7,11 @@ trap 'rm -rf "$tree"' EXIT
 
 # expect TEXT: one fault is found, and named so.
 expect() {
-    output=$("$here/check_floors.sh" "$tree") && status=0 || status=$?
-    [[ $status = 1 && $output == *"$1"* && $output == *" 1 faults"* ]] && return
-    printf 'self-test: expected "%s", got status %s:\n%s\n' "$1" "$status" "$output"
-    exit 1
+    output=$("$here/check_floors.sh" "$tree" || true)
+    [[ $output == *"$1"*" 1 faults"* ]] || { printf 'expected "%s":\n%s\n' "$1" "$output" && exit 1; }
 }
 
 cp -r "$here"/../../{include,libs,src,tools,examples} "$tree"
-touch "$tree/src/new.h"
-expect 'src/new.h: stands on no floor'
-rm "$tree/src/new.h"
 while IFS='|' read -r file line text; do
     cp "$tree/$file" "$tree/kept"
     printf '  #  include %s // upward\n' "$line" >>"$tree/$file"
