@@ -59,38 +59,50 @@ show 0 "game_of_life: five cells, 200 generations later; shifted references coun
     show 0 "heat, in Fortran: a plate whose upper edge is hot, after 20 steps" \
         heat '[1 1 1 1 1;0 0 0 0 0;0 0 0 0 0;0 0 0 0 0;0 0 0 0 0]' 20
 
-# tool SENTENCE WORD ARG...: the same for the words that work on files.
+# tool STATUS SENTENCE WORD ARG...: the same for the words that work on files.
 tool() {
-    say "$1"
-    shift
+    local expected=$1 status=0
+    say "$2"
+    shift 2
     echo "\$ vel $*"
-    "$vel" "$@" </dev/null
+    "$vel" "$@" </dev/null 2>&1 || status=$?
+    [ "$status" = "$expected" ] || die "demo: exit status $status, expected $expected"
 }
 
 file=build/demo.vel
-tool "save: a table and a sparse matrix go into one compressed file" \
+tool 0 "save: a table and a sparse matrix go into one compressed file" \
     save "$file" --compress iris="$data" west=examples/data/west0067.mtx
-tool "ls: the listing reads headers only; the table shrinks to a sixth" ls "$file"
-tool "check: every element against every rule, then read by the library" check "$file"
-tool "show: the pattern of the sparse matrix as it came back, twelve of its 294 entries" show "$file" west
-show 0 "pagerank: the same ranks as before, from the file; the largest is 0.0287" \
-    pagerank "$file:west"
-tool "show --stats, --rows, --cols: the first species only" \
+tool 0 "ls: the listing reads headers only; the table shrinks to a sixth" ls "$file"
+tool 0 "check: every element against every rule, then read by the library" check "$file"
+tool 0 "show: the pattern of the sparse matrix as it came back, twelve of its 294 entries" show "$file" west
+ranks=build/demo-ranks.vel
+show 0 "pagerank: the same ranks as before, this time from a file into a file" \
+    pagerank "$file:west" -o "$ranks"
+tool 0 "show --stats: the 67 ranks sum up to 1, which makes their mean 0.0149; the largest is 0.0287" \
+    show "$ranks" --stats
+tool 0 "show --stats, --rows, --cols: the first species only" \
     show "$file" iris --rows 1:50 --cols 1:4 --stats
-tool "show --hex: tags, counts, data and padding, byte by byte" show "$file" iris --hex
+tool 0 "show --hex: tags, counts, data and padding, byte by byte" show "$file" iris --hex
 
 groups=build/demo-groups.vel
 "$vel" call "$(built group_by.vex)" "$data" 5 -o "$groups"
-tool "plot: 150 flowers as a heat map; the three species show as steps in columns 1, 3 and 5" \
+tool 0 "plot: 150 flowers as a heat map; the three species show as steps in columns 1, 3 and 5" \
     plot "$file" iris --width 72
-tool "plot: a cell as a tree of sizes" plot "$groups"
-tool "plot -o: the sparse matrix as a PNG file of 469 by 469 dots" \
+tool 0 "plot -o: the same as a picture" plot "$file" iris -o build/demo-iris.png
+tool 0 "plot: a cell as a tree of sizes" plot "$groups"
+tool 0 "plot -o: the sparse matrix as a PNG file of 469 by 469 dots" \
     plot "$file" west -o build/demo-west.png
 
-tool "convert: the table for other programs, 6000 bytes of doubles after a header" \
+tool 0 "convert: the table for other programs, 6000 bytes of doubles after a header" \
     convert "$file:iris" build/demo.npy
-tool "convert: both ways through an archive with the members of a sparse matrix" \
+tool 0 "convert: both ways through an archive with the members of a sparse matrix" \
     convert "$file:west" build/demo.npz --compress
-tool "diff: nothing was lost" diff build/demo.npz examples/data/west0067.mtx
+tool 0 "diff: nothing was lost" diff build/demo.npz examples/data/west0067.mtx
+
+damaged=build/demo-damaged.vel
+"$vel" save "$damaged" n=3.5 "flowers=$data"
+printf '\x77' | dd of="$damaged" bs=1 seek=136 conv=notrunc status=none
+tool 1 "check: one byte of a file was changed; where it is, what belongs there, what is there" \
+    check "$damaged"
 
 say "demo: done; pictures and files are build/demo*"

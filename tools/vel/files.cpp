@@ -5,16 +5,22 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 namespace vel {
 
 std::string read_file(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
+    std::error_code ignored;
+    std::ifstream in;
     std::ostringstream bytes;
-    if (!in || !(bytes << in.rdbuf()).good()) {
-        if (in && in.peek() == std::ifstream::traits_type::eof()) return {};
+    if (std::filesystem::is_directory(path, ignored))
+        errno = EISDIR; // a folder can be opened, and reads as if it were empty
+    else
+        in.open(path, std::ios::binary);
+    if (!in.is_open() || !(bytes << in.rdbuf()).good()) {
+        if (in.is_open() && in.peek() == std::ifstream::traits_type::eof()) return {};
         throw Failure(Exit::io, path + ": cannot be read: " + std::strerror(errno));
     }
     return std::move(bytes).str();

@@ -22,6 +22,7 @@ int run(int argc, char **argv) {
     CLI::App app{"Looks into data files and runs extension modules.", "vel"};
     vel::prepare_help(app);
     app.require_subcommand(0, 1);
+    app.set_version_flag("--version", "vel " VEL_VERSION, "Print the version and exit");
     bool manual = false, completion = false;
     app.add_flag("--man", manual, "Print the manual page: vel --man | man -l -");
     app.add_flag("--bash-completion", completion,
@@ -39,7 +40,11 @@ int run(int argc, char **argv) {
         if (work) return work();
         throw CLI::RequiredError("A word");
     } catch (const CLI::ParseError &e) {
-        return app.exit(e) == 0 ? status(vel::Exit::good) : status(vel::Exit::usage);
+        if (e.get_exit_code() == 0) return app.exit(e); // --help and --version
+        const auto words = app.get_subcommands();
+        return fail(vel::Exit::usage, std::string(e.what()) + "; see vel " +
+                                          (words.empty() ? "" : words[0]->get_name() + " ") +
+                                          "--help");
     } catch (const vel::Failure &e) {
         return fail(e.status(), e.what());
     } catch (const ut::simple_exception &e) {

@@ -2,6 +2,7 @@
 #include "paths.h"
 
 #include "failure.h"
+#include "print.h"
 #include "text.h"
 
 #include <charconv>
@@ -11,15 +12,18 @@ namespace {
 
 class Follower {
 public:
-    Follower(const oxArray *a, std::string_view path) : at_(a), path_(path), rest_(path) {}
+    // Where the path begins is for messages.
+    Follower(const oxArray *a, std::string_view path, const std::string &file,
+             std::string_view variable)
+        : at_(a), path_(path), rest_(path), file_(file), variable_(variable) {}
 
     const oxArray *follow() {
         size_t element = 0;
         while (!rest_.empty()) {
-            if (!at_) fail("nothing is there");
+            if (!at_) fail("the slot is empty");
             switch (rest_[0]) {
             case '{':
-                if (!oxIsCell(at_)) fail("no cell array is there");
+                if (!oxIsCell(at_)) fail("expected a cell array, found " + describe(at_));
                 at_ = oxGetCell(at_, index('}'));
                 break;
             case '(':
@@ -31,7 +35,7 @@ public:
                 element = 0;
                 break;
             default:
-                fail("'.', '(' or '{' is expected");
+                fail("expected '.', '(' or '{'");
             }
         }
         return at_;
@@ -43,16 +47,17 @@ private:
         size_t k = 0;
         const auto [end, error] = std::from_chars(rest_.data() + 1, rest_.data() + rest_.size(), k);
         if (error != std::errc() || end == rest_.data() + rest_.size() || *end != closing)
-            fail(std::string("a number and '") + closing + "' are expected");
+            fail(std::string("expected a number and '") + closing + "'");
         const size_t n = oxGetNumberOfElements(at_);
         if (k < 1 || k > n)
-            fail("element " + std::to_string(k) + " of " + std::to_string(n) + " is asked for");
+            fail("expected an element from 1 to " + std::to_string(n) + ", found " +
+                 std::to_string(k));
         rest_.remove_prefix(static_cast<size_t>(end + 1 - rest_.data()));
         return k - 1;
     }
 
     void field(size_t element) {
-        if (!oxIsStruct(at_)) fail("no struct is there");
+        if (!oxIsStruct(at_)) fail("expected a struct, found " + describe(at_));
         const size_t end = rest_.find_first_of(".({", 1);
         const std::string name(rest_.substr(1, end == rest_.npos ? end : end - 1));
         const int k = oxGetFieldNumber(at_, name.c_str());
@@ -63,12 +68,14 @@ private:
     }
 
     [[noreturn]] void fail(const std::string &what) const {
-        throw Failure(Exit::data, "path '" + std::string(path_) + "', at '" + std::string(rest_) +
-                                      "': " + what);
+        throw Failure(Exit::data, file_ + ": path '" + std::string(variable_) + std::string(path_) +
+                                      "', at '" + std::string(rest_) + "': " + what);
     }
 
     const oxArray *at_;
     std::string_view path_, rest_;
+    const std::string &file_;
+    std::string_view variable_;
 };
 
 } // namespace
@@ -80,8 +87,9 @@ std::string step_label(const oxArray *container, size_t i, size_t field) {
     return (oxGetNumberOfElements(container) > 1 ? "(" + index + ")." : ".") + name;
 }
 
-const oxArray *follow(const oxArray *a, std::string_view path) {
-    return Follower(a, path).follow();
+const oxArray *follow(const oxArray *a, std::string_view path, const std::string &file,
+                      std::string_view variable) {
+    return Follower(a, path, file, variable).follow();
 }
 
 } // namespace vel

@@ -11,7 +11,8 @@ namespace vel {
 std::string step_label(const oxArray *container, size_t i, size_t field);
 
 // The value that a path without its variable name leads to (null for an empty slot); "" is the
-// array itself. Throws Failure, naming the step that leads nowhere.
-const oxArray *follow(const oxArray *a, std::string_view path);
+// array itself. Throws Failure, naming the file, the variable and the step that leads nowhere.
+const oxArray *follow(const oxArray *a, std::string_view path, const std::string &file,
+                      std::string_view variable = "");
 
 } // namespace vel

@@ -94,9 +94,9 @@ int run(const PlotOptions &options) {
     std::string file, place;
     const bool in_vel = split_place(options.file, file, place);
     place += options.path;
-    const oxArray *a =
-        in_vel ? read_place(file, place)
-               : follow(parse_argument(options.file, {.force = options.force}), options.path);
+    const oxArray *a = in_vel ? read_place(file, place)
+                              : follow(parse_argument(options.file, {.force = options.force}),
+                                       options.path, options.file);
     if (!in_vel) file = options.file;
     const std::string label =
         (in_vel && !place.empty() ? "" : std::filesystem::path(file).filename().string()) + place;

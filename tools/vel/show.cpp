@@ -26,7 +26,7 @@ struct ShowOptions {
 };
 
 // Positions a to b of n, from "a:b", "a:", ":b" or "a".
-oxArray *subscript(const std::string &range, size_t n) {
+oxArray *subscript(const std::string &label, const std::string &range, size_t n) {
     if (range.empty()) return oxCreateString(":");
     const size_t colon = range.find(':');
     size_t first = 1, last = n;
@@ -42,21 +42,24 @@ oxArray *subscript(const std::string &range, size_t n) {
     else
         read(std::string_view(range).substr(colon + 1), last);
     if (first < 1 || first > last || last > n)
-        throw Failure(Exit::data,
-                      "the range " + range + " does not lie within 1:" + std::to_string(n));
+        throw Failure(Exit::data, label + ": the range " + range +
+                                      " does not lie within 1:" + std::to_string(n));
     oxArray *list = oxCreateDoubleMatrix(1, last - first + 1, oxREAL);
     for (size_t k = 0; k <= last - first; ++k) oxGetPr(list)[k] = static_cast<double>(first + k);
     return list;
 }
 
 // The rows and columns that are asked for.
-const oxArray *cut_out(const oxArray *a, const ShowOptions &options) {
+const oxArray *cut_out(const std::string &label, const oxArray *a, const ShowOptions &options) {
     std::string rows = options.rows;
     if (options.head > 0) rows = ":" + std::to_string(std::min(options.head, size_t{oxGetM(a)}));
     if (rows.empty() && options.columns.empty()) return a;
     if (oxGetNumberOfDimensions(a) != 2)
-        throw Failure(Exit::data, "rows and columns can be chosen of a matrix only");
-    const oxArray *subs[] = {subscript(rows, oxGetM(a)), subscript(options.columns, oxGetN(a))};
+        throw Failure(Exit::data, label +
+                                      ": rows and columns can be chosen of a matrix only, found " +
+                                      describe(a));
+    const oxArray *subs[] = {subscript(label, rows, oxGetM(a)),
+                             subscript(label, options.columns, oxGetN(a))};
     return oxSubscriptedReference(a, 2, subs);
 }
 
@@ -71,7 +74,7 @@ void print_stats(const std::string &label, const oxArray *a) {
 }
 
 void show(const std::string &label, const oxArray *a, const ShowOptions &options, Json &json) {
-    const oxArray *part = a ? cut_out(a, options) : nullptr;
+    const oxArray *part = a ? cut_out(label, a, options) : nullptr;
     end_progress();
     if (options.json)
         json[label] = options.stats && part && has_elements(part) ? json_stats(stats_of(part))
@@ -97,7 +100,7 @@ int run(const ShowOptions &options) {
     std::string file, place;
     if (!split_place(options.file, file, place)) {
         const oxArray *a = parse_argument(options.file, {.force = options.force});
-        show(options.file + options.path, follow(a, options.path), options, json);
+        show(options.file + options.path, follow(a, options.path, options.file), options, json);
     } else if (place.empty() && options.path.empty()) {
         VelReader reader(file);
         for (const Variable &v : reader.variables()) {

@@ -87,8 +87,8 @@ const Variable &VelReader::find(const std::string &name) const {
 const oxArray *read_place(const std::string &file, const std::string &place) {
     VelReader reader(file);
     const size_t end = std::min(place.find_first_of(".({"), place.size());
-    return follow(reader.read(reader.find(place.substr(0, end))),
-                  std::string_view(place).substr(end));
+    const Variable &v = reader.find(place.substr(0, end));
+    return follow(reader.read(v), std::string_view(place).substr(end), file, v.path);
 }
 
 void check_name(const std::string &name, Exit status) {
