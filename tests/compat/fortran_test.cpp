@@ -3,8 +3,6 @@
 #include <compat/fortran.h>
 #include <support/suite.h>
 
-#include <string>
-
 // Declared from the library's own list of them.
 #define ENTRY(NAME, name, result, arguments, value) result NAME arguments;
 #define SIZED(NAME, name, result, arguments, value) result NAME arguments;

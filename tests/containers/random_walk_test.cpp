@@ -278,14 +278,13 @@ TEST_F(RandomWalk, EveryHandleShowsItsValueAfterEveryStep) {
     const uint64_t steps = given ? std::strtoull(given, nullptr, 10) : 100000;
     constexpr uint64_t episode = 2000;
     for (uint64_t n = 0; n < steps; n += episode) {
+        const Contexts contexts;
         Walk walk(1 + n / episode);
         for (uint64_t k = 0; k < episode; ++k) {
             walk.step();
             ASSERT_FALSE(HasFailure()) << "seed " << 1 + n / episode << ", step " << k;
         }
         walk.leave_all();
-        oxExitArrayListContext(0, nullptr, 0, true);
-        oxEnterNewArrayListContext();
     }
 }
 

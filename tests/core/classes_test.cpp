@@ -1,8 +1,6 @@
 // Classes, queries, the scalar flag, offsets and re-typing in place.
 #include <support/suite.h>
 
-#include <utility>
-
 namespace {
 
 using Classes = HostTest;

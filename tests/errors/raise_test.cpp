@@ -8,7 +8,6 @@
 
 #include <cfenv>
 #include <cstring>
-#include <string>
 
 namespace {
 

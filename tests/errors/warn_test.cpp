@@ -5,8 +5,6 @@
 
 #include <ut.h>
 
-#include <string>
-
 namespace {
 
 utWarnCtx *context() { return utGetWarningManagerContext(); }
