@@ -135,4 +135,19 @@ Stream::~Stream() {
     if (file_) fclose(file_);
 }
 
+int read_stream(const uint8_t *data, std::size_t size,
+                int32_t (*read)(oiStreamRec_tag *, kwSize, int)) {
+    Input in(data, size);
+    const uint8_t choice = in.byte(), moves = in.byte();
+    const Run run(size, 16 * ((choice & 3) ? 1032 : 1));
+    const Stream s(choice, in.data(), in.size());
+    if (!s.get()) return 0;
+    for (unsigned k = 0; k < 16; ++k) {
+        const bool moved = moves >> (k & 7) & 1 && in.size() > 0;
+        const kwSize offset = moved ? moves * 37U * k % in.size() : oiCURRENT_OFFSET;
+        if (read(s.get(), offset, choice >> 4 & 1) == oiSHORT_READ && !moves) break;
+    }
+    return 0;
+}
+
 } // namespace ox::fuzz

@@ -57,4 +57,9 @@ private:
     oiStreamRec_tag *s_ = nullptr;
 };
 
+// Reads from a stream of the input's bytes sixteen times. The first byte chooses the stream and the
+// mode that read() gets, the second which offsets are the input's instead of the current one. 0.
+int read_stream(const uint8_t *data, std::size_t size,
+                int32_t (*read)(oiStreamRec_tag *, kwSize offset, int mode));
+
 } // namespace ox::fuzz
