@@ -83,6 +83,7 @@ TEST_F(StructCell, OneDimensionBecomesTheFields) {
         {{"cell 2x1x2: {1} {2} {3} {4}", "cell 1x2: {char 1x1: 'a'} {char 1x2: 'bc'}", "3"},
          "struct 2x1 a,bc: {1} {3} {2} {4}"},
         {{"cell 1x2: {1} {2}", "cell 1x1: {char 1x1: 'a'}", "5"}, "struct 1x2 a: {1} {2}"},
+        {{"cell 1x2x1x1: {1} {2}", "char 1x1: 'a'", "1"}, "struct 2x1x1 a: {1} {2}"},
         {{"cell 2x0", "char 2x2: 'a\\u0000'; 'bc'", "1"}, "struct 0x1 a,bc"},
         {{"cell 0x2", "cell 0x0"}, "struct 2x1"}};
     for (const auto &[in, expected] : table)
