@@ -44,11 +44,12 @@ public:
         const std::vector<uint64_t> flags = in_.words(t, v.path);
         if (flags.size() < 2) in_.fail(t.offset, v.path, "expected two words of array flags");
         Head h{static_cast<unsigned>(flags[0] & 0xFF), 1};
+        if (h.number == 0 || h.number > file_opaque)
+            in_.fail(t.offset, v.path,
+                     "expected a class from 1 to 17, found " + std::to_string(h.number));
         v.class_name = class_name(h.number, flags[0]);
         v.complex = flags[0] & complex_bit;
         v.sparse = h.number == file_sparse || flags[0] & sparse_bit;
-        if (h.number == 0 || h.number > file_opaque)
-            in_.fail(t.offset, v.path, "there is no class " + std::to_string(h.number));
         if (h.number != file_opaque) dimensions(v, h);
         t = expect(oiINT8, "a name", v.path);
         const std::string name = in_.text(t, v.path);
