@@ -1,10 +1,11 @@
 // Equality: every pairing of classes, storage and NaN rule, and the switch comparison.
+#include <support/naive_index.h>
 #include <support/stream_bytes.h>
 #include <support/suite.h>
 
 namespace {
 
-class EqualTest : public HostTest {};
+using EqualTest = HostTest;
 
 bool equal(const oxArray *a, const oxArray *b) {
     const bool ab = oxAreMatricesEqual(a, b) != 0;
@@ -30,46 +31,38 @@ TEST_F(EqualTest, PairsOfArrays) {
 TEST_F(EqualTest, StoredBytesOfLogicalsCount) {
     oxArray *a = arr("logical 1x1: 1");
     *static_cast<unsigned char *>(oxGetData(a)) = 2;
-    EXPECT_FALSE(equal(a, arr("logical 1x1: 1")));
-    EXPECT_FALSE(equal(a, arr("1")));
+    EXPECT_FALSE(equal(a, arr("logical 1x1: 1")) || equal(a, arr("1")));
     EXPECT_TRUE(equal(a, arr("2")));
-    EXPECT_FALSE(equal(a, arr("sparse double 1x1")));
 }
 
-TEST_F(EqualTest, NanFollowsTheRule) {
+TEST_F(EqualTest, NanFollowsTheRuleEvenInTheSameArray) {
     oxArray *a = arr("NaN");
-    EXPECT_FALSE(equal(a, a)) << "the same array is no excuse";
+    EXPECT_FALSE(equal(a, a));
     EXPECT_TRUE(oxAreMatricesEqualNanOptional(a, a, 0));
 }
 
-// The element rule, one element at a time, for every pair of classes.
+// For every pair of classes; now and then with one bit changed.
 TEST_F(EqualTest, RandomPairsAgreeWithElementwiseComparison) {
     Random random(20);
-    const std::pair<oxClassID, double> classes[] = {
-        // with their largest value below 2^33
-        {oxDOUBLE_CLASS, 0x1p32},    {oxSINGLE_CLASS, 0x1p32},     {oxINT8_CLASS, 127},
-        {oxUINT8_CLASS, 255},        {oxINT16_CLASS, 32767},       {oxUINT16_CLASS, 65535},
-        {oxINT32_CLASS, 0x7fffff80}, {oxUINT32_CLASS, 0xffffff00}, {oxINT64_CLASS, 0x1p32},
-        {oxUINT64_CLASS, 0x1p32},    {oxCHAR_CLASS, 65535},        {oxLOGICAL_CLASS, 1}};
-    for (int round = 0; round < 400; ++round) {
-        const auto [ca, most_a] = random.pick(classes);
-        const auto [cb, most_b] = random.pick(classes);
-        const kwSize n = random.below(1500) + 1, changed = random.below(n);
-        oxArray *a = oxCreateDoubleMatrix(1, n, oxREAL), *b;
-        for (kwSize k = 0; k < n; ++k)
-            oxGetPr(a)[k] = k % 3 == changed % 3 ? 0 : std::min(most_a, most_b);
-        b = oxMustBe(oxDuplicateArray(a), cb);
-        a = oxMustBe(a, ca);
-        ASSERT_TRUE(equal(a, b)) << n;
-        if (ca == oxDOUBLE_CLASS)
-            oxGetPr(a)[changed] = 1;
-        else
-            static_cast<unsigned char *>(oxGetData(a))[changed * oxGetElementSize(a)] = 1;
-        ASSERT_FALSE(equal(a, b)) << n << " at " << changed;
-        oxArray *sparse = ca == oxDOUBLE_CLASS ? oxMustBeSparse(a) : a;
-        ASSERT_FALSE(equal(sparse, b));
-        ASSERT_TRUE(equal(sparse, a));
+    const int others[] = {3, 4, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+    int matches = 0;
+    const WarningRecorder quiet; // of values that the other class does not hold
+    for (int round = 0; round < 800; ++round) {
+        const auto ca = static_cast<oxClassID>(random.between(oxDOUBLE_CLASS, oxUINT64_CLASS)),
+                   cb = static_cast<oxClassID>(random.pick(others));
+        const kwSize n = random.below(1500) + 1;
+        const uint64_t most = uint64_t{1} << random.below(33);
+        oxArray *x = oxCreateDoubleMatrix(1, n, oxREAL);
+        for (kwSize k = 0; k < n; k += 2) oxGetPr(x)[k] = static_cast<double>(random.below(most));
+        oxArray *a = oxMustBe(x, ca), *b = oxCreateConvertedCopy(a, cb);
+        if (random.chance(0.4))
+            static_cast<unsigned char *>(oxGetData(b))[random.below(n) * oxGetElementSize(b)] ^= 1;
+        const bool expected = Naive::read(a).elements == Naive::read(b).elements;
+        const oxArray *stored = ca == oxDOUBLE_CLASS && round % 2 ? oxMustBeSparse(a) : a;
+        ASSERT_EQ(equal(stored, b), expected) << ca << " and " << cb << ", round " << round;
+        matches += expected;
     }
+    EXPECT_TRUE(matches > 100 && matches < 600) << matches;
 }
 
 TEST_F(EqualTest, SwitchComparison) {
@@ -82,7 +75,7 @@ TEST_F(EqualTest, SwitchComparison) {
     EXPECT_RAISES("VELTRO:badCaseExpression", "CASE expressions cannot be of class structw.",
                   oxSwitchCompare(abc, arr("struct 1x1")));
 
-    for (const char *good : {"char 2x2: 'ab'; 'cd'", "char 0x0", "logical 1x1: 1", "int8 1x1: 1"})
+    for (const char *good : {"char 2x2: 'ab'; 'cd'", "char 0x0", "logical 1x1: 1"})
         oxValidateSwitchExpression(arr(good));
     for (const char *bad : {"double 1x2: 1 2", "double 0x0", "cell 1x1: {}", "struct 1x1"})
         EXPECT_RAISES("VELTRO:badSwitchExpression",

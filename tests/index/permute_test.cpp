@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 
 #include "each_target.h"
 
@@ -24,13 +23,10 @@ oxArray *permute(oxArray *a, oxArray *order) {
 void check_order(Random &random, const Dims &dims, oxClassID id, oxComplexity complexity) {
     const Contexts contexts;
     const kwSize n = dims.size();
-    std::vector<kwSize> order(n), stride(n, 1);
-    std::iota(order.begin(), order.end(), kwSize{0});
-    for (kwSize k = n; k-- > 1;) std::swap(order[k], order[random.below(k + 1)]);
+    oxArray *p = oxColonop(1, 1, static_cast<double>(n), oxDOUBLE_CLASS);
+    for (kwSize k = n; k-- > 1;) std::swap(oxGetPr(p)[k], oxGetPr(p)[random.below(k + 1)]);
+    std::vector<kwSize> order(oxGetPr(p), oxGetPr(p) + n), stride(n, 1); // one-based
     for (kwSize k = 1; k < n; ++k) stride[k] = stride[k - 1] * dims[k - 1];
-    oxArray *p = oxCreateDoubleMatrix(1, n, oxREAL);
-    std::transform(order.begin(), order.end(), oxGetPr(p),
-                   [](kwSize k) { return static_cast<double>(k + 1); });
     oxArray *a = oxCreateNumericArray(n, dims.data(), id, complexity);
     const kwSize w = oxGetElementSize(a), count = a->get_number_of_elements();
     for (auto *block : {data<char>(a), imag<char>(a)})
@@ -39,12 +35,15 @@ void check_order(Random &random, const Dims &dims, oxClassID id, oxComplexity co
     const oxArray *b = permute(a, p);
     ASSERT_FALSE(check_array(b));
     for (kwSize k = 0; k < n; ++k)
-        ASSERT_EQ(k < b->ndims ? b->get_dimensions()[k] : 1, dims[order[k]]);
+        ASSERT_EQ(k < b->ndims ? b->get_dimensions()[k] : 1, dims[order[k] - 1]);
     ASSERT_TRUE(b->ndims == 2 || b->get_dimensions()[b->ndims - 1] != 1 ||
                 std::is_sorted(order.begin(), order.end()));
     for (kwSize i = 0; i < count; ++i) {
         kwSize at = 0, rest = i;
-        for (kwSize k : order) at += rest % dims[k] * stride[k] * w, rest /= dims[k];
+        for (kwSize k : order) {
+            at += rest % dims[k - 1] * stride[k - 1] * w;
+            rest /= dims[k - 1];
+        }
         ASSERT_EQ(std::memcmp(data<char>(b) + i * w, data<char>(a) + at, w), 0) << i;
         ASSERT_TRUE(!oxIsComplex(a) ||
                     std::memcmp(imag<char>(b) + i * w, imag<char>(a) + at, w) == 0);

@@ -33,8 +33,7 @@ protected:
         return d;
     }
     Naive value(int cls, const Dims &d) {
-        Naive n{cls, d, {}, {}};
-        if (cls == oxSTRUCT_CLASS) n.fields = {"a", "b", "c"};
+        Naive n{cls, d, {}};
         const bool numeric = cls >= oxDOUBLE_CLASS, complex = numeric && r.chance(0.2);
         const kwSize most = cls == oxLOGICAL_CLASS ? 1 : 100;
         const double fill = r.chance(0.5) ? 1 : r.unit();
@@ -49,7 +48,7 @@ protected:
     }
 
     oxArray *numbers(int cls, const Dims &d, const std::vector<double> &x) {
-        Naive n{cls, d, {}, {}};
+        Naive n{cls, d, {}};
         for (double v : x) n.elements.push_back({v, 0});
         return n.make();
     }
@@ -67,10 +66,8 @@ protected:
         for (kwSize k = 0; k < n; ++k) x.push_back(position(extent, beyond));
         const bool odd = n > 0 && r.chance(0.03);
         if (odd) x[r.below(n)] = r.pick(bad_positions);
-        Dims d{1, n};
-        if (r.chance(0.3)) d = {n, 1};
-        if (n == 4 && r.chance(0.5)) d = {2, 2};
-        if (n == 4 && r.chance(0.2)) d = {2, 1, 2};
+        Dims d = r.chance(0.3) ? Dims{n, 1} : Dims{1, n};
+        if (n == 4 && r.chance(0.6)) d = r.chance(0.6) ? Dims{2, 2} : Dims{2, 1, 2};
         if (n == 0 && r.chance(0.5)) d = {0, 0};
         const int cls = extent > 100 || odd || r.chance(0.6) ? 6 : r.pick(number_classes);
         return numbers(cls == oxLOGICAL_CLASS ? 6 : cls, d, x);
@@ -123,13 +120,6 @@ protected:
         return d;
     }
 
-    std::string describe_all(const Naive &a, const Subs &s) {
-        std::string t = a.text();
-        for (const oxArray *x : s)
-            t += (x->has_flag(oxFLAG_COLON) ? "\n  range " : "\n  sub ") + Naive::read(x).text();
-        return t;
-    }
-
     // Now and then the array in sparse storage, where the kernels for it must do the same.
     oxArray *make(const Naive &a) {
         const bool can =
@@ -140,7 +130,10 @@ protected:
     // makes of the value before.
     void compare(const Naive &before, const Subs &s, const std::function<void(Naive &)> &model,
                  const oxArray *a, const std::function<const oxArray *()> &call) {
-        SCOPED_TRACE(describe_all(before, s));
+        std::string trace = before.text();
+        for (const oxArray *x : s) // ranges as such
+            trace += (x->has_flag(oxFLAG_COLON) ? "\n  range " : "\n  ") + Naive::read(x).text();
+        SCOPED_TRACE(trace);
         Naive want = before;
         try {
             model(want);

@@ -2,7 +2,6 @@
 #include <support/calls.h>
 
 #include <cmath>
-#include <cstring>
 
 namespace {
 
@@ -67,13 +66,8 @@ TEST_F(Subscripts, ColonObjectsOfFractionsWarnAndAreCut) {
 
 TEST_F(Subscripts, DetailedErrorsListTheSubscripts) {
     // clang-format off
-    const struct {
-        std::vector<kwSize> dims;
-        const char *colons;
-        std::vector<double> values;
-        int offset;
-        const char *text; // behind "Attempted to access "
-    } rows[] = {
+    // dimensions, which are colons, positions, offset, and the text behind "Attempted to access "
+    const std::tuple<Dims, const char *, std::vector<double>, int, const char *> rows[] = {
         {{}, " ", {1.5}, 0, "A(1.5); index must be a positive integer or logical."},
         {{2, 3}, "  : ", {1, NAN, 0, -INFINITY}, 0, "A(1,NaN,:,-Inf); index must be a positive integer or logical."},
         {{}, " ", {2147483648.0}, 0, "A(2.14748e+09); index must be a positive integer or logical."},
@@ -83,18 +77,18 @@ TEST_F(Subscripts, DetailedErrorsListTheSubscripts) {
         {{2, 3}, "  ", {2, 1}, 0, "A(2,1); index out of bounds because size(A)=[2,3]."}, // one too far
     };
     // clang-format on
-    const auto call = [](const char *name, const auto &d) {
-        oxHandleSubscriptError(name, static_cast<int>(d.dims.size()), d.dims.data(), d.colons,
-                               d.values.data(), d.offset);
-    };
-    for (const auto &d : rows) {
-        EXPECT_RAISES(bad, (std::string("Attempted to access ") + d.text).c_str(), call("A", d));
-        const bool outside = std::strstr(d.text, "because");
-        EXPECT_RAISES(bad, outside ? outside_text : not_positive, call(nullptr, d));
-    }
-    const kwSize dims[] = {2, 3};
+    for (const auto &[dims, colons, values, offset, text] : rows)
+        for (const char *name : {"A", static_cast<const char *>(nullptr)}) {
+            const std::string full = std::string("Attempted to access ") + text;
+            const bool outside = full.find("because") != full.npos;
+            const char *message = name ? full.c_str() : outside ? outside_text : not_positive;
+            EXPECT_RAISES(bad, message,
+                          oxHandleSubscriptError(name, static_cast<int>(dims.size()), dims.data(),
+                                                 colons, values.data(), offset));
+        }
     const double last[] = {2, 3};
-    for (const char *colons : {"  ", "::"}) oxHandleSubscriptError("A", 2, dims, colons, last, 1);
+    for (const char *colons : {"  ", "::"}) // no error
+        oxHandleSubscriptError("A", 2, Dims{2, 3}.data(), colons, last, 1);
 }
 
 TEST_F(Subscripts, ShortErrors) {

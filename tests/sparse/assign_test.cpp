@@ -2,6 +2,8 @@
 #include <sparse/assign.h>
 #include <sparse/growth.h>
 
+#include <support/calls.h>
+
 #include "random_sparse.h"
 
 namespace {
@@ -45,21 +47,44 @@ TEST_F(SparseAssign, ManyColumnsAtOnceEqualOneByOne) {
     }
 }
 
-TEST_F(SparseAssign, StatusesAndWhatStaysAssigned) {
-    oxArray *a = arr("sparse double 3x2: (0,0)=1"), *seven = oxCreateDoubleScalar(7);
-    oxSetArrayScope(seven, 0); // no temporary, so that it is not consumed
-    const auto assign = [&](const char *cols, oxArray *b) { return spAss4(a, b, arr(cols)); };
-    for (const char *zero : {"0", "-1"}) EXPECT_EQ(assign(zero, seven), spZeroIndex);
-    for (const char *bad : {"1.5", "NaN"}) EXPECT_EQ(assign(bad, seven), spBadIndex);
-    EXPECT_EQ(assign("double 1x1: 1", arr("double 2x1: 1; 2")), spDimMismatch);
-    EXPECT_EQ(assign("double 1x1: 1", arr("double 2x2x2: 1 2; 3 4 | 5 6; 7 8")), spDimMismatch);
-    EXPECT_EQ(text(a), text(arr("sparse double 3x2: (0,0)=1")));
-    // The columns before a bad index stay, and the array stays wide.
-    EXPECT_EQ(assign("double 1x3: 4 0 1", seven), spZeroIndex);
+TEST_F(SparseAssign, StatusesAndResults) {
+    const std::string a = "sparse double 3x2: (0,0)=1", filled = "(0,0)=1 (0,3)=1 (1,3)=1 (2,3)=1",
+                      zero = std::to_string(spZeroIndex), bad = std::to_string(spBadIndex),
+                      sides = std::to_string(spDimMismatch);
+    // Target, source and subscripts; the target is left, or a status. Success consumes a temporary.
+    using Assign = std::function<spStatus(const Arrays &in, oxArray *b)>;
+    const auto rows = [](const Assign &assign, const std::vector<Row> &all) {
+        const auto call = [&](const Arrays &in) {
+            oxArray *b = arr(text(in[1])); // shares nothing
+            const spStatus status = assign(in, b);
+            if (status == spOK) return in[0];
+            oxDestroyArray(b);
+            return oxCreateDoubleScalar(status);
+        };
+        expect_rows(call, all);
+    };
+    rows([](auto &in, auto *b) { return spAss3(in[0], b, in[2], in[3]); },
+         {{{a, "1+1i", "4", "1 2"}, "sparse double 4x2: (0,0)=1+0i (3,0)=1+1i (3,1)=1+1i"}});
+    rows([](auto &in, auto *b) { return spAss5(in[0], b, in[2]); },
+         {{{a, "1+1i", "4"}, "sparse double 4x2: (0,0)=1+0i (3,0)=1+1i (3,1)=1+1i"}});
+    rows([](auto &in, auto *b) { return spAss6(in[0], b, in[2]); },
+         {{{a, "1+1i", "4"}, "sparse double 3x2: (0,0)=1+0i (0,1)=1+1i"}});
+    rows([](auto &in, auto *b) { return spAss4(in[0], b, in[2]); },
+         {{{a, "1", "4"}, "sparse double 3x4: " + filled},
+          {{a, "7", "0"}, zero},
+          {{a, "7", "-1"}, zero},
+          {{a, "7", "1.5"}, bad},
+          {{a, "7", "NaN"}, bad},
+          {{a, "1; 2", "1"}, sides},
+          {{a, "double 2x2x2: 1 2; 3 4 | 5 6; 7 8", "1"}, sides},
+          {{"1 0; 0 2", "0; 3", "1"}, "sparse double 2x2: (1,0)=3 (1,1)=2"},
+          {{"sparse double 1x2: (0,0)=1+2i (0,1)=3+0i", "0", "1"}, "sparse double 1x2: (0,1)=3"}});
+}
+
+TEST_F(SparseAssign, TheColumnsBeforeABadIndexStay) {
+    oxArray *a = arr("sparse double 3x2: (0,0)=1");
+    EXPECT_EQ(spAss4(a, arr("7"), arr("4 0 1")), spZeroIndex);
     EXPECT_EQ(text(a), text(arr("sparse double 3x4: (0,0)=1 (0,3)=7 (1,3)=7 (2,3)=7")));
-    EXPECT_EQ(assign("double 1x1: 4", oxCreateDoubleScalar(0)), spOK);
-    EXPECT_EQ(oxGetNumNonZeroEl(a), 1u);
-    oxDestroyArray(seven);
 }
 
 // An array that has room for something grows by the rule; one without gets what is assigned.
@@ -76,45 +101,10 @@ TEST_F(SparseAssign, CapacitiesThatCannotBe) {
     oxDestroyArray(seven);
 }
 
-TEST_F(SparseAssign, TargetsAndSourcesOfOtherKinds) {
-    const char *const rows[][4] = {
-        {"1 0; 0 2", "1", "0; 3", "sparse double 2x2: (1,0)=3 (1,1)=2"},
-        {"sparse double 3x1", "1", "1 0 2", "sparse double 3x1: (0,0)=1 (2,0)=2"},
-        {"sparse logical 2x1", "char 1x1: ':'", "3", "sparse logical 2x1: (0,0)=1 (1,0)=1"},
-        {"sparse double 1x2: (0,0)=1+2i (0,1)=3+0i", "1", "0", "sparse double 1x2: (0,1)=3"},
-    };
-    for (const auto &[target, columns, source, expected] : rows) {
-        oxArray *a = arr(target);
-        ASSERT_EQ(spAss4(a, arr(source), arr(columns)), spOK) << target;
-        EXPECT_TRUE(oxAreMatricesEqual(a, arr(expected))) << text(a) << " is not " << expected;
-    }
-}
-
-TEST_F(SparseAssign, FailingAllocations) {
-    using Assign = spStatus (*)(const Arrays &in, oxArray *b);
-    const auto fails = [](Assign assign, bool deletes = false) {
-        const auto act = [=](const Arrays &in) {
-            if (deletes) return assign(in, nullptr) == spOK;
-            oxArray *b = oxCreateDoubleMatrix(1, 1, oxCOMPLEX); // a temporary: success consumes it
-            *oxGetPr(b) = *oxGetPi(b) = 1;
-            return assign(in, b) == spOK;
-        };
-        const std::vector<std::string> inputs = {"sparse double 3x2: (0,0)=1", "4", "1 2",
-                                                 "double 3x1: 1; 0; 2"};
-        sweep({.name = "assignment",
-               .inputs = inputs,
-               .act = act,
-               .bare = false,
-               .changes_inputs = true});
-    };
-    fails([](auto &in, auto *b) { return spAss3(in[0], b, in[1], in[2]); });
-    fails([](auto &in, auto *b) { return spAss4(in[3], b, in[1]); }); // a full target
-    fails([](auto &in, auto *b) { return spAss4(in[0], b, in[1]); });
-    fails([](auto &in, auto *b) { return spAss5(in[0], b, in[1]); });
-    fails([](auto &in, auto *b) { return spAss6(in[0], b, in[1]); });
-    fails([](auto &in, auto *b) { return spAss4(in[0], b, in[2]); }, true);
-    fails([](auto &in, auto *b) { return spAss5(in[0], b, in[2]); }, true);
-    fails([](auto &in, auto *b) { return spAss6(in[0], b, in[2]); }, true);
+TEST_F(SparseAssign, FailingAllocationsOfDeletions) {
+    for (auto *assign : {spAss4, spAss5, spAss6})
+        sweep_changes({{"sparse double 3x2: (0,0)=1", "1 2"}},
+                      [=](auto &in) { assign(in[0], nullptr, in[1]); });
 }
 
 } // namespace

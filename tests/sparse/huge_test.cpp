@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <numeric>
 
 #if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
 #include <sys/resource.h>
@@ -31,19 +32,16 @@ std::shared_ptr<void> memory_limit([[maybe_unused]] kwSize bytes) {
 
 constexpr kwSize m = 1000000000000, n = 1000000, nnz = 1000; // m * n is beyond 2^48
 
-// Elements 1, 2, ... at random places in storage order.
+// Elements 1, 2, ... at random places, at most one in a column.
 oxArray *scattered(kwSize tall, kwSize wide) {
     Random random{31};
     oxArray *a = oxCreateSparse(tall, wide, nnz, oxREAL);
-    std::vector<std::pair<kwIndex, kwIndex>> places(nnz); // column, row
-    for (auto &[j, i] : places) j = random.below(wide), i = random.below(tall);
-    std::sort(places.begin(), places.end());
     for (kwSize k = 0; k < nnz; ++k) {
-        oxGetIr(a)[k] = places[k].second;
+        oxGetIr(a)[k] = random.below(tall);
         oxGetPr(a)[k] = static_cast<double>(k + 1);
-        ++oxGetJc(a)[places[k].first + 1];
+        ++oxGetJc(a)[k * (wide / nnz) + random.below(wide / nnz) + 1];
     }
-    for (kwSize j = 0; j < wide; ++j) oxGetJc(a)[j + 1] += oxGetJc(a)[j];
+    std::partial_sum(oxGetJc(a), oxGetJc(a) + wide + 1, oxGetJc(a));
     return a;
 }
 double element(const oxArray *a, kwIndex i, kwIndex j) {

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <optional>
+#include <utility>
 
 namespace ox::test {
 
@@ -35,23 +37,28 @@ bool is_colon(const oxArray *s) {
 }
 bool is_colon_object(const oxArray *s) { return s->has_flag(oxFLAG_COLON); }
 
+Positions up_to(kwSize n) {
+    Positions p(n);
+    std::iota(p.begin(), p.end(), kwSize{1});
+    return p;
+}
+
 Positions read_positions(const oxArray *s, kwSize extent) {
+    if (is_colon(s)) return up_to(extent);
     Positions p;
-    if (is_colon(s) || is_colon_object(s)) {
-        double v[3] = {1, 1, static_cast<double>(extent)}; // first, step, last
-        if (is_colon_object(s)) oxGetColonObjValues(s, v);
+    if (is_colon_object(s)) {
+        double v[3]; // first, step, last
+        oxGetColonObjValues(s, v);
         for (double x = v[0]; v[1] > 0 ? x <= v[2] : x >= v[2]; x += v[1]) p.push_back(position(x));
         return p;
     }
     const kwSize n = oxGetNumberOfElements(s);
     const double *values = n ? oxGetPr(oxMustBeFullDouble(const_cast<oxArray *>(s))) : nullptr;
-    for (kwSize k = 0; k < n; ++k) {
-        if (oxIsLogical(s)) {
-            if (values[k] != 0) p.push_back(k + 1);
-            continue;
-        }
-        p.push_back(position(oxIsComplex(s) ? 0 : values[k]));
-    }
+    for (kwSize k = 0; k < n; ++k)
+        if (!oxIsLogical(s))
+            p.push_back(position(oxIsComplex(s) ? 0 : values[k]));
+        else if (values[k] != 0)
+            p.push_back(k + 1);
     return p;
 }
 
@@ -84,36 +91,18 @@ Dims linear_shape(const Dims &a, const oxArray *s, kwSize n) {
     return like_a ? *like_a : like_i.value_or(Dims{n, 1});
 }
 
-// The k-th of all combinations of zero-based subscripts below the counts, the first one fastest.
-Dims combination(kwSize k, const Dims &counts) {
-    Dims subs;
-    for (kwSize n : counts) {
-        subs.push_back(k % n);
-        k /= n;
-    }
-    return subs;
-}
-kwSize offset(const Dims &subs, const Dims &extents) {
-    kwSize at = 0;
-    for (kwSize k = subs.size(); k-- > 0;) at = at * dim(extents, k) + subs[k];
-    return at;
-}
-
 Dims counts(const std::vector<Positions> &p) {
     Dims c;
     for (const Positions &x : p) c.push_back(x.size());
     return c;
 }
 
-// The offsets of all that is selected.
+// The offsets of all that is selected, the first subscript fastest.
 Dims offsets(const std::vector<Positions> &p, const Dims &extents) {
-    Dims all;
-    const Dims c = counts(p);
-    for (kwSize i = 0; i < element_count(c); ++i) {
-        Dims subs = combination(i, c);
-        for (kwSize k = 0; k < p.size(); ++k) subs[k] = p[k][subs[k]] - 1;
-        all.push_back(offset(subs, extents));
-    }
+    Dims all{0};
+    for (kwSize k = p.size(); k-- > 0;)
+        for (const Dims outer = std::exchange(all, {}); kwSize at : outer)
+            for (kwSize x : p[k]) all.push_back(at * dim(extents, k) + x - 1);
     return all;
 }
 
@@ -128,8 +117,10 @@ kwSize largest(const Positions &p) { return p.empty() ? 0 : *std::max_element(p.
 // The elements of a in an array of other dimensions, by subscript.
 void regrow(Naive &a, const Dims &dims, const Naive::Element &fill) {
     std::vector<Naive::Element> grown(element_count(dims), fill);
-    for (kwSize i = 0; i < a.elements.size(); ++i)
-        grown[offset(combination(i, a.dims), dims)] = a.elements[i];
+    std::vector<Positions> all;
+    for (kwSize d : a.dims) all.push_back(up_to(d));
+    const Dims to = offsets(all, dims);
+    for (kwSize i = 0; i < to.size(); ++i) grown[to[i]] = a.elements[i];
     a.dims = dims;
     a.elements = std::move(grown);
 }
@@ -177,25 +168,21 @@ Dims dims_from_nothing(const std::vector<const oxArray *> &subs, const std::vect
 Dims grown(const Dims &d, const std::vector<Positions> &p) {
     const kwSize n = p.size();
     const Dims extents = naive_extents(d, n);
-    Dims g = d;
+    Dims g = d, needed = extents;
+    for (kwSize k = 0; k < n; ++k) needed[k] = std::max(extents[k], largest(p[k]));
+    if (needed == extents) return d; // only growth drops trailing ones
     g.resize(std::max(n, d.size()), 1);
-    bool grows = false;
-    for (kwSize k = 0; k < n; ++k) {
-        const kwSize l = largest(p[k]);
-        if (l <= extents[k]) continue;
-        grows = true;
-        if (k + 1 < n || n >= d.size())
-            g[k] = l;
-        else if (d.size() != 2)
+    std::copy_n(needed.begin(), n < d.size() ? n - 1 : n, g.begin());
+    const kwSize l = needed.back();
+    if (n < d.size() && l > extents.back()) {
+        if (d.size() != 2)
             fail("VELTRO:indexed_matrix_cannot_be_resized",
                  "Attempt to grow array along ambiguous dimension.");
-        else if (d[1] == 1 && d[0] != 1)
-            g = {l, 1};
-        else
-            g = d[0] <= 1 || d[1] == 0 ? Dims{1, l} : Dims{d[0], (l + d[0] - 1) / d[0]};
+        const bool row = d[0] <= 1 || d[1] == 0, column = d[1] == 1 && d[0] != 1;
+        g = column ? Dims{l, 1} : row ? Dims{1, l} : Dims{d[0], (l + d[0] - 1) / d[0]};
     }
     trim(g);
-    return grows ? g : d; // only growth drops trailing ones
+    return g;
 }
 
 void check_conversion(const Naive &rhs, int to) {
@@ -218,10 +205,8 @@ Naive::Element converted(Naive::Element e, int to) {
 
 Naive Naive::read(const oxArray *a) {
     if (is_colon_object(a)) return read(oxExpandColonObj(oxCreateDeepCopy(a)));
-    Naive n{static_cast<int>(oxGetClassID(a)), dims_of(a), {}, {}};
+    Naive n{static_cast<int>(oxGetClassID(a)), dims_of(a), {}};
     const bool numeric = is_numeric_class(n.cls);
-    const int nf = oxIsStruct(a) ? oxGetNumberOfFields(a) : 0;
-    for (int f = 0; f < nf; ++f) n.fields.emplace_back(oxGetFieldNameByNumber(a, f));
     const oxArray *x = numeric ? oxMustBeFullDouble(const_cast<oxArray *>(a)) : nullptr;
     const double *pr = numeric ? oxGetPr(x) : nullptr, *pi = numeric ? oxGetPi(x) : nullptr;
     for (kwSize k = 0; k < n.numel(); ++k) {
@@ -246,12 +231,9 @@ oxArray *Naive::make() const {
         }
         return oxMustBe(a, static_cast<oxClassID>(cls));
     }
-    std::vector<const char *> names;
-    for (const std::string &f : fields) names.push_back(f.c_str());
-    oxArray *a =
-        cls == oxCELL_CLASS
-            ? oxCreateCellArray(nd, dims.data())
-            : oxCreateStructArray(nd, dims.data(), static_cast<int>(fields.size()), names.data());
+    const char *names[struct_fields] = {"a", "b", "c"};
+    oxArray *a = cls == oxCELL_CLASS ? oxCreateCellArray(nd, dims.data())
+                                     : oxCreateStructArray(nd, dims.data(), struct_fields, names);
     for (kwSize k = 0; k < elements.size(); ++k)
         for (kwSize p = 0; p < elements[k].size(); ++p)
             if (elements[k][p] != -1) // cells have one value each
@@ -267,7 +249,7 @@ bool Naive::complex() const {
 
 Naive::Element Naive::zero() const {
     if (is_numeric_class(cls)) return {0, 0};
-    return Element(cls == oxCELL_CLASS ? 1 : fields.size(), -1);
+    return Element(cls == oxCELL_CLASS ? 1 : struct_fields, -1);
 }
 
 Dims naive_extents(const Dims &d, kwSize nsubs) {
@@ -292,7 +274,7 @@ Naive naive_reference(const Naive &a, const std::vector<const oxArray *> &subs) 
         if (largest(p[k]) > extents[k])
             fail("VELTRO:badsubscript", "Index exceeds matrix dimensions.");
     }
-    Naive b{a.cls, counts(p), selected(a, p), a.fields};
+    Naive b{a.cls, counts(p), selected(a, p)};
     if (subs.size() == 1) b.dims = linear_shape(a.dims, subs[0], p[0].size());
     trim(b.dims);
     return b;
@@ -340,11 +322,9 @@ void naive_delete(Naive &a, const std::vector<const oxArray *> &subs) {
     const Positions gone = read_positions(subs[at], extents[at]);
     if (largest(gone) > extents[at]) fail_entry(FSUBSDELDIMMISMATCH);
     if (gone.empty() && !all) return;
-    std::vector<Positions> kept(n);
-    for (kwSize k = 0; k < n; ++k)
-        for (kwSize x = 1; x <= extents[k]; ++x)
-            if (k != at || std::find(gone.begin(), gone.end(), x) == gone.end())
-                kept[k].push_back(x);
+    std::vector<Positions> kept;
+    for (kwSize extent : extents) kept.push_back(up_to(extent));
+    for (kwSize x : gone) std::erase(kept[at], x);
     const kwSize left = kept[at].size();
     a.elements = selected(a, kept);
     a.dims = n > 1 ? extents

@@ -14,14 +14,15 @@ struct NaiveError {
 };
 
 // An array as plain values. An element of a number is {real, imaginary}, of a cell {value of the
-// scalar in the slot, or -1 for an empty slot}, of a struct one such value per field.
+// scalar in the slot, or -1 for an empty slot}, of a struct one such value for each of three
+// fields.
 struct Naive {
     using Element = std::vector<double>;
+    static constexpr int struct_fields = 3;
 
     int cls = 0;
     std::vector<kwSize> dims;
     std::vector<Element> elements;
-    std::vector<std::string> fields;
 
     static Naive read(const oxArray *a); // expands colon objects, fills sparse arrays
     oxArray *make() const;               // with the library's creators
