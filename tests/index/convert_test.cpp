@@ -173,6 +173,7 @@ TEST_F(Convert, WhatMustBe) {
                 {.bare = false, .other_raise = true});
     expect_rows([](auto &in) { return oxMustBeFullDouble(in[0]); },
                 {{{"sparse logical 1x2: (0,1)=1"}, "0 1"},
+                 {{"sparse double 2x2: (0,0)=0 (1,0)=3 (1,1)=2+1i"}, "0 0; 3 2+1i"},
                  {{"char 1x1: 'a'"}, "97"},
                  {{"cell 1x1: {1}"}, "!invalidConversion"},
                  {{"struct 1x1 a: {1}"}, "!invalidConversion"},
@@ -182,7 +183,8 @@ TEST_F(Convert, WhatMustBe) {
                 {{{"int8 1x2: 1 2"}, "int8 1x2: 1+0i 2+0i"}, {{"logical 1x2: 1 0"}, "1+0i 0+0i"}},
                 {.bare = false, .other_raise = true});
     expect_rows([](auto &in) { return oxMustBeSparse(in[0]); },
-                {{{"int8 1x1: 1"}, unsparse},
+                {{{"0 0; 3 2+1i"}, "sparse double 2x2: (1,0)=3+0i (1,1)=2+1i"},
+                 {{"int8 1x1: 1"}, unsparse},
                  {{"double 1x1x2: 1 | 2"}, unsparse},
                  {{"cell 1x1: {1}"}, unsparse}});
 }

@@ -81,6 +81,12 @@ TEST_F(SparseAssign, StatusesAndResults) {
           {{"sparse double 1x2: (0,0)=1+2i (0,1)=3+0i", "0", "1"}, "sparse double 1x2: (0,1)=3"}});
 }
 
+TEST_F(SparseAssign, TheSourceMayBeTheTarget) {
+    oxArray *a = arr("sparse double 2x2: (0,0)=1 (1,0)=2");
+    ASSERT_EQ(spAss4(a, a, arr("2 1")), spOK);
+    EXPECT_EQ(text(a), text(arr("sparse double 2x2: (0,1)=1 (1,1)=2")));
+}
+
 TEST_F(SparseAssign, TheColumnsBeforeABadIndexStay) {
     oxArray *a = arr("sparse double 3x2: (0,0)=1");
     EXPECT_EQ(spAss4(a, arr("7"), arr("4 0 1")), spZeroIndex);
