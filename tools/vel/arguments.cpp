@@ -70,6 +70,12 @@ void add_place_options(CLI::App &word, std::string &file, std::string &path) {
     word.add_option("path", path, "a variable, or what is inside: s.a{3}, t(2).b");
 }
 
+const CLI::Validator not_negative(
+    [](const std::string &text) {
+        return text.starts_with('-') ? "expected 0 or more, found " + text : std::string();
+    },
+    "");
+
 void add_force_option(CLI::App &word, bool &force) {
     word.add_flag("--force", force, "read sparse files of 2^26 columns and more");
 }
@@ -88,8 +94,8 @@ const oxArray *parse_argument(const std::string &word, const ReadOptions &option
     if (!is_readable_kind(word)) return read_csv(*open_source(word), word, ','); // taken for tables
     const std::unique_ptr<Input> in = open_input(word, options);
     if (in->names().size() != 1)
-        throw Failure(Exit::data, word + ": one array is needed, the file holds " +
-                                      std::to_string(in->names().size()));
+        throw Failure(Exit::data, word + ": expected one array, found " + listed(in->names()) +
+                                      "; vel convert makes a VEL file of them");
     return in->load(0);
 }
 

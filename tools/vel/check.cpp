@@ -96,8 +96,10 @@ std::function<int()> declare_check(CLI::App &word) {
     auto options = std::make_shared<CheckOptions>();
     word.add_option("file", options->files, "VEL files")->required();
     word.add_flag("--all", options->all, "go on with the next variable after a fault");
-    word.add_option("--max-bytes", options->limits.bytes, "refuse larger variables");
-    word.add_option("--max-depth", options->limits.depth, "refuse deeper nesting");
+    word.add_option("--max-bytes", options->limits.bytes, "refuse larger variables")
+        ->check(not_negative);
+    word.add_option("--max-depth", options->limits.depth, "refuse deeper nesting")
+        ->check(not_negative);
     word.add_flag("--json", options->json, "print JSON");
     return [options] { return run(*options); };
 }

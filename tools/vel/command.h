@@ -36,5 +36,6 @@ struct Form;
 void add_form_options(CLI::App &word, Form &form, bool &compress);
 void add_place_options(CLI::App &word, std::string &file, std::string &path);
 void add_force_option(CLI::App &word, bool &force);
+extern const CLI::Validator not_negative; // unsigned options would take -1 for the largest number
 
 } // namespace vel

@@ -67,7 +67,7 @@ std::function<int()> declare_diff(CLI::App &word) {
     word.add_option("b", options->b, "the same")->required();
     word.add_flag("--nan-equal", options->tolerance.nan_equal, "a NaN equals a NaN");
     word.add_option("--tol", options->tolerance.absolute, "let numbers differ by this much")
-        ->check(CLI::NonNegativeNumber);
+        ->check(not_negative);
     word.add_flag("--json", options->json, "print JSON");
     return [options] { return run(*options); };
 }

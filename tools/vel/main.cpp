@@ -4,6 +4,7 @@
 #include "help.h"
 #include "manual.h"
 #include "progress.h"
+#include "text.h"
 
 #include <iostream>
 #include <ut.hpp>
@@ -14,7 +15,7 @@ int status(vel::Exit e) { return static_cast<int>(e); }
 
 int fail(vel::Exit e, const std::string &sentence) {
     vel::end_progress();
-    std::cerr << "vel: " << sentence << '\n';
+    std::cerr << "vel: " << vel::printable(sentence) << '\n'; // it may quote a file
     return status(e);
 }
 

@@ -89,6 +89,8 @@ Plot plot_of(const std::string &label, const oxArray *a) {
 }
 
 int run(const PlotOptions &options) {
+    if (!options.out.empty() && !options.out.ends_with(".png"))
+        throw Failure(Exit::usage, options.out + ": expected a name that ends with .png");
     Host host;
     const Context context;
     std::string file, place;
@@ -125,7 +127,8 @@ std::function<int()> declare_plot(CLI::App &word) {
     auto options = std::make_shared<PlotOptions>();
     add_place_options(word, options->file, options->path);
     word.add_option("-o,--out", options->out, "write a PNG file instead");
-    word.add_option("--width", options->columns, "characters in a line, when not the terminal's");
+    word.add_option("--width", options->columns, "characters in a line, when not the terminal's")
+        ->check(not_negative);
     add_color_option(word, options->color);
     add_force_option(word, options->force);
     word.add_flag("--json", options->json, "print what would be drawn as JSON");

@@ -23,7 +23,7 @@ int run(const SaveOptions &options) {
     VelWriter writer(options.out, options.form, options.compress);
     for (const std::string &a : options.assignments) {
         const size_t at = a.find('=');
-        if (at == std::string::npos)
+        if (at == std::string::npos || at + 1 == a.size())
             throw Failure(Exit::usage, "'" + a + "' is not of the form NAME=ARG");
         const std::string name = a.substr(0, at);
         check_name(name);

@@ -74,7 +74,8 @@ void print_stats(const std::string &label, const oxArray *a) {
 }
 
 void show(const std::string &label, const oxArray *a, const ShowOptions &options, Json &json) {
-    const oxArray *part = a ? cut_out(label, a, options) : nullptr;
+    const std::string where = options.file + (options.path.empty() ? "" : ": " + options.path);
+    const oxArray *part = a ? cut_out(where, a, options) : nullptr;
     end_progress();
     if (options.json)
         json[label] = options.stats && part && has_elements(part) ? json_stats(stats_of(part))
@@ -122,7 +123,7 @@ std::function<int()> declare_show(CLI::App &word) {
     add_place_options(word, options->file, options->path);
     word.add_option("--rows", options->rows, "rows a:b");
     word.add_option("--cols", options->columns, "columns a:b");
-    word.add_option("--head", options->head, "the first rows");
+    word.add_option("--head", options->head, "the first rows")->check(not_negative);
     word.add_flag("--stats", options->stats,
                   "minimum, mean, maximum, and counts of special values");
     CLI::Option *hex =

@@ -57,4 +57,10 @@ std::string printable(std::string text) {
 
 std::string text_of(const oxArray *a) { return text_of(a, 0, oxGetNumberOfElements(a), 1); }
 
+std::string listed(const std::vector<std::string> &names) {
+    std::string text;
+    for (const std::string &name : names) text += (text.empty() ? "" : ", ") + name;
+    return text.empty() ? "none" : text;
+}
+
 } // namespace vel

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vel {
 
@@ -17,5 +18,8 @@ std::string text_of(const oxArray *a, size_t first, size_t count, size_t step);
 
 // Without control characters, which a hostile file could steer a terminal with.
 std::string printable(std::string text);
+
+// For sentences: "a, b", or "none".
+std::string listed(const std::vector<std::string> &names);
 
 } // namespace vel

@@ -2,6 +2,7 @@
 #include "vel_file.h"
 
 #include "paths.h"
+#include "text.h"
 
 #include <algorithm>
 
@@ -73,15 +74,15 @@ oxArray *VelReader::read(const Variable &v) {
 
 const Variable &VelReader::find(const std::string &name) const {
     if (name.empty() && variables_.size() == 1) return variables_[0];
-    std::string names;
+    std::vector<std::string> names;
     for (const Variable &v : variables_) {
         if (v.path == name) return v;
-        names += (names.empty() ? "" : ", ") + v.path;
+        names.push_back(v.path);
     }
     throw Failure(Exit::data, path_ +
                                   (name.empty() ? ": a variable must be named"
                                                 : ": there is no variable '" + name + "'") +
-                                  "; the file holds " + (names.empty() ? "none" : names));
+                                  "; the file holds " + listed(names));
 }
 
 const oxArray *read_place(const std::string &file, const std::string &place) {
