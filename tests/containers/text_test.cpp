@@ -65,15 +65,18 @@ TEST_F(TextTest, Utf16ReadersAreBoundedByTheArrayAndAnswerOneWhenTheTextFits) {
     const oxArray *a = chars(u"hello");
     for (const auto &[buflen, read, fits] : {std::tuple{kwSize{0}, std::u16string(7, u'#'), 0},
                                              {1, {u"\0######", 7}, 0},
+                                             {2, {u"h\0llo##", 7}, 0},
                                              {5, {u"hell\0##", 7}, 0},
                                              {6, {u"hello\0#", 7}, 1}}) {
         std::u16string got(7, u'#');
         EXPECT_EQ(oxGetString_UTF16(a, got.data(), buflen), fits) << buflen;
         EXPECT_EQ(got, read) << buflen;
     }
-    std::u16string got(7, u'#');
-    oxGetNChars_UTF16(a, got.data(), 5); // room for the text, none for a NUL
-    EXPECT_EQ(got, u"hello##");
+    for (const kwSize buflen : {2, 5}) { // at most room for the text, none for a NUL
+        std::u16string got(7, u'#');
+        oxGetNChars_UTF16(a, got.data(), buflen);
+        EXPECT_EQ(got, u"hello##");
+    }
 }
 
 TEST_F(TextTest, TheStringEndsAtTheFirstNul) {

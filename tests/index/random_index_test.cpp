@@ -120,11 +120,19 @@ protected:
         return d;
     }
 
-    // Now and then the array in sparse storage, where the kernels for it must do the same.
+    // Now and then the array in sparse storage, where the kernels for it must do the same; some
+    // zeros of doubles are stored.
     oxArray *make(const Naive &a) {
-        const bool can =
-            (a.cls == oxDOUBLE_CLASS || a.cls == oxLOGICAL_CLASS) && a.dims.size() == 2;
-        return can && r.chance(0.3) ? oxMustBeSparse(a.make()) : a.make();
+        const bool is_double = a.cls == oxDOUBLE_CLASS,
+                   can = (is_double || a.cls == oxLOGICAL_CLASS) && a.dims.size() == 2;
+        if (!can || !r.chance(0.3)) return a.make();
+        constexpr double zero = 200; // which no element is
+        Naive marked = a;
+        for (Naive::Element &e : marked.elements)
+            if (is_double && e[0] == 0 && r.chance(0.2)) e[0] = zero;
+        oxArray *s = oxMustBeSparse(marked.make());
+        if (is_double) std::replace(oxGetPr(s), oxGetPr(s) + oxGetNumNonZeroEl(s), zero, 0.0);
+        return s;
     }
     // Runs both sides: either both fail alike and a is unchanged, or `call` gives what the model
     // makes of the value before.
