@@ -64,7 +64,10 @@ TEST_F(SparseAssign, StatusesAndResults) {
         expect_rows(call, all);
     };
     rows([](auto &in, auto *b) { return spAss3(in[0], b, in[2], in[3]); },
-         {{{a, "1+1i", "4", "1 2"}, "sparse double 4x2: (0,0)=1+0i (3,0)=1+1i (3,1)=1+1i"}});
+         {{{a, "1+1i", "4", "1 2"}, "sparse double 4x2: (0,0)=1+0i (3,0)=1+1i (3,1)=1+1i"},
+          // Deliberate: an empty source grows the array, a scalar for nothing does not.
+          {{a, "double 1x0", "4", "double 1x0"}, "sparse double 4x2: (0,0)=1"},
+          {{a, "7", "4", "double 1x0"}, a}});
     rows([](auto &in, auto *b) { return spAss5(in[0], b, in[2]); },
          {{{a, "1+1i", "4"}, "sparse double 4x2: (0,0)=1+0i (3,0)=1+1i (3,1)=1+1i"}});
     rows([](auto &in, auto *b) { return spAss6(in[0], b, in[2]); },
