@@ -5,6 +5,7 @@
 #include "numbers.h"
 #include "text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <type_traits>
 
@@ -72,6 +73,28 @@ Json contents(const oxArray *a) {
     return list;
 }
 
+std::string one_line(const Json &j) {
+    return j.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+// Lists of numbers and texts take one line, such as the rows of a matrix.
+void append(std::string &out, const Json &j, size_t indent) {
+    const bool flat = j.is_array() && std::none_of(j.begin(), j.end(),
+                                                   [](const Json &x) { return x.is_structured(); });
+    if (flat || !j.is_structured() || j.empty()) {
+        out += one_line(j);
+        return;
+    }
+    char before = j.is_array() ? '[' : '{';
+    for (const auto &[key, part] : j.items()) {
+        out += before + ('\n' + std::string(indent + 2, ' '));
+        if (j.is_object()) out += one_line(key) + ": ";
+        append(out, part, indent + 2);
+        before = ',';
+    }
+    out += '\n' + std::string(indent, ' ') + (j.is_array() ? ']' : '}');
+}
+
 } // namespace
 
 Json json_number(double x) { return value(x); }
@@ -79,7 +102,9 @@ Json json_number(double x) { return value(x); }
 Json json_integer(uint64_t x) { return x > exact ? Json(std::to_string(x)) : Json(x); }
 
 std::string json_text(const Json &j) {
-    return j.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    std::string text;
+    append(text, j, 0);
+    return text + '\n';
 }
 
 Json json_array(const oxArray *a) {

@@ -12,7 +12,8 @@ Json json_integer(uint64_t x);
 // NaN, Inf and -Inf are strings.
 Json json_number(double x);
 
-// The text of a value, whatever bytes are in its strings, and a line end.
+// The text of a value, whatever bytes are in its strings, and a line end; a row of numbers is one
+// line.
 std::string json_text(const Json &j);
 
 // A whole array; null for an empty slot.
