@@ -75,16 +75,6 @@ TEST_F(Assign, TakesTheClassOfWhatIsAssignedWhenItHasNone) {
     EXPECT_EQ(into(sub("double 0x0"), {sub(":")}, "sparse double 1x2: (0,1)=3"), "double 1x2: 0 3");
 }
 
-TEST_F(Assign, OneElementAtATimeAndDeletedByItself) {
-    oxArray *row = sub("double 0x0");
-    for (int k = 1; k <= 300; ++k) {
-        const oxArray *v = oxCreateDoubleScalar(k);
-        assign(row, {v}, v);
-    }
-    EXPECT_EQ(text(row), text(oxColonop(1, 1, 300, oxDOUBLE_CLASS)));
-    EXPECT_EQ(text(erase(row, {row})), "double 1x0");
-}
-
 TEST_F(Assign, ElementsOfContainersAreCounted) {
     oxArray *c = sub("cell 1x3: {1} {2} {3}"), *sharer = oxCreateSharedDataCopy(c),
             *rhs = sub("cell 1x2: {8} {9}"), *kept = oxGetCell(c, 1);
