@@ -88,7 +88,6 @@ TEST_F(Colon, ObjectsExpandInTheirHeader) {
     oxArray *a = oxCreateColonObj(1, 2, 5), *sharer = oxCreateSharedDataCopy(a);
     oxSetUserBits(a, 7);
     EXPECT_TRUE(oxExpandColonObj(a) == a && oxGetUserBits(a) == 7);
-    EXPECT_EQ(text(a), "double 1x3: 1 3 5");
     EXPECT_TRUE(!oxIsSharedArray(sharer) && oxCountColonObj(sharer) == 3);
 }
 
@@ -134,13 +133,9 @@ TEST_F(Colon, ArgumentsGiveClassAndValues) {
 }
 
 TEST_F(Colon, SurvivesFailingAllocations) {
+    expect_rows([](auto &in) { return oxExpandColonObj(in[0]); }, {{{"1:2:9"}, "1 3 5 7 9"}});
     sweep_everywhere({{}}, [](auto &) { return oxColonop(1, 1, 9, oxDOUBLE_CLASS); });
     sweep_everywhere({{}}, [](auto &) { return oxCreateColonObj(1, 1, 9); });
-    sweep({.name = "expand",
-           .act = [](auto &in) { return oxExpandColonObj(in[0]) != nullptr; },
-           .bare = false,
-           .changes_inputs = true,
-           .setup = [] { return Arrays{oxCreateColonObj(1, 1, 9)}; }});
 }
 
 } // namespace

@@ -1,10 +1,12 @@
 // Subscripts as text, and the interpreter's calls with lists of arrays.
 #pragma once
 #include <containers/check_array.h>
+#include <containers/slots.h>
 #include <support/suite.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
 
 namespace ox::test {
 
@@ -55,26 +57,35 @@ inline oxArray *cat(int form, Subs operands) {
 }
 
 // The arguments of a call, and what it gives: the text of an array, or "!identifier message" of
-// what it raises, the identifier without its first word, and without a message any; and the
-// warnings that it shows.
+// what it raises, the identifier without its first word, and without a message any; the warnings
+// that it shows; and whether another array that it gives shares the data of the first one.
 struct Row {
     std::vector<std::string> in;
     std::string out;
     std::vector<Warning> shown = {};
+    bool shares = false;
 };
 
+inline std::vector<const oxArray *> slots_of(const oxArray *a) {
+    if (!a || !is_container(a)) return {};
+    return {a->cell.slots, a->cell.slots + slot_count(a)};
+}
+
 // Runs a call, which makes an array or changes its first one and returns that, for each row: what
-// it gives and shows; that other arrays stay; and the same with failing allocations, for which the
-// options are. The test has no arrays of its own.
+// it gives and shows; that elements of containers are shared and other arrays stay; and the same
+// with failing allocations, for which the options are. The test has no arrays of its own.
 inline void expect_rows(const std::function<oxArray *(const Arrays &)> &call,
                         const std::vector<Row> &rows, Sweep s = {.bare = false}) {
     s.make = call;
-    for (const auto &[texts, out, shown] : rows) {
+    for (const auto &[texts, out, shown, shares] : rows) {
         SCOPED_TRACE(testing::PrintToString(texts));
         oxArray *result = nullptr;
         bool allocates = false;
         Contexts contexts;
         const Arrays in = arrays(texts);
+        std::set<const oxArray *> elements = {nullptr};
+        for (const oxArray *a : in)
+            for (const oxArray *e : slots_of(a)) elements.insert(e);
         if (out[0] == '!') {
             const std::size_t end = std::min(out.find(' '), out.size());
             const std::string id = "VELTRO:" + out.substr(1, end - 1);
@@ -86,6 +97,9 @@ inline void expect_rows(const std::function<oxArray *(const Arrays &)> &call,
             allocates = result && shown.empty() && FailingAllocation::count() > 0;
             EXPECT_EQ(text(result), text(sub(out)));
             EXPECT_FALSE(result && check_array(result));
+            for (const oxArray *e : slots_of(result)) EXPECT_TRUE(elements.count(e));
+            const bool other = result && oxGetData(result) && !in.empty() && result != in[0];
+            EXPECT_EQ(other && oxGetData(result) == oxGetData(in[0]), shares);
         }
         s.may_survive = s.changes_inputs = result && !in.empty() && result == in[0];
         for (std::size_t k = s.changes_inputs; k < in.size(); ++k)
