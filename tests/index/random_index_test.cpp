@@ -29,7 +29,7 @@ protected:
         for (kwSize &x : d) x = r.chance(0.25) ? 1 : r.chance(0.07) ? 0 : r.below(5) + 1;
         if (r.chance(0.05)) d.assign(2, 0);
         if (r.chance(0.01)) d = {40, 50}; // where the kernels take whole vectors
-        if (r.chance(0.01)) d = {400, 6}; // and columns are searched for few rows
+        if (r.chance(0.02)) d = {400, 6}; // and columns are searched for few rows
         return d;
     }
     Naive value(int cls, const Dims &d) {
@@ -59,7 +59,7 @@ protected:
     }
     oxArray *list(kwSize extent, bool beyond) {
         const kwSize n = extent == 0 && !beyond ? 0
-                         : extent >= 40         ? r.below(90)
+                         : extent >= 40         ? r.below(r.chance(0.5) ? 90 : 6)
                          : r.chance(0.3)        ? 1
                                                 : r.below(6);
         std::vector<double> x;

@@ -88,6 +88,8 @@ TEST_F(SparseAssign, TheSourceMayBeTheTarget) {
     oxArray *a = arr("sparse double 2x2: (0,0)=1 (1,0)=2");
     ASSERT_EQ(spAss4(a, a, arr("2 1")), spOK);
     EXPECT_EQ(text(a), text(arr("sparse double 2x2: (0,1)=1 (1,1)=2")));
+    ASSERT_EQ(spAss3(a, a, arr("2 1"), arr("1 2")), spOK);
+    EXPECT_EQ(text(a), text(arr("sparse double 2x2: (0,1)=2 (1,1)=1")));
 }
 
 TEST_F(SparseAssign, TheColumnsBeforeABadIndexStay) {
