@@ -58,10 +58,8 @@ protected:
         return top ? static_cast<double>(1 + r.below(top)) : 1;
     }
     oxArray *list(kwSize extent, bool beyond) {
-        const kwSize n = extent == 0 && !beyond ? 0
-                         : extent >= 40         ? r.below(r.chance(0.5) ? 90 : 6)
-                         : r.chance(0.3)        ? 1
-                                                : r.below(6);
+        const kwSize most = extent >= 40 && r.chance(0.5) ? 90 : 6;
+        const kwSize n = extent == 0 && !beyond ? 0 : r.chance(0.3) ? 1 : r.below(most);
         std::vector<double> x;
         for (kwSize k = 0; k < n; ++k) x.push_back(position(extent, beyond));
         const bool odd = n > 0 && r.chance(0.03);
