@@ -16,7 +16,7 @@ oxArray *parse(const std::string &text) {
 }
 
 // The kinds on 2-by-2 matrices; the lower triangle alone is in the files with symmetry. Integers
-// are read like reals, in all three of their kinds.
+// with symmetry are in convert.txt.
 TEST_F(MatrixMarket, ReadsEveryKind) {
     const struct {
         const char *kind, *body, *array;
