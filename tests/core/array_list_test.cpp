@@ -66,11 +66,14 @@ TEST_F(ArrayList, ExitSurvivesReversalByWhatItDestroys) {
     oxArray *element = oxCreateDoubleScalar(2);
     oxCreateDoubleScalar(3);
     oxArray *cell = arr("cell 1x1: {}");
-    oxArray *keep[] = {oxCreateDoubleScalar(4), nullptr, oxCreateDoubleScalar(5)};
+    oxArray *keep[] = {oxCreateDoubleScalar(4), nullptr, oxCreateDoubleScalar(5),
+                       oxCreateDoubleScalar(6)};
+    oxSetArrayScope(keep[3], 9);    // no temporary: neither listed nor marked
     cell->get_cells()[0] = element; // still a temporary of this context, its oldest
-    oxExitArrayListContext(index, keep, 3, true);
+    oxExitArrayListContext(index, keep, 4, true);
     EXPECT_EQ(context(), "451");
-    EXPECT_FALSE(keep[0]->has_flag(oxFLAG_LIST_MARK));
+    EXPECT_FALSE((keep[0]->flag_word | keep[3]->flag_word) & oxFLAG_LIST_MARK);
+    oxDestroyArray(keep[3]);
 }
 
 TEST_F(ArrayList, MovingFromTheEnclosingContextSwapsWithItsTop) {

@@ -40,7 +40,14 @@ TEST_F(Raise, TableEntries) {
     }
 }
 
+void raise_with_list(const char *id, const char *fmt, ...) {
+    va_list args;
+    va_start(args, fmt);
+    oxVErrMsgIdAndTxt(id, fmt, args);
+}
+
 TEST_F(Raise, Forms) {
+    EXPECT_RAISES("A:b", "3 of x", raise_with_list("A:b", "%d of %s", 3, "x"));
     EXPECT_RAISES("A:b", "4 of y", oxErrMsgIdAndTxt("A:b", "%d of %s", 4, "y"));
     EXPECT_RAISES("A:b", "6", oxSimpleErrStackAndMsgIdAndTxt(nullptr, "A:b", "%d", 6));
     EXPECT_RAISES("", "abc..", oxErrMsgTxt("ab%s", "c."));
@@ -172,7 +179,9 @@ TEST_F(LastError, StackIsASharedCopy) {
         EXPECT_TRUE(stack()->scope == oxSCOPE_ERROR_STACK && oxIsTemp(a));
         oxSetLastErrIdAndMsgAndStack("A:b", "m", stack()); // the one that is replaced
     }
-    EXPECT_EQ(text(stack()), "double 1x3: 1 2 3");
+    EXPECT_RAISES("A:b", "x", oxSetErrorMode(0), oxErrMsgIdAndTxt("A:b", "x"));
+    EXPECT_EQ(text(stack()), "double 1x3: 1 2 3") << "mode 0 keeps it";
+    oxSetErrorOn();
     EXPECT_RAISES("A:b", "x", oxErrMsgIdAndTxt("A:b", "x"));
     EXPECT_EQ(stack(), nullptr);
     EXPECT_RAISES("A:b", "y", oxSimpleErrStackAndMsgIdAndTxt(arr("4"), "A:b", "y"));

@@ -112,7 +112,8 @@ TEST_F(Colon, ArgumentsGiveClassAndValues) {
     expect_rows(
         colon_args,
         {{{"1", "0.5", "2"}, "6 1 0.5 2 0"},
-         {{"1 2", "5 6"}, "6 1 1 5 0"}, // not scalar, but all double
+         {{"1 2", "5 6"}, "6 1 1 5 0"},                      // not scalar, but all double
+         {{"sparse double 1x2: (0,1)=7", "5"}, "6 0 1 5 0"}, // its first element is not stored
          {{"int8 1x1: 3", "9"}, "8 3 1 9 0"},
          {{"double 0x0", "5"}, "6 0 0 0 1"},
          {{"int64 1x1: 3", "9223372036854775808"}, "14 3 1 9223372036854775808 0"},

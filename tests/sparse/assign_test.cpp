@@ -74,6 +74,7 @@ TEST_F(SparseAssign, StatusesAndResults) {
          {{{a, "1+1i", "4"}, "sparse double 3x2: (0,0)=1+0i (0,1)=1+1i"}});
     rows([](auto &in, auto *b) { return spAss4(in[0], b, in[2]); },
          {{{a, "1", "4"}, "sparse double 3x4: " + filled},
+          {{a, "7 8 9", "2"}, "sparse double 3x2: (0,0)=1 (0,1)=7 (1,1)=8 (2,1)=9"}, // turned
           {{a, "7", "0"}, zero},
           {{a, "7", "-1"}, zero},
           {{a, "7", "1.5"}, bad},
