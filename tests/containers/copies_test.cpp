@@ -41,6 +41,19 @@ TEST_F(Copies, EmptyCopiesKeepTheClassAndSkeletonsTheShape) {
     }
 }
 
+// Two headers of more than two dimensions have a vector each.
+TEST_F(Copies, SharersAreExactCopiesIfTheyAreMatrices) {
+    for (const auto &[of, exact] : {std::pair{"1 2", true},
+                                    {"sparse double 2x2: (0,0)=1", true},
+                                    {"double 1x1x2: 1 | 2", false}}) {
+        const oxArray *a = arr(of), *b = oxCreateSharedCopyNotOnArrayList(a);
+        EXPECT_EQ(oxIsExactSharedCopy(a, b), exact) << of;
+        EXPECT_TRUE(oxIsExactSharedCopy(a, a) && !oxIsExactSharedCopy(a, nullptr));
+        EXPECT_FALSE(oxIsExactSharedCopy(a, oxCreateDeepCopy(a))) << of;
+        oxDestroyArray(const_cast<oxArray *>(b));
+    }
+}
+
 TEST_F(Copies, APrivateBlockIsNeverFreedWhoeverUnsharesFirst) {
     static double block[2] = {1, 2}; // freeing it would not survive
     for (int way = 0; way < 4; ++way) {

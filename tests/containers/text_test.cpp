@@ -85,7 +85,7 @@ TEST_F(TextTest, TheStringEndsAtTheFirstNul) {
     EXPECT_EQ(owned(oxArrayToString(a)) + owned(oxArrayToString_UTF8(a)), "\351b\303\251b");
     EXPECT_EQ(oxArrayToStdString(a), "\351b");
     EXPECT_EQ(text(oxCreateString_UTF8("\351")), "char 1x1: '\\u00E9'"); // not UTF-8
-    EXPECT_EQ(text(oxCreateString(nullptr)) + text(oxCreateString("")), "char 0x0char 0x0");
+    EXPECT_EQ(text(oxCreateString(nullptr)) + text(oxCreateString_UTF16(u"")), "char 0x0char 0x0");
     oxChar *s = oxArrayToString_UTF16(a);
     EXPECT_EQ(std::u16string(s), u"\u00E9b");
     oxFreeEx(s);

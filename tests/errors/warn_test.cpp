@@ -22,7 +22,14 @@ struct Warn : HostTest {
     }
 };
 
+void warn_with_list(const char *id, const char *fmt, ...) {
+    va_list args;
+    va_start(args, fmt);
+    oxVWarningMsgIdAndTxt(id, fmt, args);
+}
+
 TEST_F(Warn, Forms) {
+    EXPECT_WARNS("V:y", "4 of z", warn_with_list("V:y", "%d of %s", 4, "z"));
     EXPECT_WARNS("V:x", "3 of 1099511627776",
                  oxWarningMsgIdAndTxt("V:x", "%d of %Iu", 3, kwSize{1} << 40));
     EXPECT_WARNS("V:z", "Division by zero is not allowed.", oxWarningIdAndMsg("V:z", FDIVBYZERO));

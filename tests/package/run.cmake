@@ -1,6 +1,6 @@
 # Installs into a fresh prefix, builds a module and a program from outside, runs them, moves the prefix, runs again.
-# Variables: BUILD (the build tree to install) or PREFIX (an installed tree to copy), SOURCE (this folder), WORK (a scratch folder), CC, CXX, and FC, which may be
-# empty.
+# Variables: BUILD (the build tree to install) or PREFIX (an installed tree to copy), SOURCE (this folder), WORK (a
+# scratch folder), CC, CXX, and FC, which may be empty.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
   if(NOT status EQUAL 0)

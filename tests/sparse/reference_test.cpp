@@ -39,17 +39,25 @@ TEST_F(SparseReference, KernelsGiveAResultOrAStatus) {
     };
     expect_rows(
         [&](auto &in) {
-            const auto kernel = in.size() == 3 ? spRef2 : spRef3;
+            const auto kernel = in.size() == 3 ? spRef2 : in.size() == 4 ? spRef3 : spRef6;
             return done(kernel, in[0], Subs(in.begin() + 1, in.end()).data());
         },
         {{{a, "4", "2 1", "1"}, "sparse double 1x2: (0,0)=5+1i"},
          {{tall, ":", "1 1 1 1 1 1 1 1 1 1 1 1 2"}, "sparse double 100x13: (3,12)=5"},
+         {{a, "4", "2", "1", "1 1", "1", ":"}, "sparse double 1x2: (0,0)=5+1i (0,1)=5+1i"},
+         {{a, "4", "2", "1", "1", "1", "2"}, far},
          {{a, "0", "1"}, std::to_string(spZeroIndex)},
          {{a, "1.5", "1"}, bad},
          {{a, "NaN", "1"}, bad},
          {{a, "6", "1"}, far}});
-    expect_rows([&](auto &in) { return done(spRef3Scalar, in[0], oxGetPr(in[1])); },
-                {{{a, "4 2 1"}, "sparse double 1x1: (0,0)=5+1i"}, {{a, "4 2 2"}, far}});
+    expect_rows(
+        [&](auto &in) {
+            return done(oxGetN(in[1]) == 3 ? spRef3Scalar : spRef6Scalar, in[0], oxGetPr(in[1]));
+        },
+        {{{a, "4 2 1"}, "sparse double 1x1: (0,0)=5+1i"},
+         {{a, "4 2 2"}, far},
+         {{a, "4 2 1 1 1 1"}, "sparse double 1x1: (0,0)=5+1i"},
+         {{a, "4 2 1 1 1 2"}, far}});
     expect_rows(
         [](auto &in) { // zero-based positions
             const std::vector<kwIndex> r(oxGetPr(in[1]), oxGetPr(in[1]) + oxGetN(in[1]));
