@@ -24,9 +24,9 @@ inline constexpr kwSize join_bytes = pick(2048, 24);
 inline constexpr kwSize convert_block = pick(4096, 32);
 
 // A transpose past the caches goes down this many rows before it takes the next columns; fewer
-// where it needs a buffer of two lines for each.
+// where it needs a buffer of some lines for each.
 inline constexpr kwSize transpose_rows = pick(4096, 64);
-inline constexpr kwSize transpose_buffered_rows = pick(512, 64);
+inline constexpr kwSize transpose_buffered_rows = pick(256, 64);
 
 inline constexpr kwSize simd_min_elements = pick(64, 1); // below: the scalar twin is faster
 inline constexpr kwSize compare_block = pick(512, 2);    // elements compared before the first look

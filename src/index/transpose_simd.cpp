@@ -148,61 +148,66 @@ void whole_lines(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize m, kwSize 
             }
 }
 
-// Rows of the result begin anywhere: each stripe goes to a buffer beside the one before it, where
-// every row finds a whole line of its own phase.
+// Rows of the result begin anywhere: each stripe of some lines goes to a buffer behind the last
+// line of the one before it, where every row finds whole lines of its own phase.
 template<class T> class Stripes {
 public:
-    static constexpr kwSize height = tuning::transpose_buffered_rows, L = line<T>;
+    static constexpr kwSize height = tuning::transpose_buffered_rows, L = line<T>, wide = 4 * L;
 
     // Up to `height` rows of the result, which has at least a line of columns.
     void rows(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize h, kwSize n) {
-        load(src, lds, h, L);
+        kwSize columns = L;
+        load(src, lds, h, columns);
         for (kwSize i = 0; i < h; ++i) {
             const auto at = reinterpret_cast<std::uintptr_t>(dst + i * ldd);
             phase_[i] = static_cast<uint8_t>((-at & 63) / sizeof(T));
             std::memcpy(dst + i * ldd, at_row(i) + L, phase_[i] * sizeof(T));
         }
         kwSize j = L;
-        for (; j + L <= n; j += L) {
-            advance(h);
-            load(src + j * lds, lds, h, L);
-            for (kwSize i = 0; i < h; ++i) store_line(dst + i * ldd + (j - L), i);
+        for (; j < n; j += columns) {
+            keep_line(h, columns);
+            columns = std::min(wide, n - j);
+            load(src + j * lds, lds, h, columns);
+            for (kwSize i = 0; i < h; ++i)
+                store_lines(dst + i * ldd + (j - L + phase_[i]), at_row(i) + phase_[i],
+                            columns / L);
         }
-        advance(h);
-        if (j - L < n) load(src + j * lds, lds, h, n - j);
-        for (kwSize i = 0; i < h; ++i) finish(dst + i * ldd + (j - L), i, n - (j - L));
+        const kwSize done = j > L ? columns / L * L : L;
+        for (kwSize i = 0; i < h; ++i) finish(dst + i * ldd + n, i, phase_[i] + done, L + columns);
     }
 
 private:
-    T *at_row(kwSize i) { return buffer_ + i * 2 * L; }
+    T *at_row(kwSize i) { return buffer_ + i * (L + wide); }
 
     void load(const T *src, kwSize lds, kwSize h, kwSize columns) {
-        direct<T>(buffer_ + L, 2 * L, src, lds, h, columns);
+        direct<T>(buffer_ + L, L + wide, src, lds, h, columns);
     }
-    void advance(kwSize h) {
+    // Moves the last line of a stripe to where the next one follows it.
+    void keep_line(kwSize h, kwSize columns) {
         const hn::CappedTag<T, L> d;
         for (kwSize i = 0; i < h; ++i)
             for (kwSize k = 0; k < L; k += hn::MaxLanes(d))
-                hn::Store(hn::Load(d, at_row(i) + L + k), d, at_row(i) + k);
+                hn::Store(hn::Load(d, at_row(i) + columns + k), d, at_row(i) + k);
     }
-    void store_line(T *row, kwSize i) {
+    static void store_lines(T *to, const T *from, kwSize lines) {
         const hn::CappedTag<T, L> d;
-        const T *from = at_row(i) + phase_[i];
-        for (kwSize k = 0; k < L; k += hn::MaxLanes(d))
-            hn::Stream(hn::LoadU(d, from + k), d, row + phase_[i] + k);
+        for (kwSize k = 0; k < lines * L; k += hn::MaxLanes(d))
+            hn::Stream(hn::LoadU(d, from + k), d, to + k);
     }
-    // The last columns of a row, of which `columns` are in the buffer.
-    void finish(T *row, kwSize i, kwSize columns) {
-        kwSize done = phase_[i];
-        if (columns >= done + L) {
-            store_line(row, i);
-            done += L;
+    // The columns first .. end - 1 of the buffer, fewer than two lines, are the last of a row.
+    void finish(T *row_end, kwSize i, kwSize first, kwSize end) {
+        const T *from = at_row(i) + first;
+        kwSize left = end - first;
+        if (left >= L) {
+            store_lines(row_end - left, from, 1);
+            from += L;
+            left -= L;
         }
-        if (done < columns) std::memcpy(row + done, at_row(i) + done, (columns - done) * sizeof(T));
+        if (left > 0) std::memcpy(row_end - left, from, left * sizeof(T));
     }
 
-    alignas(64) T buffer_[height * 2 * L]; // the stripe before, and the stripe at hand
-    uint8_t phase_[height];                // columns of a row before its first line
+    alignas(64) T buffer_[height * (L + wide)]; // the line before, and the stripe at hand
+    uint8_t phase_[height];                     // columns of a row before its first line
 };
 
 template<class T> void streamed(T *dst, kwSize ldd, const T *src, kwSize lds, kwSize m, kwSize n) {
