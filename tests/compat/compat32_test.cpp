@@ -3,6 +3,8 @@
 
 #include <climits>
 #include <functional>
+#include <ut.h>
+#include <utility>
 
 namespace {
 
@@ -146,12 +148,17 @@ TEST_F(Compat32, SparseIndexVectorsAreRefusedByName) {
         {"oxReshapeSparse_700",
          [&] { oxReshapeSparse_700(2, 2, nullptr, nullptr, 1, 4, nullptr); }},
     };
-    for (const auto &[name, call] : table) {
+    for (int last_line = 0; const auto &[name, call] : table) {
         const std::string message =
             std::string("64-bit vex files using sparse matrices must be rebuilt with the "
                         "\"-largeArrayDims\" option: ") +
             name + " cannot serve them. See the release notes for more details.";
         EXPECT_RAISES("VELTRO:matrix:ERR_SPARSE_64BIT_OBSOLETE", message.c_str(), call());
+        const char *file;
+        int line;
+        utGetLastErrorPlace(&file, &line);
+        EXPECT_STREQ(file, "compat32");
+        EXPECT_GT(line, std::exchange(last_line, line));
     }
 }
 

@@ -113,10 +113,29 @@ TEST_F(SparseAssign, CapacitiesThatCannotBe) {
     oxDestroyArray(seven);
 }
 
-TEST_F(SparseAssign, FailingAllocationsOfDeletions) {
-    for (auto *assign : {spAss4, spAss5, spAss6})
-        sweep_changes({{"sparse double 3x2: (0,0)=1", "1 2"}},
-                      [=](auto &in) { assign(in[0], nullptr, in[1]); });
+TEST_F(SparseAssign, FailingAllocations) {
+    const auto one_more = [](const Arrays &in, auto assign) {
+        oxArray *b = oxCreateDoubleMatrix(1, 1, oxCOMPLEX); // a temporary, which success consumes
+        *oxGetPr(b) = *oxGetPi(b) = 1;
+        return assign(in[0], b, in[1]) == spOK;
+    };
+    const auto fails = [](std::function<bool(const Arrays &)> act) {
+        sweep({.name = "assignment",
+               .inputs = {"sparse double 3x2: (0,0)=1", "4", "1 2", "1; 0; 2"},
+               .act = act,
+               .bare = false,
+               .changes_inputs = true});
+    };
+    for (auto *assign : {spAss4, spAss5, spAss6}) {
+        fails([&](const Arrays &in) { return one_more(in, assign); });
+        fails([&](const Arrays &in) { return assign(in[0], nullptr, in[2]) == spOK; });
+    }
+    fails([&](const Arrays &in) {
+        return one_more(in, [&](auto *a, auto *b, auto *i) { return spAss3(a, b, i, in[2]); });
+    });
+    fails([&](const Arrays &in) { // a full target
+        return one_more(in, [&](auto *, auto *b, auto *j) { return spAss4(in[3], b, j); });
+    });
 }
 
 } // namespace
